@@ -1,0 +1,16 @@
+# virlo_add_test(NAME [QT] SOURCES… LIBRARIES… [ENVIRONMENT…] [TIMEOUT seconds]): one test program, run whole by CTest.
+# The test support's main watches the log: a line that no test expected fails the test in which it was written. With QT
+# the program brings its own main, which makes its application object and then returns virlo::test::runAllTests.
+function(virlo_add_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 test "QT" "TIMEOUT" "SOURCES;LIBRARIES;ENVIRONMENT")
+  add_executable(${name} ${test_SOURCES})
+  target_link_libraries(${name} PRIVATE virlo-test-support ${test_LIBRARIES})
+  if(NOT test_QT)
+    target_link_libraries(${name} PRIVATE virlo-test-main)
+  endif()
+  add_test(NAME ${name} COMMAND ${name})
+  if(NOT test_TIMEOUT)
+    set(test_TIMEOUT 300)
+  endif()
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${test_TIMEOUT} ENVIRONMENT "${test_ENVIRONMENT}")
+endfunction()
