@@ -1,0 +1,28 @@
+#pragma once
+
+#include "SessionState.h"
+#include "URLSession.h"
+
+#include <memory>
+
+namespace virlo
+{
+
+/// The session over libcurl: see URLSession. Its tasks are Transfers and keep its state, not itself.
+class CurlSession : public URLSession
+{
+public:
+    explicit CurlSession(URLSessionConfiguration configuration);
+
+    [[nodiscard]] std::shared_ptr<URLSessionTask> dataTask(URLRequest request,
+                                                           Completion completion) override;
+    [[nodiscard]] std::shared_ptr<URLSessionTask> streamTask(URLRequest request, Receiver receiver,
+                                                             Completion completion) override;
+    void finishTasksAndInvalidate() override;
+    void invalidateAndCancel() override;
+
+private:
+    std::shared_ptr<SessionState> m_state;
+};
+
+} // namespace virlo

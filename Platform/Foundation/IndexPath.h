@@ -1,0 +1,14 @@
+#pragma once
+
+namespace virlo
+{
+
+/// A place in a list of sections.
+struct IndexPath {
+    long section = 0;
+    long row = 0;
+
+    friend bool operator==(const IndexPath&, const IndexPath&) = default;
+};
+
+} // namespace virlo

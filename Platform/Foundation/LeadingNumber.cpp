@@ -1,0 +1,104 @@
+#include "LeadingNumber.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <system_error>
+
+namespace virlo::LeadingNumber
+{
+
+namespace
+{
+
+struct Signed {
+    bool negative;
+    std::string_view digits;
+};
+
+bool isDigit(char character)
+{
+    return character >= '0' && character <= '9';
+}
+
+Signed withoutSign(std::string_view text)
+{
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+'))
+        text.remove_prefix(1);
+    return {negative, text};
+}
+
+std::uint64_t magnitude(std::string_view digits)
+{
+    std::uint64_t value = 0;
+    const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    return result.ec == std::errc::result_out_of_range ? std::numeric_limits<std::uint64_t>::max() : value;
+}
+
+/// Whether a decimal number that fits no double is too large rather than too small.
+bool isLarge(std::string_view number)
+{
+    const auto mark = number.find_first_of("eE");
+    const auto mantissa = number.substr(0, mark);
+    const auto point = std::min(mantissa.find('.'), mantissa.size());
+    const auto first = mantissa.find_first_not_of("0.");
+    if (first == std::string_view::npos)
+        return false;
+    const auto place = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first);
+    const auto exponent = mark == std::string_view::npos ? 0 : integer(number.substr(mark + 1));
+    return exponent > -place;
+}
+
+} // namespace
+
+std::int64_t integer(std::string_view text)
+{
+    constexpr auto largest = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+    const auto [negative, digits] = withoutSign(text);
+    const auto value = magnitude(digits);
+    if (negative)
+        return value > largest ? std::numeric_limits<std::int64_t>::min() : -static_cast<std::int64_t>(value);
+    return static_cast<std::int64_t>(std::min(value, largest));
+}
+
+std::uint64_t unsignedInteger(std::string_view text)
+{
+    const auto [negative, digits] = withoutSign(text);
+    return negative ? 0 : magnitude(digits);
+}
+
+double decimal(std::string_view text)
+{
+    const auto [negative, digits] = withoutSign(text);
+    const bool begins = !digits.empty() &&
+                        (isDigit(digits[0]) || (digits.size() > 1 && digits[0] == '.' && isDigit(digits[1])));
+    if (!begins)
+        return 0;
+    double value = 0;
+    const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    const auto taken = digits.substr(0, static_cast<std::size_t>(result.ptr - digits.data()));
+    if (result.ec == std::errc::result_out_of_range || !std::isfinite(value))
+        value = isLarge(taken) ? std::numeric_limits<double>::max() : 0;
+    return negative ? -value : value;
+}
+
+std::int64_t integer(double value)
+{
+    if (std::isnan(value))
+        return 0;
+    if (value >= 0x1p63)
+        return std::numeric_limits<std::int64_t>::max();
+    return value < -0x1p63 ? std::numeric_limits<std::int64_t>::min() : static_cast<std::int64_t>(value);
+}
+
+std::uint64_t unsignedInteger(double value)
+{
+    if (std::isnan(value) || value <= 0)
+        return 0;
+    return value >= 0x1p64 ? std::numeric_limits<std::uint64_t>::max() : static_cast<std::uint64_t>(value);
+}
+
+} // namespace virlo::LeadingNumber

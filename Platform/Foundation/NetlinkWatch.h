@@ -1,0 +1,32 @@
+#pragma once
+
+#include "NetworkFlags.h"
+
+#include <functional>
+#include <memory>
+
+namespace virlo
+{
+
+/// Listens for the kernel's announcements of changed links, addresses and routes on a thread of its own,
+/// asleep between them. One change brings many announcements: they are taken together, and `changed` is
+/// called once they have stopped for a tenth of a second, or after one second of them.
+class NetlinkWatch : public NetworkFlagsSource::Watch
+{
+public:
+    /// Null where the kernel or the system's limits refuse.
+    [[nodiscard]] static std::unique_ptr<NetlinkWatch> start(std::function<void()> changed);
+
+    ~NetlinkWatch() override;
+    NetlinkWatch(const NetlinkWatch&) = delete;
+    NetlinkWatch& operator=(const NetlinkWatch&) = delete;
+
+private:
+    class State;
+
+    explicit NetlinkWatch(std::shared_ptr<State> state);
+
+    std::shared_ptr<State> m_state;
+};
+
+} // namespace virlo

@@ -1,0 +1,48 @@
+#include "NetworkFlags.h"
+
+#include "KernelNetworkFlags.h"
+
+#include <atomic>
+
+namespace virlo
+{
+
+namespace
+{
+std::atomic<NetworkFlagsSource*> sourceInForce{nullptr};
+
+class FixedNetworkFlags : public NetworkFlagsSource
+{
+public:
+    explicit FixedNetworkFlags(std::uint32_t flags) : m_flags(flags) {}
+
+    std::optional<std::uint32_t> flagsForAddress(std::uint32_t) const override { return m_flags; }
+
+    std::optional<std::uint32_t> flagsForHost(const std::string&) const override { return m_flags; }
+
+    std::unique_ptr<Watch> watch(std::function<void()>) override { return std::make_unique<Watch>(); }
+
+private:
+    std::uint32_t m_flags;
+};
+} // namespace
+
+NetworkFlagsSource& NetworkFlagsSource::shared()
+{
+    if (NetworkFlagsSource* source = sourceInForce)
+        return *source;
+    static auto* const kernel = new KernelNetworkFlags; // outlives every static object that may ask it
+    return *kernel;
+}
+
+void NetworkFlagsSource::setShared(NetworkFlagsSource* source)
+{
+    sourceInForce = source;
+}
+
+std::unique_ptr<NetworkFlagsSource> makeFixedNetworkFlags(std::uint32_t flags)
+{
+    return std::make_unique<FixedNetworkFlags>(flags);
+}
+
+} // namespace virlo

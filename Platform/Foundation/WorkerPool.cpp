@@ -1,0 +1,155 @@
+#include "WorkerPool.h"
+
+#include "DetachedThread.h"
+#include "Guarded.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace virlo
+{
+
+namespace
+{
+
+thread_local bool isWorker = false;
+
+/// How many workers a level and those below it may hold together.
+constexpr std::array<int, 4> share{GlobalQueue::maximumThreads - 3, GlobalQueue::maximumThreads - 2,
+                                   GlobalQueue::maximumThreads - 1, GlobalQueue::maximumThreads};
+
+} // namespace
+
+struct WorkerPool::Worker {
+    std::condition_variable wake;
+    Task task;
+    bool assigned = false;
+};
+
+WorkerPool& WorkerPool::shared()
+{
+    static auto* const pool = new WorkerPool;
+    return *pool;
+}
+
+void WorkerPool::submit(Level level, std::function<void()> work)
+{
+    std::unique_lock lock(m_mutex);
+    ++m_pending;
+    const bool canStart = mayRun(level) && (!m_idle.empty() || m_threads < GlobalQueue::maximumThreads);
+    if (!canStart) {
+        m_waiting[static_cast<std::size_t>(level)].push_back(std::move(work));
+        return;
+    }
+    ++m_running[static_cast<std::size_t>(level)];
+    if (!m_idle.empty()) {
+        Worker& worker = *m_idle.back();
+        m_idle.pop_back();
+        worker.task = {level, std::move(work)};
+        worker.assigned = true;
+        worker.wake.notify_one(); // under the lock: the worker lives on its thread's stack
+        return;
+    }
+    ++m_threads;
+    lock.unlock();
+    startWorker({level, std::move(work)});
+}
+
+void WorkerPool::startWorker(Task task)
+{
+    const auto first = std::make_shared<Task>(std::move(task));
+    if (startDetachedThread("virlo-worker", [this, first] { runWorker(std::move(*first)); }))
+        return;
+    // No thread to be had: the work waits for a worker there is, or for the next attempt to make one.
+    const std::lock_guard lock(m_mutex);
+    --m_threads;
+    --m_running[static_cast<std::size_t>(first->level)];
+    m_waiting[static_cast<std::size_t>(first->level)].push_front(std::move(first->work));
+}
+
+void WorkerPool::runWorker(Task task)
+{
+    isWorker = true;
+    Worker self;
+    self.task = std::move(task);
+    std::unique_lock lock(m_mutex, std::defer_lock);
+    for (;;) {
+        runGuarded(self.task.work, "queued work");
+        self.task.work = nullptr;
+        lock.lock();
+        finishLocked(self.task.level);
+        if (!takeNext(self.task)) {
+            self.assigned = false;
+            m_idle.push_back(&self);
+            self.wake.wait_for(lock, idleLife, [&self] { return self.assigned; });
+            if (!self.assigned) {
+                std::erase(m_idle, &self);
+                --m_threads;
+                return;
+            }
+        }
+        lock.unlock();
+    }
+}
+
+bool WorkerPool::mayRun(Level level) const
+{
+    int held = 0;
+    for (std::size_t index = 0; index < levelCount; ++index) {
+        held += m_running[index];
+        if (index >= static_cast<std::size_t>(level) && held >= share[index])
+            return false;
+    }
+    return true;
+}
+
+bool WorkerPool::takeNext(Task& task)
+{
+    for (std::size_t index = levelCount; index-- > 0;) {
+        const auto level = static_cast<Level>(index);
+        auto& waiting = m_waiting[index];
+        if (waiting.empty() || !mayRun(level))
+            continue;
+        task.level = level;
+        task.work = std::move(waiting.front());
+        waiting.pop_front();
+        ++m_running[index];
+        return true;
+    }
+    return false;
+}
+
+void WorkerPool::finishLocked(Level level)
+{
+    --m_running[static_cast<std::size_t>(level)];
+    leaveLocked();
+}
+
+void WorkerPool::enter()
+{
+    const std::lock_guard lock(m_mutex);
+    ++m_pending;
+}
+
+void WorkerPool::leave()
+{
+    const std::lock_guard lock(m_mutex);
+    leaveLocked();
+}
+
+void WorkerPool::leaveLocked()
+{
+    if (--m_pending == 0)
+        m_atRest.notify_all();
+}
+
+bool WorkerPool::drain(Seconds limit)
+{
+    if (isWorker)
+        return false;
+    const auto end = std::chrono::steady_clock::now() + Clock::ticks(limit);
+    std::unique_lock lock(m_mutex);
+    return m_atRest.wait_until(lock, end, [this] { return m_pending == 0; });
+}
+
+} // namespace virlo
