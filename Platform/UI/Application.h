@@ -1,0 +1,47 @@
+#pragma once
+
+#include "Clock.h"
+#include "Export.h"
+#include "URL.h"
+
+#include <functional>
+#include <optional>
+
+namespace virlo
+{
+
+/// Opens URLs outside the app: the seam through which hosts, demos and tests put an opener of their own.
+/// `open` is called off the main thread, one call at a time, may block, and answers whether something
+/// accepted the URL.
+class VIRLO_EXPORT URLOpener
+{
+public:
+    virtual ~URLOpener() = default;
+    virtual bool open(const URL& url) = 0;
+};
+
+/// The app that the library runs in. From the making of the QGuiApplication on it posts, on the main thread,
+/// the notifications of NotificationCenter.h: did become active when the app becomes active; did enter
+/// background when it is hidden or suspended, or is inactive with no window to be seen; will terminate when
+/// it is about to quit. After the last it lets queued work and running HTTP exchanges end, for at most
+/// `terminationLimit` in all, so that a closing request leaves; the host's `QGuiApplication::exec` returns
+/// that much later.
+class VIRLO_EXPORT Application
+{
+public:
+    static constexpr Seconds terminationLimit{1.0};
+
+    /// Asks for `url` to be opened. `completion` is called on the main thread, never on the caller's stack,
+    /// with whether it was accepted; false for no URL. Any thread, waits for nothing.
+    static void openURL(const std::optional<URL>& url, std::function<void(bool accepted)> completion = {});
+
+    /// Null puts the desktop's own opener in force again: it runs `xdg-open`, takes a failure that comes
+    /// within some seconds for a refusal, and refuses relative URLs and those of local files. Not owned; it
+    /// must outlive its last call.
+    static void setURLOpener(URLOpener* opener);
+
+    /// Names the class, so that the linker keeps it, and with it its start with the application.
+    static void require();
+};
+
+} // namespace virlo

@@ -1,0 +1,99 @@
+#include "ImageView.h"
+
+#include "Image.h"
+
+#include <QQuickWindow>
+#include <QSGImageNode>
+
+#include <algorithm>
+#include <utility>
+
+namespace virlo
+{
+
+namespace
+{
+
+struct Placement {
+    QRectF source;
+    QRectF target;
+};
+
+Placement place(QSizeF picture, QSizeF view, ImageView::ContentMode mode)
+{
+    const QRectF whole(QPointF(), picture);
+    const QRectF bounds(QPointF(), view);
+    QSizeF size = view;
+    if (mode == ImageView::ContentMode::AspectFit)
+        size = picture.scaled(view, Qt::KeepAspectRatio);
+    else if (mode == ImageView::ContentMode::AspectFill)
+        size = picture.scaled(view, Qt::KeepAspectRatioByExpanding);
+    else if (mode == ImageView::ContentMode::Center)
+        size = picture;
+    QRectF target(QPointF(), size);
+    target.moveCenter(bounds.center());
+    // A picture at its own size stays on whole points, and so sharp.
+    if (size == picture)
+        target.moveTopLeft(QPointF(std::floor(target.x()), std::floor(target.y())));
+    const QRectF visible = target.intersected(bounds);
+    const double x = picture.width() / size.width();
+    const double y = picture.height() / size.height();
+    const QRectF source((visible.x() - target.x()) * x, (visible.y() - target.y()) * y, visible.width() * x,
+                        visible.height() * y);
+    return {source.intersected(whole), visible};
+}
+
+} // namespace
+
+ImageView::ImageView(QQuickItem* superview) : View(superview) {}
+
+ImageView::~ImageView() = default;
+
+void ImageView::setImage(std::shared_ptr<const Image> image)
+{
+    if (image == m_image)
+        return;
+    m_image = std::move(image);
+    m_textureIsStale = true;
+    update();
+    emit imageChanged();
+}
+
+void ImageView::setContentMode(ContentMode mode)
+{
+    if (std::exchange(m_mode, mode) == mode)
+        return;
+    update();
+    emit contentModeChanged();
+}
+
+QSGNode* ImageView::updateContentNode(QSGNode* old)
+{
+    auto* node = static_cast<QSGImageNode*>(old);
+    if (!m_image || size().isEmpty()) {
+        delete node;
+        return nullptr;
+    }
+    if (node == nullptr || std::exchange(m_textureIsStale, false)) {
+        const auto options = m_image->qImage().hasAlphaChannel() ? QQuickWindow::TextureHasAlphaChannel
+                                                                 : QQuickWindow::TextureIsOpaque;
+        QSGTexture* texture = window()->createTextureFromImage(m_image->qImage(), options);
+        if (texture == nullptr) {
+            delete node;
+            return nullptr;
+        }
+        if (node == nullptr) {
+            node = window()->createImageNode();
+            node->setOwnsTexture(true);
+            node->setFiltering(QSGTexture::Linear);
+        }
+        node->setTexture(texture);
+    }
+    m_textureIsStale = false;
+    const Placement placement = place(QSizeF(m_image->qImage().size()), size(), m_mode);
+    node->setRect(placement.target);
+    node->setSourceRect(placement.source);
+    return node;
+}
+
+} // namespace virlo

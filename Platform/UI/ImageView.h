@@ -1,0 +1,54 @@
+#pragma once
+
+#include "View.h"
+
+#include <memory>
+
+namespace virlo
+{
+
+class Image;
+
+/// Shows an Image. The texture is made when a frame needs it and goes with the image or the view; the
+/// picture's memory is shared with the Image, not copied, on the software backend. An empty view draws its
+/// background alone.
+class ImageView : public virlo::View
+{
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(ContentMode contentMode READ contentMode WRITE setContentMode NOTIFY contentModeChanged FINAL)
+    Q_PROPERTY(bool hasImage READ hasImage NOTIFY imageChanged FINAL)
+
+public:
+    /// Fill stretches; AspectFit leaves room, AspectFill cuts off what overflows; Center keeps the picture's
+    /// own size and cuts off what overflows.
+    enum class ContentMode { Fill, AspectFit, AspectFill, Center };
+    Q_ENUM(ContentMode)
+
+    explicit ImageView(QQuickItem* superview = nullptr);
+    ~ImageView() override;
+
+    [[nodiscard]] const std::shared_ptr<const Image>& image() const noexcept { return m_image; }
+
+    void setImage(std::shared_ptr<const Image> image);
+
+    [[nodiscard]] bool hasImage() const noexcept { return m_image != nullptr; }
+
+    [[nodiscard]] ContentMode contentMode() const noexcept { return m_mode; }
+
+    void setContentMode(ContentMode mode);
+
+signals:
+    void imageChanged();
+    void contentModeChanged();
+
+protected:
+    QSGNode* updateContentNode(QSGNode* node) override;
+
+private:
+    std::shared_ptr<const Image> m_image;
+    ContentMode m_mode = ContentMode::Fill;
+    bool m_textureIsStale = false;
+};
+
+} // namespace virlo

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "View.h"
+
+class QQuickText;
+
+namespace virlo
+{
+
+/// Plain text; what looks like markup is shown as it stands. Too long a text ends in an ellipsis.
+class Label : public virlo::View
+{
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged FINAL)
+    Q_PROPERTY(QColor textColor READ textColor WRITE setTextColor NOTIFY styleChanged FINAL)
+    Q_PROPERTY(double fontSize READ fontSize WRITE setFontSize NOTIFY styleChanged FINAL)
+    Q_PROPERTY(bool bold READ isBold WRITE setBold NOTIFY styleChanged FINAL)
+    Q_PROPERTY(
+        Qt::Alignment textAlignment READ textAlignment WRITE setTextAlignment NOTIFY styleChanged FINAL)
+    Q_PROPERTY(bool wraps READ wraps WRITE setWraps NOTIFY styleChanged FINAL)
+
+public:
+    explicit Label(QQuickItem* superview = nullptr);
+
+    [[nodiscard]] QString text() const;
+    void setText(const QString& text);
+    [[nodiscard]] QColor textColor() const; ///< black at first
+    void setTextColor(const QColor& color);
+
+    /// In points; fractions are kept to the nearest whole point, at least 1. 34 at first.
+    [[nodiscard]] double fontSize() const noexcept { return m_fontSize; }
+
+    void setFontSize(double points);
+    [[nodiscard]] bool isBold() const;
+    void setBold(bool bold);
+    /// Left and vertically centred at first.
+    [[nodiscard]] Qt::Alignment textAlignment() const;
+    void setTextAlignment(Qt::Alignment alignment);
+    [[nodiscard]] bool wraps() const;
+    void setWraps(bool wraps);
+
+signals:
+    void textChanged();
+    void styleChanged();
+
+protected:
+    void geometryChange(const QRectF& now, const QRectF& before) override;
+
+private:
+    QQuickText* m_text;
+    double m_fontSize = 34;
+};
+
+} // namespace virlo

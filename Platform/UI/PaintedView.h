@@ -1,0 +1,40 @@
+#pragma once
+
+#include "View.h"
+
+#include <QImage>
+
+class QPainter;
+
+namespace virlo
+{
+
+/// A view whose content is drawn by QPainter, antialiased and smooth under scale, above its background.
+/// `paint` is called on the main thread, only after `setNeedsDisplay`, a change of size or of the window's
+/// scale; nothing is drawn at rest.
+class PaintedView : public virlo::View
+{
+    Q_OBJECT
+    QML_ANONYMOUS
+
+public:
+    explicit PaintedView(QQuickItem* superview = nullptr);
+    ~PaintedView() override;
+
+    void setNeedsDisplay();
+
+protected:
+    /// Draws into `bounds()`; the painter's unit is the point, whatever the resolution.
+    virtual void paint(QPainter& painter) = 0;
+
+    void updatePolish() override;
+    void geometryChange(const QRectF& now, const QRectF& before) override;
+    void itemChange(ItemChange change, const ItemChangeData& data) override;
+    QSGNode* updateContentNode(QSGNode* node) override;
+
+private:
+    QImage m_picture;
+    bool m_textureIsStale = false;
+};
+
+} // namespace virlo

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QColor>
+#include <QImage>
+#include <QQuickWindow>
+#include <QSGImageNode>
+#include <QSGNode>
+#include <QSGTexture>
+
+#include <memory>
+#include <vector>
+
+namespace virlo
+{
+
+/// A filled rectangle with round corners, sharp or blurred.
+struct RoundedShape {
+    QSizeF size;
+    QRgb color = 0; ///< opaque or not
+    double corner = 0;
+    double blur = 0; ///< the standard deviation of the blur, in points
+
+    friend bool operator==(const RoundedShape&, const RoundedShape&) = default;
+};
+
+/// Draws a RoundedShape as a small picture stretched between its corners: smooth under scale on every
+/// backend, whatever the size. The blur reaches outside the shape. Render thread.
+class RoundedPatch : public QSGTransformNode
+{
+public:
+    ~RoundedPatch() override;
+
+    /// Places the shape with its top left corner at `origin`.
+    void update(const RoundedShape& shape, QPointF origin, QQuickWindow& window);
+
+private:
+    struct Picture {
+        QImage image;
+        double outset = 0; ///< how far it reaches outside the shape
+        double inset =
+            0; ///< how much of each edge inside the shape must not be stretched; 0 where nothing is stretched
+    };
+
+    [[nodiscard]] static Picture draw(const RoundedShape& shape);
+    void makePieces(int count, QQuickWindow& window);
+    void place(const RoundedShape& shape, QPointF origin);
+
+    RoundedShape m_shape;
+    QPointF m_origin;
+    Picture m_picture;
+    std::unique_ptr<QSGTexture> m_texture;
+    std::vector<QSGImageNode*> m_pieces;
+};
+
+} // namespace virlo

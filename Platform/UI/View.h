@@ -1,0 +1,139 @@
+#pragma once
+
+#include "FocusEnvironment.h"
+#include "LayerItem.h"
+#include "Responder.h"
+
+#include <QAccessible>
+
+#include <memory>
+#include <vector>
+
+namespace virlo
+{
+
+class FocusEngine;
+class TapRecognizer;
+class ViewController;
+
+/// A rectangle of a screen: a look (see LayerItem), subviews, focus and presses.
+///
+/// Made in QML (`import Virlo.UI`) or by `make`. Views of a scene belong to the scene's root; a view made by
+/// `make` belongs to its shared pointers, and `addSubview` holds one. Main thread only, but the last shared
+/// pointer may go anywhere: the view is then destroyed in a later turn of the main loop, never on the
+/// caller's stack.
+class View : public virlo::LayerItem, public Responder, public FocusEnvironment
+{
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(bool focusable READ focusable WRITE setFocusable NOTIFY focusabilityChanged FINAL)
+    Q_PROPERTY(bool obscuresFocus READ obscuresFocus WRITE setObscuresFocus NOTIFY focusabilityChanged FINAL)
+    Q_PROPERTY(bool focused READ isFocused NOTIFY focusedChanged FINAL)
+    Q_PROPERTY(
+        QString accessibleName READ accessibleName WRITE setAccessibleName NOTIFY accessibleNameChanged FINAL)
+    Q_PROPERTY(int tag MEMBER m_tag FINAL)
+
+public:
+    template <typename T, typename... Args>
+    [[nodiscard]] static std::shared_ptr<T> make(Args&&... args)
+    {
+        return {new T(std::forward<Args>(args)...), [](T* view) { destroyLater(view); }};
+    }
+
+    explicit View(QQuickItem* superview = nullptr);
+    ~View() override;
+
+    // The tree
+    /// Shows `view` above the other subviews and keeps it alive until it leaves this view; one that is here
+    /// or elsewhere moves here.
+    void addSubview(const std::shared_ptr<View>& view);
+    /// As above for a view that something else owns, such as a view controller.
+    void addSubview(View& view);
+    void insertSubviewAbove(View& view, View& sibling);
+    void insertSubviewBelow(View& view, View& sibling);
+    void removeFromSuperview();
+    [[nodiscard]] View* superview() const;
+    /// Lowest first.
+    [[nodiscard]] std::vector<View*> subviews() const;
+    /// The first view of this tree, this one included, that carries the tag; null where none does.
+    [[nodiscard]] View* viewWithTag(int tag);
+    /// Also true for the view itself.
+    [[nodiscard]] bool isDescendantOf(const View& view) const;
+
+    /// The controller whose root view this is; null for any other view.
+    [[nodiscard]] ViewController* viewController() const noexcept { return m_viewController; }
+
+    /// Makes `view`, a subview of this one, fill it at whatever size this view has.
+    void pinToEdges(View& view);
+
+    // Focus
+    /// What `focusable` says, unless overridden; who overrides it calls `focusabilityDidChange` when its
+    /// answer changes.
+    [[nodiscard]] virtual bool canBecomeFocused() const { return m_focusable; }
+
+    [[nodiscard]] bool focusable() const noexcept { return m_focusable; }
+
+    void setFocusable(bool focusable);
+
+    /// Whether it hides what lies below it from the focus, within its bounds, while it is visible.
+    [[nodiscard]] bool obscuresFocus() const noexcept { return m_obscuresFocus; }
+
+    void setObscuresFocus(bool obscures);
+
+    [[nodiscard]] bool isFocused() const noexcept { return m_focused; }
+
+    /// This view where it can become focused, else null.
+    [[nodiscard]] View* preferredFocusedView() override;
+    void focusabilityDidChange();
+
+    // Presses
+    void addGestureRecognizer(const std::shared_ptr<TapRecognizer>& recognizer);
+    void removeGestureRecognizer(const std::shared_ptr<TapRecognizer>& recognizer);
+    [[nodiscard]] const std::vector<std::shared_ptr<TapRecognizer>>& gestureRecognizers() const noexcept;
+    [[nodiscard]] Responder* nextResponder() const override;
+
+    /// What a screen reader says of it; empty at first, and then the view is passed over.
+    [[nodiscard]] QString accessibleName() const { return m_accessibleName; }
+
+    void setAccessibleName(const QString& name);
+
+signals:
+    void focusabilityChanged();
+    void focusedChanged();
+    void accessibleNameChanged();
+
+protected:
+    /// Called when the view comes to a window, leaves it, or its superview changes; after the base's own
+    /// work.
+    virtual void didMoveToWindow() {}
+
+    [[nodiscard]] virtual QAccessible::Role accessibleRole() const { return QAccessible::Pane; }
+
+    [[nodiscard]] View* focusEnvironmentView() override { return this; }
+
+    [[nodiscard]] FocusEnvironment* parentFocusEnvironment() override;
+
+    void itemChange(ItemChange change, const ItemChangeData& data) override;
+    void geometryChange(const QRectF& now, const QRectF& before) override;
+
+private:
+    friend class FocusEngine;
+    friend class ViewController;
+
+    static void destroyLater(View* view);
+    void setFocused(bool focused);
+    void revalidateFocus();
+
+    FocusEngine* m_engine = nullptr; ///< in a screen's root view
+    std::vector<std::shared_ptr<View>> m_held;
+    std::vector<std::shared_ptr<TapRecognizer>> m_recognizers;
+    ViewController* m_viewController = nullptr;
+    int m_tag = 0;
+    bool m_focusable = false;
+    bool m_obscuresFocus = false;
+    bool m_focused = false;
+    bool m_clear = false;
+    QString m_accessibleName;
+};
+
+} // namespace virlo

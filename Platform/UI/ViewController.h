@@ -1,0 +1,126 @@
+#pragma once
+
+#include "FocusEnvironment.h"
+#include "Responder.h"
+#include "SceneObjects.h"
+#include "View.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace virlo
+{
+
+class WindowPresentation;
+
+/// Runs a screen or a part of one: owns its view, hears of its appearing, has a say in the focus.
+///
+/// Made by `make` or by a Storyboard, on any thread, and held by shared pointers; used on the main thread
+/// only. The last pointer may go on any thread and inside any of its own calls: the controller, its view and
+/// everything its scene made are then destroyed on the main thread, in a later turn of the main loop. A
+/// parent keeps its children alive.
+///
+/// Calls come in this order: `viewDidLoad` once, then for each time on screen `viewWillAppear`,
+/// `viewDidAppear` (the first frame with the view has been shown), `viewWillDisappear`, `viewDidDisappear`. A
+/// screen dismissed before its first frame skips `viewDidAppear`. Each call reaches the children after the
+/// parent's own; an override calls the base's.
+class ViewController : public Responder,
+                       public FocusEnvironment,
+                       public std::enable_shared_from_this<ViewController>
+{
+public:
+    template <typename T, typename... Args>
+    [[nodiscard]] static std::shared_ptr<T> make(Args&&... args)
+    {
+        return {new T(std::forward<Args>(args)...), [](T* controller) { destroyLater(controller); }};
+    }
+
+    ViewController();
+    ~ViewController() override;
+    ViewController(const ViewController&) = delete;
+    ViewController& operator=(const ViewController&) = delete;
+
+    // The view
+    /// Loads the view first where that has not been done.
+    [[nodiscard]] View& view();
+    void loadViewIfNeeded();
+
+    [[nodiscard]] bool isViewLoaded() const noexcept { return m_view != nullptr; }
+
+    // Containment
+    /// Takes `child` in; a child of another parent moves. Its view is the caller's to place: the child
+    /// appears with its parent, or at once when its view comes into the view of a parent that is on screen.
+    void addChildViewController(const std::shared_ptr<ViewController>& child);
+    /// Leaves the parent, which lets go of this controller; its view leaves its superview, with the
+    /// disappearing calls where it was on screen. Nothing where there is no parent.
+    void removeFromParentViewController();
+
+    [[nodiscard]] ViewController* parentViewController() const noexcept { return m_parent; }
+
+    [[nodiscard]] const std::vector<std::shared_ptr<ViewController>>& childViewControllers() const noexcept;
+
+    /// How it stands over a window, or null: for a child its parent's.
+    [[nodiscard]] std::shared_ptr<WindowPresentation> presentation() const;
+    /// Dismisses the presentation that it is in, if any.
+    void dismissViewController();
+
+    /// The view.
+    [[nodiscard]] View* preferredFocusedView() override;
+    [[nodiscard]] Responder* nextResponder() const override;
+
+protected:
+    virtual void viewDidLoad() {}
+
+    virtual void viewWillAppear() {}
+
+    virtual void viewDidAppear() {}
+
+    virtual void viewWillDisappear() {}
+
+    virtual void viewDidDisappear() {}
+
+    /// Makes the view: an empty one, or the scene's root where a storyboard made this controller.
+    [[nodiscard]] virtual std::unique_ptr<View> loadView();
+
+    /// The object that the scene's root holds in its property `name`; null, with an error in the log, where
+    /// there is no such property or it holds something else. Null without a word before the view is loaded or
+    /// without a scene.
+    template <typename T>
+    [[nodiscard]] T* outlet(const char* name) const
+    {
+        QObject* object = outletObject(name, T::staticMetaObject);
+        return static_cast<T*>(object);
+    }
+
+    [[nodiscard]] View* focusEnvironmentView() override { return m_view.get(); }
+
+    [[nodiscard]] FocusEnvironment* parentFocusEnvironment() override;
+
+private:
+    friend class Storyboard;
+    friend class UIRuntime;
+    friend class View;
+    friend class WindowPresentation;
+    enum class Appearance { Gone, Appearing, Appeared, Disappearing };
+
+    static void destroyLater(ViewController* controller);
+    [[nodiscard]] QObject* outletObject(const char* name, const QMetaObject& type) const;
+    void beginAppearing();
+    void endAppearing();
+    void beginDisappearing();
+    void endDisappearing();
+    void viewDidMove();
+    [[nodiscard]] bool isOnScreen() const;
+    /// For the application's end: no view may outlive it.
+    static void unloadViews();
+
+    SceneObjects m_scene;
+    std::unique_ptr<View> m_view;
+    ViewController* m_parent = nullptr;
+    std::vector<std::shared_ptr<ViewController>> m_children;
+    std::weak_ptr<WindowPresentation> m_presentation;
+    Appearance m_appearance = Appearance::Gone;
+};
+
+} // namespace virlo

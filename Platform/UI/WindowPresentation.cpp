@@ -1,0 +1,131 @@
+#include "WindowPresentation.h"
+
+#include "MainLoop.h"
+#include "PresentationStage.h"
+#include "SystemLog.h"
+#include "UIRuntime.h"
+#include "ViewController.h"
+
+#include <QPointer>
+#include <QQuickWindow>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace virlo
+{
+
+namespace
+{
+
+/// Keeps presentations alive while they stand. Main thread.
+std::vector<std::shared_ptr<WindowPresentation>>& standing()
+{
+    static std::vector<std::shared_ptr<WindowPresentation>> list;
+    return list;
+}
+
+bool holdsPresentation(const QQuickWindow& window)
+{
+    const auto items = window.contentItem()->childItems();
+    return std::any_of(items.begin(), items.end(),
+                       [](QQuickItem* item) { return qobject_cast<PresentationStage*>(item) != nullptr; });
+}
+
+} // namespace
+
+WindowPresentation::WindowPresentation(Handlers handlers) : m_handlers(std::move(handlers)) {}
+
+WindowPresentation::~WindowPresentation() = default;
+
+std::shared_ptr<WindowPresentation> WindowPresentation::present(std::shared_ptr<ViewController> controller,
+                                                                QQuickWindow* window, Handlers handlers)
+{
+    // Callers on other threads may let go at once; the last reference must go on the main thread.
+    std::shared_ptr<WindowPresentation> presentation(
+        new WindowPresentation(std::move(handlers)),
+        [](WindowPresentation* one) { MainLoop::performOnMain([one] { delete one; }); });
+    MainLoop::performOnMain(
+        [presentation, controller = std::move(controller), window = QPointer<QQuickWindow>(window)] {
+            presentation->start(controller, window);
+        });
+    return presentation;
+}
+
+void WindowPresentation::start(std::shared_ptr<ViewController> controller, QQuickWindow* window)
+{
+    if (m_ended)
+        return;
+    const bool taken =
+        controller && (controller->presentation() || controller->parentViewController() != nullptr);
+    if (!controller || window == nullptr || taken || holdsPresentation(*window)) {
+        systemLog(!controller || window == nullptr ? "Cannot present: there is no screen or no window."
+                  : taken                          ? "Cannot present: the screen is shown already."
+                          : "Cannot present: another screen stands over the window.");
+        end(End::Refused);
+        return;
+    }
+    UIRuntime::begin();
+    const auto self = shared_from_this();
+    standing().push_back(self);
+    m_controller = std::move(controller);
+    m_controller->m_presentation = self;
+    m_controller->loadViewIfNeeded();
+    m_stage = std::make_unique<PresentationStage>(*window, *m_controller, [this] { didShowFirstFrame(); });
+    QObject::connect(window, &QObject::destroyed, m_stage.get(), [this] { end(End::WindowGone); });
+    m_stage->enter();
+    m_controller->beginAppearing();
+    if (m_stage)
+        m_stage->startFocus();
+}
+
+void WindowPresentation::didShowFirstFrame()
+{
+    const auto self = shared_from_this();
+    m_controller->endAppearing();
+    if (!m_ended && m_handlers.didPresent)
+        m_handlers.didPresent();
+}
+
+void WindowPresentation::dismiss()
+{
+    MainLoop::performOnMain([self = shared_from_this()] { self->end(End::Dismissed); });
+}
+
+bool WindowPresentation::isStanding() const
+{
+    return m_stage != nullptr;
+}
+
+void WindowPresentation::end(End reason)
+{
+    if (std::exchange(m_ended, true))
+        return;
+    const auto self = shared_from_this();
+    const auto controller = std::exchange(m_controller, nullptr);
+    std::shared_ptr<PresentationStage> stage = std::move(m_stage);
+    if (stage) {
+        controller->beginDisappearing();
+        stage->leave();
+        controller->endDisappearing();
+        controller->m_presentation.reset();
+        standing().erase(std::find(standing().begin(), standing().end(), self));
+    }
+    // The stage may be in the middle of the key event that led here, and the handlers must not run on the
+    // caller's stack.
+    MainLoop::shared().post([stage = std::move(stage), handlers = std::exchange(m_handlers, {}), reason] {
+        if (handlers.didEnd)
+            handlers.didEnd(reason);
+    });
+}
+
+void WindowPresentation::endAll()
+{
+    while (!standing().empty()) {
+        const auto last = standing().back();
+        last->end(End::WindowGone);
+    }
+}
+
+} // namespace virlo

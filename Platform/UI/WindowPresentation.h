@@ -1,0 +1,73 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+class QQuickWindow;
+
+namespace virlo
+{
+
+class PresentationStage;
+class ViewController;
+
+/// Shows a view controller over everything in a host's window, on a canvas of 1920 × 1080 points that is
+/// scaled as a whole to the window, with black bars where the window's shape differs.
+///
+/// While it stands, it takes every key, shortcut, pointer and touch event of the window; nothing reaches the
+/// host's items. Arrows move the focus (held down, they repeat); Return, Enter, Space and Select are Select;
+/// Escape, Back and Backspace are Menu; media play, pause and their toggle are PlayPause. When it ends, the
+/// host's item that had the focus last has it again, if it still lives and can be seen, and everything made
+/// for the presentation is destroyed.
+///
+/// It keeps itself and the controller alive while it stands. Operations may be called on any thread and
+/// inside any callback or key event; handlers are called on the main thread, never on the caller's stack. One
+/// presentation at a time stands over a window.
+class WindowPresentation : public std::enable_shared_from_this<WindowPresentation>
+{
+public:
+    static constexpr int canvasWidth = 1920;
+    static constexpr int canvasHeight = 1080;
+
+    enum class End {
+        Dismissed,  ///< by `dismiss`
+        WindowGone, ///< the window or the application ended underneath
+        Refused     ///< there is no window or controller, or one of them is in a presentation already; logged
+    };
+
+    struct Handlers {
+        /// The first frame that shows the controller's view has been handed to the display, and
+        /// `viewDidAppear` has been called. Not called where the presentation ends before.
+        std::function<void()> didPresent;
+        /// Called exactly once, last of all, the controller's disappearing calls before it.
+        std::function<void(End)> didEnd;
+    };
+
+    /// Starts before it returns where called on the main thread, else in a later turn of its loop; `window`
+    /// may go in between only on the main thread and with notice given by `dismiss`.
+    static std::shared_ptr<WindowPresentation> present(std::shared_ptr<ViewController> controller,
+                                                       QQuickWindow* window, Handlers handlers = {});
+
+    ~WindowPresentation();
+
+    /// Ends it, before it returns where called on the main thread; nothing where it has ended.
+    void dismiss();
+    /// Main thread: between its start and its end.
+    [[nodiscard]] bool isStanding() const;
+
+private:
+    friend class UIRuntime;
+
+    explicit WindowPresentation(Handlers handlers);
+    void start(std::shared_ptr<ViewController> controller, QQuickWindow* window);
+    void end(End reason);
+    void didShowFirstFrame();
+    static void endAll();
+
+    Handlers m_handlers;
+    std::shared_ptr<ViewController> m_controller;
+    std::unique_ptr<PresentationStage> m_stage;
+    bool m_ended = false;
+};
+
+} // namespace virlo
