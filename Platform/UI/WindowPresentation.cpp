@@ -19,11 +19,12 @@ namespace virlo
 namespace
 {
 
-/// Keeps presentations alive while they stand. Main thread.
+/// Keeps presentations alive while they stand. Main thread. Never destroyed: a host that calls exit() with
+/// an ad on its screen would have its items torn down after Qt's own statics.
 std::vector<std::shared_ptr<WindowPresentation>>& standing()
 {
-    static std::vector<std::shared_ptr<WindowPresentation>> list;
-    return list;
+    static auto* const list = new std::vector<std::shared_ptr<WindowPresentation>>;
+    return *list;
 }
 
 bool holdsPresentation(const QQuickWindow& window)
