@@ -1,0 +1,119 @@
+#include "GlobalQueue.h"
+#include "VIRLOAdServerAPI.h"
+#include "VIRLOSession.h"
+
+#include <utility>
+
+using virlo::Error;
+using virlo::JSON;
+
+namespace
+{
+// Answers are some kilobytes; only what is passed on unparsed, such as pictures, needs more.
+constexpr std::size_t longestAnswer = std::size_t{16} << 20;
+
+constexpr const char* unexpectedResponseReason = "Unexpected server response.";
+
+Error errorWithReason(const char* domain, long code, const char* reason)
+{
+    return {domain, code, {{"Reason", reason}}};
+}
+
+Error httpError(long status, const std::string& data)
+{
+    auto body = virlo::JSONSerialization::objectWithData(data);
+    const auto* parsed = std::get_if<JSON>(&body);
+    if (parsed == nullptr || !parsed->is_object())
+        return errorWithReason(VIRLOAdServerAPI::httpErrorDomain, status, unexpectedResponseReason);
+    return {VIRLOAdServerAPI::httpErrorDomain, status, *parsed};
+}
+
+void completeWithAnswer(const VIRLOAdServerAPI::RequestCompletion& completion, const std::string& data,
+                        const VIRLOAdServerAPI::Response& response)
+{
+    if (!response) {
+        completion(
+            std::nullopt,
+            errorWithReason(VIRLOAdServerAPI::unexpectedResponseErrorDomain, 0, unexpectedResponseReason),
+            response);
+    } else if (response->statusCode < 200 || response->statusCode >= 400) {
+        completion(std::nullopt, httpError(response->statusCode, data), response);
+    } else if (response->statusCode == 204) {
+        completion(std::nullopt, std::nullopt, response);
+    } else if (data.empty()) {
+        completion(std::nullopt,
+                   errorWithReason(VIRLOAdServerAPI::noPayloadErrorDomain, 0,
+                                   "Server response does not contain payload."),
+                   response);
+    } else {
+        auto parsed = virlo::JSONSerialization::objectWithData(data);
+        if (auto* error = std::get_if<Error>(&parsed))
+            completion(std::nullopt, std::move(*error), response);
+        else
+            completion(std::get<JSON>(std::move(parsed)), std::nullopt, response);
+    }
+}
+} // namespace
+
+void VIRLOAdServerAPI::sessionRequestOfTypeToURLWithDictionaryAndCompletionHandler(
+    const std::string& method, const std::optional<virlo::URL>& url, const std::optional<JSON>& dictionary,
+    RequestCompletion completion)
+{
+    if (!completion)
+        completion = [](const std::optional<JSON>&, const virlo::OptionalError&, const Response&) {};
+    if (!url) {
+        virlo::GlobalQueue::standard().async(
+            [completion = std::move(completion)] { completeWithAnswer(completion, {}, std::nullopt); });
+        return;
+    }
+
+    virlo::URLRequest request{.url = *url, .method = method, .headers = {}, .body = std::nullopt};
+    request.maximumBodySize = longestAnswer;
+    if (dictionary) {
+        auto encoded = virlo::JSONSerialization::dataWithObject(*dictionary);
+        // The request goes out all the same, without a body, so the completion hears twice.
+        if (auto* error = std::get_if<Error>(&encoded))
+            completion(std::nullopt, *error, std::nullopt);
+        else
+            request.body = std::get<std::string>(std::move(encoded));
+    }
+    if (const auto session = serverSession())
+        request.headers = {{"VRL-SessionId", session->identifier()}};
+
+    // What the transport says of its failure is not looked at: no answer is no answer.
+    m_session
+        ->dataTask(std::move(request),
+                   [completion = std::move(completion)](const std::string& data, const Response& response,
+                                                        const virlo::OptionalError&) {
+                       completeWithAnswer(completion, data, response);
+                   })
+        ->resume();
+}
+
+void VIRLOAdServerAPI::sessionGETtoURLWithCompletionHandler(const std::optional<virlo::URL>& url,
+                                                            RequestCompletion completion)
+{
+    sessionRequestOfTypeToURLWithDictionaryAndCompletionHandler("GET", url, std::nullopt,
+                                                                std::move(completion));
+}
+
+void VIRLOAdServerAPI::sessionPOSTwithDicitonaryToURLWithCompletionHandler(
+    const std::optional<JSON>& dictionary, const std::optional<virlo::URL>& url, RequestCompletion completion)
+{
+    sessionRequestOfTypeToURLWithDictionaryAndCompletionHandler("POST", url, dictionary,
+                                                                std::move(completion));
+}
+
+void VIRLOAdServerAPI::sessionPUTwithDicitonaryToURLWithCompletionHandler(
+    const std::optional<JSON>& dictionary, const std::optional<virlo::URL>& url, RequestCompletion completion)
+{
+    sessionRequestOfTypeToURLWithDictionaryAndCompletionHandler("PUT", url, dictionary,
+                                                                std::move(completion));
+}
+
+void VIRLOAdServerAPI::sessionDELETEwithDicitonaryToURLWithCompletionHandler(
+    const std::optional<JSON>& dictionary, const std::optional<virlo::URL>& url, RequestCompletion completion)
+{
+    sessionRequestOfTypeToURLWithDictionaryAndCompletionHandler("DELETE", url, dictionary,
+                                                                std::move(completion));
+}

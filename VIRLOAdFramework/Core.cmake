@@ -1,0 +1,38 @@
+target_include_directories(virlo-core PUBLIC
+  "${CMAKE_CURRENT_SOURCE_DIR}"
+  "${CMAKE_CURRENT_SOURCE_DIR}/API"
+  "${CMAKE_CURRENT_SOURCE_DIR}/DataModel"
+  "${CMAKE_CURRENT_SOURCE_DIR}/Storage"
+  "${CMAKE_CURRENT_SOURCE_DIR}/TrackingManager"
+  "${CMAKE_CURRENT_SOURCE_DIR}/Utilities"
+)
+target_sources(virlo-core PRIVATE
+  VIRLOAdController.cpp
+  VIRLOAdFrameworkLogger.cpp
+  VIRLOAdScreens.cpp
+  VIRLOConnectionMeasurement.cpp
+  VIRLOConnectionQualityMonitor.cpp
+  VIRLOConstans.cpp
+  VIRLOUserProfile.cpp
+  API/VIRLOAdServerAPI.cpp
+  API/VIRLOAdServerAPI+DeviceData.cpp
+  API/VIRLOAdServerAPI+Endpoints.cpp
+  API/VIRLOAdServerAPI+Requests.cpp
+  API/VIRLOAdServerAPI+Session.cpp
+  API/VIRLOAdServerApiImageDownloader.cpp
+  API/VIRLOReachability.cpp
+  DataModel/VIRLOActionButton.cpp
+  DataModel/VIRLOAdItem.cpp
+  DataModel/VIRLOAdvertisement.cpp
+  DataModel/VIRLOSession.cpp
+  Storage/VIRLOAppRequestStore.cpp
+  TrackingManager/VIRLOTrackingItem.cpp
+  TrackingManager/VIRLOTrackingManager.cpp
+  Utilities/VIRLOHostText.cpp
+  Utilities/VIRLOMimeType.cpp
+  Utilities/VIRLOTimestamp.cpp
+)
+# The server's address is compiled into this one source, so that changing it rebuilds nothing else.
+set_source_files_properties(VIRLOConstans.cpp PROPERTIES
+  COMPILE_DEFINITIONS "VIRLO_API_BASE_URL=\"${VIRLO_API_BASE_URL}\";VIRLO_VERSION=\"${PROJECT_VERSION}\""
+)

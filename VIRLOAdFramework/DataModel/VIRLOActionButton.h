@@ -1,0 +1,44 @@
+#pragma once
+
+#include "Color.h"
+#include "JSON.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+/// The one call-to-action button that an ad item may carry: label, colours, place, and what pressing it does.
+/// Immutable; any thread. Built from the server's JSON, which never fails: what is missing or of another
+/// shape is empty.
+class VIRLOActionButton
+{
+public:
+    /// Colours without keys are opaque black, positions 0.
+    [[nodiscard]] static std::shared_ptr<VIRLOActionButton> initWithDictionary(const virlo::JSON& dictionary);
+
+    /// "CLICK_TO_APPSTORE", "CLICK_TO_CONTENT", "CLICK_TO_EMAIL", "CLICK_TO_CALL" or "CLICK_TO_SMS"; anything
+    /// else opens nothing.
+    [[nodiscard]] const std::optional<std::string>& actionType() const noexcept { return m_actionType; }
+
+    [[nodiscard]] const std::optional<std::string>& text() const noexcept { return m_text; }
+
+    /// Not clamped: the server's 510 is 2.0.
+    [[nodiscard]] const virlo::Color& textColor() const noexcept { return m_textColor; }
+
+    [[nodiscard]] const virlo::Color& backgroundColor() const noexcept { return m_backgroundColor; }
+
+    /// Points on the screen; finite.
+    [[nodiscard]] double xPosition() const noexcept { return m_xPosition; }
+
+    [[nodiscard]] double yPosition() const noexcept { return m_yPosition; }
+
+private:
+    explicit VIRLOActionButton(const virlo::JSON& dictionary);
+
+    std::optional<std::string> m_actionType;
+    std::optional<std::string> m_text;
+    virlo::Color m_textColor;
+    virlo::Color m_backgroundColor;
+    double m_xPosition;
+    double m_yPosition;
+};

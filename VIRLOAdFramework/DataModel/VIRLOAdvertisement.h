@@ -1,0 +1,104 @@
+#pragma once
+
+#include "Clock.h"
+#include "JSON.h"
+#include "URL.h"
+#include "VIRLOAdItem.h"
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// What kind of ad; it chooses the screen. The server writes both discovery kinds with one word, which reads
+/// as the first.
+enum class VIRLOAdvertisementType : std::uint64_t {
+    Any = 0,
+    Discovery = 1,
+    DiscoveryAlternative = 2,
+    Interstitial = 3,
+    Video = 4,
+    Featured = 5,
+    Engagement = 6,
+    Recommendation = 7,
+};
+
+/// One answer of the ad server to a request for an ad: its kind, its items, and where more of them can be
+/// fetched. Held by the screen that shows it. Building it never fails: what is missing or of another shape is
+/// empty. Items are only ever added. Any thread; the setters only before it is shared.
+class VIRLOAdvertisement
+{
+public:
+    using Items = std::vector<std::shared_ptr<VIRLOAdItem>>;
+
+    [[nodiscard]] static std::shared_ptr<VIRLOAdvertisement>
+    initWithDictionary(const virlo::JSON& dictionary);
+
+    virtual ~VIRLOAdvertisement() = default;
+    VIRLOAdvertisement(const VIRLOAdvertisement&) = delete;
+    VIRLOAdvertisement& operator=(const VIRLOAdvertisement&) = delete;
+
+    /// Takes a later answer in: its items are appended, its URL for more replaces the present one (none ends
+    /// fetching).
+    void updateWithDictionary(const virlo::JSON& dictionary);
+    /// Appends an item for each object of the array, 10,000 at most; elements that are no objects are passed
+    /// over. Items already there are added again.
+    void addItemsFromArray(const virlo::JSON& array);
+    void addItemsFromArray(const Items& items);
+
+    /// A snapshot, which stays as it is while the advertisement grows.
+    [[nodiscard]] Items items() const;
+    [[nodiscard]] std::size_t numberOfItems() const;
+
+    [[nodiscard]] const std::optional<std::string>& txId() const noexcept { return m_txId; }
+
+    [[nodiscard]] const std::optional<virlo::Date>& date() const noexcept { return m_date; }
+
+    /// Kept for information: an advertisement past it is still shown.
+    [[nodiscard]] const std::optional<virlo::Date>& validUntil() const noexcept { return m_validUntil; }
+
+    [[nodiscard]] VIRLOAdvertisementType type() const noexcept { return m_type; }
+
+    [[nodiscard]] std::optional<virlo::URL> moreItemsURL() const;
+
+    /// Whatever the server sent.
+    [[nodiscard]] std::uint64_t secondsToSkip() const noexcept { return m_secondsToSkip; }
+
+    void setTxId(std::optional<std::string> txId) { m_txId = std::move(txId); }
+
+    void setDate(std::optional<virlo::Date> date) { m_date = date; }
+
+    void setValidUntil(std::optional<virlo::Date> date) { m_validUntil = date; }
+
+    void setType(VIRLOAdvertisementType type) { m_type = type; }
+
+    void setMoreItemsURL(std::optional<virlo::URL> url);
+
+    void setSecondsToSkip(std::uint64_t seconds) { m_secondsToSkip = seconds; }
+
+    /// Same class, not a subclass, and the same `txId`; one without a `txId` equals none.
+    [[nodiscard]] bool isEqual(const VIRLOAdvertisement& other) const;
+    [[nodiscard]] std::size_t hash() const;
+    [[nodiscard]] std::string description() const;
+
+    /// Any for a word that is none of the server's.
+    [[nodiscard]] static VIRLOAdvertisementType typeByString(const std::optional<std::string>& text);
+    /// Nothing for a value outside 0 to 7.
+    [[nodiscard]] static std::optional<std::string> stringByType(VIRLOAdvertisementType type);
+
+protected:
+    explicit VIRLOAdvertisement(const virlo::JSON& dictionary);
+
+private:
+    std::optional<std::string> m_txId;
+    std::optional<virlo::Date> m_date;
+    std::optional<virlo::Date> m_validUntil;
+    VIRLOAdvertisementType m_type = VIRLOAdvertisementType::Any;
+    std::uint64_t m_secondsToSkip = 0;
+
+    mutable std::mutex m_mutex; ///< guards what an update changes
+    std::optional<virlo::URL> m_moreItemsURL;
+    Items m_mutableItems;
+};

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "DateFormatter.h"
+#include "JSON.h"
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+/// A session with the ad server as its last answer told. Held by VIRLOAdServerAPI. Any thread.
+class VIRLOSession
+{
+public:
+    /// Raises an Exception: sessions come from the server's answers alone.
+    [[noreturn]] static void init();
+    /// Null unless "sessionId", "status" and a "timestamp" that can be read are all there.
+    [[nodiscard]] static std::shared_ptr<VIRLOSession> initWithDictionary(const virlo::JSON& dictionary);
+
+    virtual ~VIRLOSession() = default;
+    VIRLOSession(const VIRLOSession&) = delete;
+    VIRLOSession& operator=(const VIRLOSession&) = delete;
+
+    /// Takes a ping's answer: everything but the identifier is replaced, also by nothing.
+    void updateWithDictionary(const virlo::JSON& dictionary);
+
+    [[nodiscard]] const std::string& identifier() const noexcept { return m_identifier; }
+
+    /// Seconds until the next ping, as the server sent it. 60 where its first answer says nothing, 0 where a
+    /// later one says nothing.
+    [[nodiscard]] double pingInterval() const;
+    [[nodiscard]] std::optional<std::string> state() const;
+    [[nodiscard]] bool isActive() const;
+    /// The server's time of the answer.
+    [[nodiscard]] std::optional<virlo::Date> date() const;
+
+    [[nodiscard]] const std::shared_ptr<const virlo::DateFormatter>& dateFormatter() const noexcept
+    {
+        return m_dateFormatter;
+    }
+
+    [[nodiscard]] bool isEqual(const VIRLOSession& other) const;
+    [[nodiscard]] std::size_t hash() const;
+    [[nodiscard]] std::string description() const;
+
+protected:
+    explicit VIRLOSession(std::string identifier);
+
+private:
+    const std::string m_identifier;
+    const std::shared_ptr<const virlo::DateFormatter> m_dateFormatter;
+
+    mutable std::mutex m_mutex;
+    double m_pingInterval = 0;
+    std::optional<std::string> m_state;
+    std::optional<virlo::Date> m_date;
+};

@@ -1,0 +1,65 @@
+include(CMakePackageConfigHelpers)
+include(GNUInstallDirs)
+find_package(nlohmann_json REQUIRED)
+
+# What hosts link: everything below in one library, of which only what carries VIRLO_EXPORT can be seen.
+add_library(VIRLOAdFramework SHARED $<TARGET_OBJECTS:virlo-screens-static>)
+add_library(VIRLOAdFramework::VIRLOAdFramework ALIAS VIRLOAdFramework)
+set_target_properties(VIRLOAdFramework PROPERTIES
+  LINKER_LANGUAGE CXX
+  VERSION ${PROJECT_VERSION}
+  SOVERSION ${PROJECT_VERSION_MAJOR}
+  LINK_LIBRARY_OVERRIDE "WHOLE_ARCHIVE,virlo-core,virlo-platform,virlo-platform-ui")
+target_link_libraries(VIRLOAdFramework
+  PUBLIC nlohmann_json::nlohmann_json
+  PRIVATE virlo-screens-static)
+target_compile_features(VIRLOAdFramework INTERFACE cxx_std_20)
+
+# Hosts write <VIRLOAdFramework/VIRLOAdController.h>, in the build as after the installation.
+set(VIRLO_PUBLIC_HEADERS
+  VIRLOAdController.h
+  VIRLOAdFrameworkLogger.h
+  VIRLOConstans.h
+  VIRLOUserProfile.h
+  ViewControllers/VIRLOAdPresenter.h
+  ViewControllers/VIRLOAdViewController.h
+  ../Platform/Foundation/Bundle.h
+  ../Platform/Foundation/Clock.h
+  ../Platform/Foundation/DeviceInfo.h
+  ../Platform/Foundation/Error.h
+  ../Platform/Foundation/Exception.h
+  ../Platform/Foundation/Export.h
+  ../Platform/Foundation/JSON.h
+  ../Platform/Foundation/NetworkFlags.h
+  ../Platform/Foundation/NotificationCenter.h
+  ../Platform/Foundation/SerialQueue.h
+  ../Platform/Foundation/StringFormat.h
+  ../Platform/Foundation/SystemLog.h
+  ../Platform/Foundation/URL.h
+  ../Platform/Foundation/URLSession.h
+  ../Platform/UI/Application.h
+)
+set(VIRLO_HEADER_FOLDER "${CMAKE_BINARY_DIR}/include/VIRLOAdFramework")
+file(MAKE_DIRECTORY "${VIRLO_HEADER_FOLDER}")
+foreach(header IN LISTS VIRLO_PUBLIC_HEADERS)
+  get_filename_component(name "${header}" NAME)
+  file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}/${header}" "${VIRLO_HEADER_FOLDER}/${name}" SYMBOLIC)
+endforeach()
+target_include_directories(VIRLOAdFramework INTERFACE
+  "$<BUILD_INTERFACE:${CMAKE_BINARY_DIR}/include>"
+  "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>")
+
+set(VIRLO_CONFIG_FOLDER "${CMAKE_INSTALL_LIBDIR}/cmake/VIRLOAdFramework")
+configure_package_config_file(VIRLOAdFrameworkConfig.cmake.in VIRLOAdFrameworkConfig.cmake
+  INSTALL_DESTINATION "${VIRLO_CONFIG_FOLDER}")
+write_basic_package_version_file(VIRLOAdFrameworkConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+configure_file(virloadframework.pc.in virloadframework.pc @ONLY)
+install(TARGETS VIRLOAdFramework EXPORT VIRLOAdFrameworkTargets)
+install(EXPORT VIRLOAdFrameworkTargets NAMESPACE VIRLOAdFramework:: DESTINATION "${VIRLO_CONFIG_FOLDER}")
+install(FILES ${VIRLO_PUBLIC_HEADERS} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/VIRLOAdFramework")
+install(FILES
+  "${CMAKE_CURRENT_BINARY_DIR}/VIRLOAdFrameworkConfig.cmake"
+  "${CMAKE_CURRENT_BINARY_DIR}/VIRLOAdFrameworkConfigVersion.cmake"
+  DESTINATION "${VIRLO_CONFIG_FOLDER}")
+install(FILES "${CMAKE_CURRENT_BINARY_DIR}/virloadframework.pc"
+  DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")

@@ -1,0 +1,60 @@
+#include "VIRLOAdInterstitialImageStore.h"
+
+#include "Image.h"
+#include "StringFormat.h"
+#include "VIRLOAdItem.h"
+
+#include <utility>
+
+VIRLOAdInterstitialImageStore::VIRLOAdInterstitialImageStore()
+    : VIRLOCachedImageStore("VIRLOAdInterstitialImageStore")
+{
+    m_screenshotsCache.setCountLimit(100);
+    m_screenshotsCache.setCostLimit(10 * mebibyte);
+}
+
+std::shared_ptr<VIRLOAdInterstitialImageStore> VIRLOAdInterstitialImageStore::sharedStore()
+{
+    // Never destroyed: workers may still use it while the process ends.
+    static const auto& shared = *new std::shared_ptr<VIRLOAdInterstitialImageStore>(initSingleton());
+    return shared;
+}
+
+std::shared_ptr<VIRLOAdInterstitialImageStore> VIRLOAdInterstitialImageStore::initSingleton()
+{
+    return std::shared_ptr<VIRLOAdInterstitialImageStore>(new VIRLOAdInterstitialImageStore);
+}
+
+std::optional<std::string> VIRLOAdInterstitialImageStore::cacheIndetifierForScreenshotOfItemAtIndexPath(
+    const VIRLOAdItem& item, const virlo::IndexPath& indexPath)
+{
+    if (!item.identifier())
+        return std::nullopt;
+    return virlo::format("%@_%ld_%ld", item.identifier(), indexPath.section, indexPath.row);
+}
+
+std::shared_ptr<const virlo::Image>
+VIRLOAdInterstitialImageStore::imageForItemAtIndexPath(const VIRLOAdItem& item,
+                                                       const virlo::IndexPath& indexPath)
+{
+    const Key key = cacheIndetifierForScreenshotOfItemAtIndexPath(item, indexPath);
+    if (const Bytes bytes = recall(m_screenshotsCache, key))
+        return virlo::Image::decode(*bytes);
+    // Not where they are written, and into the cache of whole pictures under the item: kept so on purpose.
+    const Bytes bytes = readFile(imageCacheDirectory(), key);
+    if (!bytes)
+        return nullptr;
+    auto image = virlo::Image::decode(*bytes);
+    if (image)
+        remember(imageCache(), item.identifier(), bytes);
+    return image;
+}
+
+void VIRLOAdInterstitialImageStore::setImageForItemAtIndexPath(std::string bytes, const VIRLOAdItem& item,
+                                                               const virlo::IndexPath& indexPath)
+{
+    const Key key = cacheIndetifierForScreenshotOfItemAtIndexPath(item, indexPath);
+    const auto screenshot = std::make_shared<const std::string>(std::move(bytes));
+    remember(m_screenshotsCache, key, screenshot);
+    writeFile(thumbnailCacheDirectory(), key, *screenshot);
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "VIRLOCachedImageStore.h"
+#include "VIRLOScreenshotsStoreProtocol.h"
+
+/// The interstitial's covers and screenshots: 20 pictures in memory, at most 10 MiB, 100 thumbnails, at most
+/// 5 MiB, and 100 screenshots, at most 10 MiB.
+class VIRLOAdInterstitialImageStore : public VIRLOCachedImageStore, public VIRLOScreenshotsStoreProtocol
+{
+public:
+    /// The process's one, made on first use.
+    [[nodiscard]] static std::shared_ptr<VIRLOAdInterstitialImageStore> sharedStore();
+    /// What `sharedStore` makes: a store on the same folders with a memory of its own.
+    [[nodiscard]] static std::shared_ptr<VIRLOAdInterstitialImageStore> initSingleton();
+
+    using VIRLOCachedImageStore::imageForItem;
+    using VIRLOCachedImageStore::setImageForItem;
+    /// Screenshots are written to the folder of thumbnails and looked for in the folder of images, on
+    /// purpose: one is found while it is in memory and downloaded again afterwards.
+    [[nodiscard]] std::shared_ptr<const virlo::Image>
+    imageForItemAtIndexPath(const VIRLOAdItem& item, const virlo::IndexPath& indexPath) override;
+    void setImageForItemAtIndexPath(std::string bytes, const VIRLOAdItem& item,
+                                    const virlo::IndexPath& indexPath) override;
+
+    /// "<identifier>_<section>_<row>"; nothing for an item without identifier.
+    [[nodiscard]] static std::optional<std::string>
+    cacheIndetifierForScreenshotOfItemAtIndexPath(const VIRLOAdItem& item, const virlo::IndexPath& indexPath);
+
+private:
+    VIRLOAdInterstitialImageStore();
+
+    Cache m_screenshotsCache;
+};

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "VIRLOImageStore.h"
+
+/// What the stores with memory caches have in common: reads that look into memory first, writes that go to
+/// both levels together with a thumbnail. Every read decodes again, so that memory holds encoded bytes only.
+class VIRLOCachedImageStore : public VIRLOImageStore
+{
+public:
+    [[nodiscard]] std::shared_ptr<const virlo::Image> imageForItem(const VIRLOAdItem& item) override;
+    [[nodiscard]] std::shared_ptr<const virlo::Image> thumbnailForItem(const VIRLOAdItem& item) override;
+    void setImageForItem(std::string bytes, const VIRLOAdItem& item) override;
+
+protected:
+    static constexpr std::size_t mebibyte = 1024 * 1024;
+
+    explicit VIRLOCachedImageStore(const char* className);
+
+    /// The encoded thumbnail: by default a rounded one of 150 × 150 points; null for bytes that do not
+    /// decode.
+    [[nodiscard]] virtual Bytes thumbnailOf(const Bytes& bytes) const;
+
+    /// A file that decodes goes into `cache`.
+    [[nodiscard]] static std::shared_ptr<const virlo::Image>
+    imageOf(Cache& cache, const std::string& directory, const Key& key);
+};

@@ -1,0 +1,117 @@
+#include "VIRLOCircularProgressLayer.h"
+
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+
+constexpr virlo::Seconds stepDuration{1.0};
+/// The next second's tick may come a frame or two after the last frame of this second's way. Until then the
+/// way's end stands, or the ring would flash its rest value each second.
+constexpr virlo::Seconds tickSlack{0.1};
+/// Of a full ring a hair's width stays open, so that it still draws as a slice.
+constexpr double fullest = 0.9999998807907104;
+
+} // namespace
+
+VIRLOCircularProgressLayer::VIRLOCircularProgressLayer(QQuickItem* superview) : PaintedView(superview) {}
+
+VIRLOCircularProgressLayer::~VIRLOCircularProgressLayer()
+{
+    removeProgressAnimation();
+}
+
+void VIRLOCircularProgressLayer::setProgress(double progress)
+{
+    m_progress = progress;
+    setNeedsDisplay();
+}
+
+void VIRLOCircularProgressLayer::addProgressAnimation(double from, double to)
+{
+    removeProgressAnimation();
+    m_animated = from;
+    const virlo::Seconds whole = stepDuration + tickSlack;
+    const auto step = [this, from, to, whole](double share) {
+        const double now = from + (to - from) * std::min(1.0, share * (whole / stepDuration));
+        if (now == m_animated)
+            return;
+        m_animated = now;
+        setNeedsDisplay();
+    };
+    const auto ended = [this](bool finished) {
+        if (!finished)
+            return;
+        m_animation.reset();
+        setNeedsDisplay();
+    };
+    m_animation = virlo::Animation::run(whole, virlo::Animation::Curve::Linear, step, ended);
+    setNeedsDisplay();
+}
+
+void VIRLOCircularProgressLayer::removeProgressAnimation()
+{
+    if (const auto animation = std::move(m_animation))
+        animation->cancel();
+    m_animation.reset();
+}
+
+void VIRLOCircularProgressLayer::setTrackTintColor(const QColor& color)
+{
+    m_trackTintColor = color;
+    setNeedsDisplay();
+}
+
+void VIRLOCircularProgressLayer::setProgressTintColor(const QColor& color)
+{
+    m_progressTintColor = color;
+    setNeedsDisplay();
+}
+
+void VIRLOCircularProgressLayer::setThicknessRatio(double ratio)
+{
+    m_thicknessRatio = ratio;
+    setNeedsDisplay();
+}
+
+void VIRLOCircularProgressLayer::setClockwiseProgress(bool clockwise)
+{
+    m_clockwiseProgress = clockwise;
+    setNeedsDisplay();
+}
+
+void VIRLOCircularProgressLayer::paint(QPainter& painter)
+{
+    drawInContext(painter, bounds());
+}
+
+void VIRLOCircularProgressLayer::drawInContext(QPainter& context, const QRectF& bounds) const
+{
+    const QPointF center = bounds.center();
+    const double radius = std::min(bounds.width(), bounds.height()) * 0.5;
+    const QRectF circle(center.x() - radius, center.y() - radius, 2 * radius, 2 * radius);
+    // A count from 0 has no shares: what comes out of dividing by it draws as an empty or a full ring.
+    const double share = std::isnan(presentedProgress()) ? 0 : std::min(presentedProgress(), fullest);
+
+    context.save();
+    context.setPen(Qt::NoPen);
+    context.setBrush(m_trackTintColor);
+    context.drawEllipse(circle);
+    if (share > 0) {
+        QPainterPath slice(center);
+        // Qt counts its angles against the clock.
+        slice.arcTo(circle, 90, (m_clockwiseProgress ? -360 : 360) * share);
+        slice.closeSubpath();
+        context.setBrush(m_progressTintColor);
+        context.drawPath(slice);
+    }
+    context.setCompositionMode(QPainter::CompositionMode_Clear);
+    const double inner = radius * (1 - m_thicknessRatio);
+    context.setBrush(Qt::black);
+    context.drawEllipse(center, inner, inner);
+    context.restore();
+}

@@ -1,0 +1,15 @@
+#pragma once
+
+namespace virlo
+{
+class View;
+}
+
+/// A mark on a view that should have the focus first. Main thread.
+namespace VIRLOFocusPreference
+{
+void VIRLO_markFocusPreference(virlo::View& view);
+void VIRLO_removeFocusPreference(virlo::View& view);
+/// False for a view that was never marked.
+[[nodiscard]] bool VIRLO_focusPreference(const virlo::View& view);
+} // namespace VIRLOFocusPreference

@@ -1,0 +1,90 @@
+#include "VIRLOAdStoryboardScreens.h"
+
+#include "MainLoop.h"
+#include "Storyboard.h"
+#include "VIRLOAdFullscreenViewController.h"
+#include "VIRLOAdServerAPI.h"
+#include "VIRLOAdViewControllerBase.h"
+#include "VIRLOAdvertisement.h"
+#include "VIRLOFrameworkImages.h"
+#include "VIRLOPreloadedAdViewController.h"
+
+#include <QGuiApplication>
+
+#include <utility>
+
+using virlo::Storyboard;
+
+namespace
+{
+
+constexpr const char* fullscreenScene = "QDXAdFullscreenViewController";
+
+std::shared_ptr<VIRLOAdViewControllerBase> sceneNamed(const char* identifier)
+{
+    const auto storyboard = Storyboard::storyboardWithName(VIRLOAdStoryboardScreens::storyboardName);
+    if (!storyboard)
+        return nullptr;
+    return std::dynamic_pointer_cast<VIRLOAdViewControllerBase>(
+        storyboard->instantiateViewControllerWithIdentifier(identifier));
+}
+
+std::shared_ptr<VIRLOAdViewControllerBase> screenForType(VIRLOAdvertisementType type)
+{
+    switch (type) {
+    case VIRLOAdvertisementType::Engagement:
+        return sceneNamed(fullscreenScene);
+    default:
+        return nullptr;
+    }
+}
+
+bool install()
+{
+    static VIRLOAdStoryboardScreens screens;
+    VIRLOAdScreens::install(&screens);
+    VIRLOAdFullscreenViewController::registerScene();
+    return true;
+}
+
+[[maybe_unused]] const bool installed = install();
+
+void warmUpSoon()
+{
+    virlo::MainLoop::shared().post(&VIRLOAdStoryboardScreens::warmUp);
+}
+
+} // namespace
+
+Q_COREAPP_STARTUP_FUNCTION(warmUpSoon)
+
+void VIRLOAdStoryboardScreens::screenForAdvertisementWithCompletion(
+    std::shared_ptr<VIRLOAdvertisement> advertisement, std::shared_ptr<VIRLOAdServerAPI> api,
+    Completion completion)
+{
+    const auto screen = screenForType(advertisement->type());
+    if (!screen) {
+        completion(nullptr, std::nullopt);
+        return;
+    }
+    screen->setAd(std::move(advertisement));
+    screen->setApi(api);
+    const auto preloaded = std::dynamic_pointer_cast<VIRLOPreloadedAdViewController>(screen);
+    if (!preloaded) {
+        completion(screen, std::nullopt);
+        return;
+    }
+    preloaded->preloadAdElementsWithCompletion(
+        [screen, completion = std::move(completion)](const virlo::OptionalError& error) {
+            completion(error ? nullptr : screen, error);
+        });
+}
+
+void VIRLOAdStoryboardScreens::warmUp()
+{
+    if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
+        return;
+    VIRLOFrameworkImages::warmUp();
+    if (const auto storyboard = Storyboard::storyboardWithName(storyboardName))
+        storyboard->warmUp(fullscreenScene);
+}

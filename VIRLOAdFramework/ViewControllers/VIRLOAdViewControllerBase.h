@@ -1,0 +1,78 @@
+#pragma once
+
+#include "VIRLOAdViewController.h"
+#include "ViewController.h"
+
+#include <memory>
+
+class VIRLOAdItem;
+class VIRLOAdServerAPI;
+class VIRLOAdvertisement;
+
+namespace virlo
+{
+class TapRecognizer;
+}
+
+/// What every full-screen ad screen has: Menu closes it, and an item is opened by its action type after its
+/// click was registered. Held by shared pointers (`virlo::ViewController::make` or a storyboard); `setAd` and
+/// `setApi` before anything else, on any thread; the rest on the main thread.
+class VIRLOAdViewControllerBase : public virlo::ViewController, public VIRLOAdViewController
+{
+public:
+    VIRLOAdViewControllerBase();
+    ~VIRLOAdViewControllerBase() override;
+
+    [[nodiscard]] const std::shared_ptr<VIRLOAdvertisement>& ad() const noexcept { return m_ad; }
+
+    virtual void setAd(std::shared_ptr<VIRLOAdvertisement> ad);
+
+    /// Null once the server object has gone.
+    [[nodiscard]] std::shared_ptr<VIRLOAdServerAPI> api() const { return m_api.lock(); }
+
+    void setApi(std::weak_ptr<VIRLOAdServerAPI> api);
+
+    /// Opens what the item offers: its app's page or its content. Nothing for an item of another action type
+    /// or without an action button; then no click is registered either. What is under way when the screen
+    /// goes is dropped.
+    void openItem(const std::shared_ptr<VIRLOAdItem>& item);
+    /// Registers the click, finds out where the item's `clickURL` leads, opens that, and ends the ad by
+    /// `adCompleted`, called on a worker. A failure on the way stops nothing: what was found is opened.
+    void openAppFromItem(const std::shared_ptr<VIRLOAdItem>& item);
+    /// Registers the click and opens the item's `clickURL`, or its `clickFallback` where nothing accepts
+    /// that. The ad stays behind the content: `adCompleted` is not called.
+    void openContentForItem(const std::shared_ptr<VIRLOAdItem>& item);
+
+    /// Menu, or a close button. Each time it also has rewards looked for in 5 and in 30 seconds, for quick
+    /// servers and for slow ones.
+    void closeAd();
+
+    /// Present while the screen can be seen, unless it is a part of another ad screen, which has Menu then.
+    [[nodiscard]] const std::shared_ptr<virlo::TapRecognizer>& menuButtonRecognizer() const noexcept
+    {
+        return m_menuButtonRecognizer;
+    }
+
+protected:
+    void viewWillAppear() override;
+    void viewDidDisappear() override;
+
+    /// Where something lies over the ad that takes a close itself: ends that and answers true, and the ad
+    /// stays. The base has nothing of the kind.
+    [[nodiscard]] virtual bool closeOverlay();
+
+    /// This object as its own class, for work that comes back after it may have gone.
+    template <typename Self>
+    [[nodiscard]] static std::weak_ptr<Self> weakSelf(Self& self)
+    {
+        return std::static_pointer_cast<Self>(self.shared_from_this());
+    }
+
+private:
+    void completeAd() const;
+    void appDownloadDidResolve(const VIRLOAdItem& item) const;
+
+    std::shared_ptr<VIRLOAdvertisement> m_ad;
+    std::weak_ptr<VIRLOAdServerAPI> m_api;
+    std::shared_ptr<virlo::TapRecognizer> m_menuButtonRecognizer;
+};
