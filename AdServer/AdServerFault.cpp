@@ -1,0 +1,79 @@
+#include "AdServerFault.h"
+
+#include "AnswerBody.h"
+#include "JSONChecker.h"
+#include "JSONText.h"
+
+#include <limits>
+
+namespace adserver
+{
+
+namespace
+{
+
+constexpr double longestDelay = 86400;
+constexpr std::uint64_t largestBody = std::uint64_t{1} << 40U;
+
+int statusCode(const JSONChecker& value)
+{
+    const auto status = value.wholeNumber(599);
+    if (status < 200)
+        value.fail("must be a whole number from 200 to 599");
+    return static_cast<int>(status);
+}
+
+std::uint64_t sizeOfBody(const JSONChecker& value)
+{
+    const auto size = value.wholeNumber(largestBody);
+    if (size < FillerBody::minimum)
+        value.fail("must be at least " + std::to_string(FillerBody::minimum));
+    return size;
+}
+
+} // namespace
+
+AdServerFault AdServerFault::fromJSON(const nlohmann::json& value)
+{
+    AdServerFault fault;
+    const JSONChecker checker(value);
+    fault.path = checker.required("path").nonEmptyText();
+    checker.eachMember([&](const std::string& key, const JSONChecker& member) {
+        if (key == "method")
+            fault.method = member.oneOf({"GET", "HEAD", "POST", "PUT", "DELETE", "PATCH", "OPTIONS"});
+        else if (key == "delay")
+            fault.delay =
+                std::chrono::milliseconds(static_cast<std::int64_t>(member.number(0, longestDelay) * 1000));
+        else if (key == "neverAnswers")
+            fault.neverAnswers = member.truth();
+        else if (key == "drop")
+            fault.drop = member.truth();
+        else if (key == "status")
+            fault.status = statusCode(member);
+        else if (key == "body")
+            fault.body = member.value().is_string() ? member.text() : printJSON(member.value());
+        else if (key == "contentType")
+            fault.contentType = member.nonEmptyText();
+        else if (key == "headers")
+            member.eachMember([&](const std::string& name, const JSONChecker& header) {
+                fault.headers[name] = header.text();
+            });
+        else if (key == "wrongJSON")
+            fault.wrongJSON = member.truth();
+        else if (key == "bodySize")
+            fault.bodySize = sizeOfBody(member);
+        else if (key == "chunked")
+            fault.chunked = member.truth();
+        else if (key == "cutBodyAfter")
+            fault.cutBodyAfter = member.wholeNumber(largestBody);
+        else if (key == "bytesPerSecond")
+            fault.bytesPerSecond = member.wholeNumber(largestBody);
+        else if (key == "times")
+            fault.times = static_cast<unsigned>(member.wholeNumber(std::numeric_limits<unsigned>::max()));
+        else if (key != "path")
+            member.failAsUnknownKey();
+    });
+    return fault;
+}
+
+} // namespace adserver

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <chrono>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+
+namespace adserver
+{
+
+/// What goes wrong with the answers on a path. Only what is set happens, so a `delay` alone gives the right
+/// answer late. With `status`, `body`, `wrongJSON` or `bodySize` the answer is made up and the request
+/// changes nothing in the server (no click is noted, no session opened); this also serves any path with a
+/// canned answer.
+///
+///     server.setFault({.path = "/ad/req", .status = 500, .body = "<html>", .times = 1});
+///     server.setFault({.path = "/campaigns/*.jpg", .cutBodyAfter = 1000});
+///     server.setFault({.path = "/old", .status = 302, .headers = {{"Location", "/new"}}});
+struct AdServerFault {
+    /// A whole path without its query, "*" standing for any run of characters and "?" for one.
+    std::string path = {};
+    /// Only for this method; empty: for all.
+    std::string method = {};
+
+    /// Time from the whole request's arrival to the answer's start.
+    std::chrono::milliseconds delay{0};
+    /// The request is read and noted, and nothing comes until the server stops or the client goes away.
+    bool neverAnswers = false;
+    /// The connection is closed before the answer's head.
+    bool drop = false;
+
+    std::optional<int> status = {};
+    /// As it stands, in any encoding or none.
+    std::optional<std::string> body = {};
+    /// "application/json" unless said; only for a made-up body.
+    std::optional<std::string> contentType = {};
+    /// Added to whatever answer goes out; one named here replaces its namesake.
+    std::map<std::string, std::string> headers = {};
+    /// A success whose body breaks off in the middle of its JSON.
+    bool wrongJSON = false;
+    /// A JSON object of exactly this many bytes (at least 16), generated while it is sent.
+    std::optional<std::uint64_t> bodySize = {};
+    /// Sends the made-up body in chunks, so that no head tells its length.
+    bool chunked = false;
+
+    /// The head names the whole length; the connection is closed after this many bytes of the body.
+    std::optional<std::uint64_t> cutBodyAfter = {};
+    /// Speed of the whole answer, head included; 0: as fast as it goes.
+    std::uint64_t bytesPerSecond = 0;
+
+    /// How many requests it befalls before it is gone; 0: all, until it is cleared.
+    unsigned times = 0;
+
+    /// The form of campaign files and of the control path: the names above as keys, `delay` in seconds,
+    /// `body` as text or as any other JSON value. Throws std::invalid_argument naming the key and the reason.
+    [[nodiscard]] static AdServerFault fromJSON(const nlohmann::json& value);
+};
+
+} // namespace adserver

@@ -1,0 +1,100 @@
+#include "CommandLine.h"
+
+#include <charconv>
+#include <cstdlib>
+#include <functional>
+#include <map>
+#include <stdexcept>
+
+namespace adserver
+{
+
+namespace
+{
+
+constexpr unsigned defaultPort = 8443;
+
+unsigned wholeNumber(const std::string& option, const std::string& word, unsigned most)
+{
+    unsigned value = 0;
+    const auto [end, failure] = std::from_chars(word.data(), word.data() + word.size(), value);
+    if (failure != std::errc() || end != word.data() + word.size() || value > most)
+        throw std::invalid_argument(option + " takes a whole number from 0 to " + std::to_string(most) +
+                                    ", not \"" + word + '"');
+    return value;
+}
+
+std::chrono::milliseconds seconds(const std::string& option, const std::string& word)
+{
+    constexpr double longest = 86400;
+    char* end = nullptr;
+    const double value = std::strtod(word.c_str(), &end);
+    if (word.empty() || *end != '\0' || !(value > 0 && value <= longest))
+        throw std::invalid_argument(option + " takes seconds, above 0 and up to 86400, not \"" + word + '"');
+    return std::chrono::milliseconds(static_cast<std::int64_t>(value * 1000));
+}
+
+} // namespace
+
+CommandLine CommandLine::read(const std::vector<std::string>& words)
+{
+    CommandLine line;
+    line.options.port = defaultPort;
+    using Taker = std::function<void(const std::string&)>;
+    const std::map<std::string, Taker> takers{
+        {"--port",
+         [&](const auto& word) {
+             line.options.port = static_cast<std::uint16_t>(wholeNumber("--port", word, 65535));
+         }},
+        {"--state", [&](const auto& word) { line.options.stateFolder = word; }},
+        {"--campaigns", [&](const auto& word) { line.options.campaignsFolder = word; }},
+        {"--log", [&](const auto& word) { line.options.logFile = word; }},
+        {"--ready-file", [&](const auto& word) { line.readyFile = word; }},
+        {"--ping-interval",
+         [&](const auto& word) { line.options.pingInterval = seconds("--ping-interval", word); }},
+        {"--session-lifetime",
+         [&](const auto& word) { line.options.sessionLifetime = seconds("--session-lifetime", word); }},
+    };
+    const std::map<std::string, bool*> switches{{"--help", &line.help},
+                                                {"--http", &line.options.plainHTTP},
+                                                {"--check-campaigns", &line.checkCampaigns}};
+
+    for (auto word = words.begin(); word != words.end(); ++word) {
+        if (const auto found = switches.find(*word); found != switches.end()) {
+            *found->second = true;
+            continue;
+        }
+        const auto taker = takers.find(*word);
+        if (taker == takers.end())
+            throw std::invalid_argument("there is no option \"" + *word + '"');
+        if (word + 1 == words.end() || (word + 1)->empty())
+            throw std::invalid_argument(*word + " needs a value");
+        taker->second(*++word);
+    }
+    if (line.checkCampaigns && line.options.campaignsFolder.empty())
+        throw std::invalid_argument("--check-campaigns needs --campaigns");
+    return line;
+}
+
+std::string CommandLine::usage()
+{
+    return R"(Usage: ad-server [OPTION]...
+A development ad server on 127.0.0.1. Runs until SIGINT or SIGTERM.
+
+  --campaigns DIR        serve the campaign files (*.json) of DIR and the images beside them
+  --check-campaigns      say what is wrong with them and end: 0 when nothing is, 2 otherwise
+  --port N               listen on port N (default 8443; 0: any free one)
+  --http                 plain HTTP in place of HTTPS
+  --state DIR            keep the certificate authority in DIR
+                         (default $XDG_STATE_HOME/virlo-ad-server or ~/.local/state/virlo-ad-server)
+  --log FILE             append one JSON line for each exchange to FILE
+  --ready-file FILE      write the base URL to FILE once connections are taken
+  --ping-interval S      tell clients to ping every S seconds (default 60)
+  --session-lifetime S   a session expires S seconds after its last ping (default 180)
+  --help                 show this
+
+Exit status: 0 stopped by a signal, 1 could not start, 2 wrong use or wrong campaigns.
+)";
+}
+
+} // namespace adserver

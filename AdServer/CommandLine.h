@@ -1,0 +1,25 @@
+#pragma once
+
+#include "AdServerOptions.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace adserver
+{
+
+/// What `ad-server` was asked to do.
+struct CommandLine {
+    AdServerOptions options;
+    /// Gets the base URL once connections are taken.
+    std::filesystem::path readyFile;
+    bool help = false;
+    bool checkCampaigns = false;
+
+    /// Throws std::invalid_argument naming the wrong word and what was expected.
+    [[nodiscard]] static CommandLine read(const std::vector<std::string>& words);
+    [[nodiscard]] static std::string usage();
+};
+
+} // namespace adserver

@@ -1,0 +1,223 @@
+#include "CampaignReader.h"
+
+#include "JSONChecker.h"
+#include "JSONText.h"
+#include "URLText.h"
+
+#include <algorithm>
+#include <cctype>
+#include <functional>
+#include <stdexcept>
+
+namespace adserver
+{
+
+namespace
+{
+
+using Check = std::function<void(const JSONChecker&)>;
+using Checks = std::map<std::string, Check>;
+
+constexpr double largestWhole = 4'294'967'295.0;
+
+class CampaignReader
+{
+public:
+    CampaignReader(std::string name, const std::filesystem::path& folder)
+    {
+        m_campaign.name = std::move(name);
+        m_campaign.folder = folder;
+    }
+
+    Campaign read(const nlohmann::json& file)
+    {
+        const JSONChecker checker(file);
+        [[maybe_unused]] const auto rules = checker.required("rules");
+        [[maybe_unused]] const auto advertisement = checker.required("advertisement");
+        checkMembers(checker, {{"about", text},
+                               {"rules", [this](const auto& value) { readRules(value); }},
+                               {"advertisement", [this](const auto& value) { readAdvertisement(value); }},
+                               {"morePages", [this](const auto& value) { readPages(value); }},
+                               {"faults", [this](const auto& value) { readFaults(value); }},
+                               {"rewards", skip}});
+        if (const auto rewards = file.find("rewards"); rewards != file.end())
+            readRewards(JSONChecker(*rewards, "rewards"));
+        return std::move(m_campaign);
+    }
+
+private:
+    static void text(const JSONChecker& value) { [[maybe_unused]] const auto read = value.text(); }
+
+    static void skip(const JSONChecker&) {}
+
+    static Check number(double least, double most)
+    {
+        return [least, most](const JSONChecker& value) { value.numberOrText(least, most); };
+    }
+
+    static void checkMembers(const JSONChecker& object, const Checks& checks)
+    {
+        object.eachMember([&](const std::string& key, const JSONChecker& member) {
+            const auto check = checks.find(key);
+            if (check == checks.end())
+                member.failAsUnknownKey();
+            check->second(member);
+        });
+    }
+
+    void readRules(const JSONChecker& rules)
+    {
+        rules.eachElement([this](const JSONChecker& element) {
+            Campaign::Rule rule;
+            rule.placement = element.required("placement").nonEmptyText();
+            checkMembers(element, {{"placement", text}, {"type", [&rule](const JSONChecker& value) {
+                                                             rule.type = advertisementType(value);
+                                                         }}});
+            m_campaign.rules.push_back(rule);
+        });
+        if (m_campaign.rules.empty())
+            rules.fail("must have at least one rule");
+    }
+
+    void readAdvertisement(const JSONChecker& advertisement)
+    {
+        auto served = advertisement.value();
+        checkMembers(
+            advertisement,
+            {{"txid", text},
+             {"timestamp", text},
+             {"validUntil", text},
+             {"validFor",
+              [this](const JSONChecker& value) {
+                  m_campaign.validFor = std::chrono::seconds(value.wholeNumber(315'360'000));
+              }},
+             {"type",
+              [](const JSONChecker& value) { [[maybe_unused]] const auto read = advertisementType(value); }},
+             {"secondsToSkip", number(0, 3600)},
+             {"moreAdsUrl", [this](const JSONChecker& value) { checkAddress(value, false); }},
+             {"ads", [this](const JSONChecker& value) { checkItems(value); }}});
+        served.erase("validFor");
+        m_campaign.advertisement = std::move(served);
+    }
+
+    void readPages(const JSONChecker& pages)
+    {
+        pages.eachElement([this](const JSONChecker& page) {
+            checkMembers(page,
+                         {{"moreAdsUrl", [this](const JSONChecker& value) { checkAddress(value, false); }},
+                          {"ads", [this](const JSONChecker& value) { checkItems(value); }}});
+            m_campaign.morePages.push_back(page.value());
+        });
+    }
+
+    void readRewards(const JSONChecker& rewards)
+    {
+        rewards.eachMember([this](const std::string& cid, const JSONChecker& reward) {
+            const auto* item = m_campaign.item(cid);
+            if (!item)
+                reward.fail("is the \"cid\" of no item");
+            if (textAt(*item, "pollingUrl").empty())
+                reward.fail("the item has no \"pollingUrl\"");
+            const auto seconds = reward.required("secondsAfterClick").number(0, 86400);
+            checkMembers(reward, {{"secondsAfterClick", skip}});
+            m_campaign.rewards[cid] = std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
+        });
+    }
+
+    void readFaults(const JSONChecker& faults)
+    {
+        faults.eachElement([this](const JSONChecker& fault) {
+            try {
+                m_campaign.faults.push_back(AdServerFault::fromJSON(fault.value()));
+            } catch (const std::invalid_argument& error) {
+                fault.fail(error.what());
+            }
+        });
+    }
+
+    void checkItems(const JSONChecker& items)
+    {
+        items.eachElement([this](const JSONChecker& item) { checkItem(item); });
+    }
+
+    void checkItem(const JSONChecker& item)
+    {
+        const Check link = [this](const JSONChecker& value) { checkAddress(value, false); };
+        const Check file = [this](const JSONChecker& value) { checkAddress(value, true); };
+        const auto files = [file](const JSONChecker& value) { value.eachElement(file); };
+        const auto type = [](const JSONChecker& value) {
+            [[maybe_unused]] const auto read = value.oneOf({"appstore", "content", "email", "call", "sms"});
+        };
+        const auto button = [](const JSONChecker& value) { checkButton(value); };
+        checkMembers(
+            item,
+            {{"cid", [](const JSONChecker& value) { [[maybe_unused]] auto cid = value.nonEmptyText(); }},
+             {"type", type},
+             {"title", text},
+             {"category", text},
+             {"description", text},
+             {"actionButton", button},
+             {"price", text},
+             {"impressionUrl", link},
+             {"clickUrl", link},
+             {"clickFallback", link},
+             {"clickTracker", link},
+             {"backgroundUrl", file},
+             {"screenshots", files},
+             {"currencyAmount", number(0, largestWhole)},
+             {"currencyType", text},
+             {"rating", number(0, 5)},
+             {"reviews", number(0, 2'147'483'647.0)},
+             {"markupUrl", file},
+             {"pollingUrl", link}});
+    }
+
+    static void checkButton(const JSONChecker& button)
+    {
+        const auto type = [](const JSONChecker& value) {
+            [[maybe_unused]] const auto read = value.oneOf(
+                {"CLICK_TO_APPSTORE", "CLICK_TO_CONTENT", "CLICK_TO_EMAIL", "CLICK_TO_CALL", "CLICK_TO_SMS"});
+        };
+        const auto component = number(0, 255);
+        checkMembers(button, {{"actionType", type},
+                              {"text", text},
+                              {"textRed", component},
+                              {"textGreen", component},
+                              {"textBlue", component},
+                              {"backgroundRed", component},
+                              {"backgroundGreen", component},
+                              {"backgroundBlue", component},
+                              {"xPosition", number(0, 1920)},
+                              {"yPosition", number(0, 1080)}});
+    }
+
+    static std::string advertisementType(const JSONChecker& value)
+    {
+        return value.oneOf(
+            {"any", "discovery", "interstitial", "video", "featured", "engagement", "recommendation"});
+    }
+
+    void checkAddress(const JSONChecker& value, bool mustExist) const
+    {
+        const auto address = value.nonEmptyText();
+        if (std::any_of(address.begin(), address.end(),
+                        [](unsigned char letter) { return letter <= ' ' || letter == 127; }))
+            value.fail("must be an address without spaces");
+        if (!mustExist || isAbsoluteURL(address) || address.starts_with('/'))
+            return;
+        if (!std::filesystem::is_regular_file(m_campaign.folder / address))
+            value.fail("there is no file " + (m_campaign.folder / address).string());
+    }
+
+    Campaign m_campaign;
+};
+
+} // namespace
+
+std::shared_ptr<const Campaign> readCampaign(const std::string& name, const std::string& text,
+                                             const std::filesystem::path& folder)
+{
+    return std::make_shared<const Campaign>(CampaignReader(name, folder).read(parseJSON(text)));
+}
+
+} // namespace adserver

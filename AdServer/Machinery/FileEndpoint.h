@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Answer.h"
+#include "CampaignCatalogue.h"
+#include "ServerRequest.h"
+
+#include <optional>
+
+namespace adserver
+{
+
+/// GET and HEAD of the files beside the campaigns, whole or a range of bytes, with entity tags. Nothing
+/// outside the campaigns' folders is served, whichever way a path or a link leads there. Safe from any
+/// thread.
+class FileEndpoint
+{
+public:
+    explicit FileEndpoint(const CampaignCatalogue& campaigns) : m_campaigns(campaigns) {}
+
+    /// Nothing when the path is not below `campaignFilesPath`.
+    [[nodiscard]] std::optional<Answer> answer(const ServerRequest& request) const;
+
+private:
+    const CampaignCatalogue& m_campaigns;
+};
+
+} // namespace adserver

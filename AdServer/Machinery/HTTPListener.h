@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Answer.h"
+#include "ClientConnection.h"
+#include "OpenSSLTypes.h"
+#include "StopSignal.h"
+
+#include <httplib.h>
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <thread>
+
+namespace adserver
+{
+
+/// Turns connections on 127.0.0.1 into requests and answers into bytes; reading, routing and writing of HTTP
+/// are cpp-httplib's, the connections are ours. Serves once: made for a start, gone with the stop.
+class HTTPListener final : private httplib::Server
+{
+public:
+    /// Called on the connection's thread with the whole request. Nothing: the connection has been broken off.
+    using Answerer = std::function<std::optional<Answer>(const httplib::Request&, ClientConnection&)>;
+    /// Called once for each exchange, before the end of its answer is sent.
+    using Noter = std::function<void(const AdServerExchange&)>;
+
+    /// `tls` is null for plain HTTP.
+    HTTPListener(TLSContextPointer tls, Answerer answerer, Noter noter);
+    /// Stops.
+    ~HTTPListener() override;
+
+    /// Throws std::runtime_error when the port cannot be had; 0 takes any.
+    void listen(std::uint16_t port);
+    void stop();
+
+    [[nodiscard]] std::uint16_t port() const { return m_port; }
+
+    static constexpr size_t largestBody = 1U << 20U;
+
+private:
+    bool process_and_close_socket(socket_t socket) override;
+    void prepare(httplib::Request& request, ClientConnection& connection) const;
+    void answer(const httplib::Request& request, httplib::Response& response) const;
+    static void deliver(Answer answer, httplib::Response& response, ClientConnection& connection);
+    void note(ClientConnection& connection) const;
+
+    TLSContextPointer m_tls;
+    const Answerer m_answerer;
+    const Noter m_noter;
+    StopSignal m_stop;
+    std::thread m_acceptor;
+    std::atomic<std::uint64_t> m_connections = 0;
+    std::uint16_t m_port = 0;
+};
+
+} // namespace adserver
