@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QObject>
+#include <QQuickWindow>
+#include <QString>
+
+#include <functional>
+
+class AdIntegration;
+class AppPages;
+class Game;
+
+/// A scripted visit: plays the host with real key events as a viewer would, and leaves a picture of each
+/// step. Main thread; runs the event loop while it waits.
+class Visit
+{
+public:
+    /// `folder` must exist.
+    Visit(QQuickWindow& window, Game& game, AdIntegration& ads, const AppPages& pages, QString folder);
+
+    /// True when every step came about in time; otherwise it says on standard error which did not.
+    [[nodiscard]] bool play();
+
+private:
+    [[nodiscard]] bool watchAdAndLeave();
+    [[nodiscard]] bool followAdToAppPage();
+    [[nodiscard]] bool earnReward();
+    [[nodiscard]] bool leaveAndReturn();
+
+    void press(Qt::Key key);
+    void pass(int milliseconds);
+    [[nodiscard]] bool await(const char* what, const std::function<bool()>& condition, int seconds = 15);
+    [[nodiscard]] bool shoot(const char* step);
+
+    QQuickWindow& m_window;
+    Game& m_game;
+    AdIntegration& m_ads;
+    const AppPages& m_pages;
+    QString m_folder;
+    int m_step = 0;
+};

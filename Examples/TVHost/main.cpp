@@ -1,0 +1,60 @@
+#include "AdIntegration.h"
+#include "AppPages.h"
+#include "Game.h"
+#include "Visit.h"
+
+#include <VIRLOAdFramework/Bundle.h>
+#include <VIRLOAdFramework/NetworkFlags.h>
+#include <VIRLOAdFramework/URLSession.h>
+
+#include <QCommandLineParser>
+#include <QGuiApplication>
+#include <QQmlEngine>
+#include <QQuickView>
+#include <QTimer>
+
+int main(int count, char** arguments)
+{
+    QGuiApplication application(count, arguments);
+    QCommandLineParser options;
+    options.setApplicationDescription("A small game menu that shows ads.");
+    options.addHelpOption();
+    options.addOption({"authority", "Trust the certificates of this authority too.", "PEM"});
+    options.addOption({"visit", "Play a scripted visit and leave its pictures in this folder.", "DIR"});
+    options.process(application);
+
+    virlo::Bundle::setMainBundle("com.example.ember-trail", "Ember Trail", "2.4");
+    virlo::URLSessionConfiguration::setDefaultTrustedAuthoritiesFile(
+        options.value("authority").toStdString());
+    // The ad server of this demo is on the loopback, so the box counts as connected without any other route.
+    const auto network = virlo::makeFixedNetworkFlags(virlo::NetworkFlagReachable);
+    virlo::NetworkFlagsSource::setShared(network.get());
+
+    Game game;
+    QQuickView window;
+    window.setTitle("Ember Trail");
+    window.setResizeMode(QQuickView::SizeRootObjectToView);
+    window.engine()->addImportPath("qrc:/qt/qml");
+    window.setInitialProperties({{"game", QVariant::fromValue(&game)}});
+    window.setSource(QUrl("qrc:/qt/qml/TVHost/HostMenu.qml"));
+    window.resize(1920, 1080);
+
+    const auto ads = std::make_shared<AdIntegration>(window, game);
+    ads->start();
+    window.show();
+    window.requestActivate();
+
+    if (!options.isSet("visit"))
+        return QGuiApplication::exec();
+
+    AppPages pages;
+    virlo::Application::setURLOpener(&pages);
+    bool good = false;
+    QTimer::singleShot(0, [&] {
+        good = Visit(window, game, *ads, pages, options.value("visit")).play();
+        QGuiApplication::quit();
+    });
+    QGuiApplication::exec();
+    virlo::Application::setURLOpener(nullptr);
+    return good ? 0 : 1;
+}
