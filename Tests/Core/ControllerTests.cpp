@@ -1,0 +1,271 @@
+#include "ControllerTest.h"
+#include "Exception.h"
+#include "NotificationCenter.h"
+#include "VIRLOAdScreens.h"
+#include "VIRLOAdvertisement.h"
+
+#include <future>
+#include <mutex>
+#include <thread>
+
+namespace virlo::test
+{
+namespace
+{
+
+using Controller = ControllerTest;
+
+TEST_F(Controller, IsNotToBeMadeByInit)
+{
+    try {
+        VIRLOAdController::init();
+    } catch (const Exception& exception) {
+        EXPECT_EQ(exception.name(), "Singleton");
+        EXPECT_EQ(exception.reason(), "Use +[VIRLOAdController sharedAdController]");
+    }
+}
+
+TEST_F(Controller, FirstStartRegistersTheInstallThenMarksItAndOpensTheSession)
+{
+    transport->expect("POST", installPath);
+    transport->expect("POST", startPath, sessionAnswer());
+    transport->expect("PUT", sessionPath);
+    controller->startWithAppIdentifier("host");
+    settleAll();
+    EXPECT_TRUE(trackingManager->isTrackingInitiated());
+    EXPECT_EQ(controller->currentPlacement(), "AppLaunch");
+    EXPECT_EQ(transport->lastRequest("PUT", sessionPath).body, R"({"currentPlacement":"AppLaunch"})");
+}
+
+TEST_F(Controller, FailedInstallOpensNoSessionAndIsTriedAtTheNextStart)
+{
+    expectLog("Cannot register application install. ERROR: ");
+    transport->expect("POST", installPath, noAnswer());
+    controller->startWithAppIdentifier("host");
+    settleAll();
+    EXPECT_FALSE(trackingManager->isTrackingInitiated());
+    EXPECT_FALSE(controller->currentPlacement());
+
+    // Two further starts at once: the mark is made and the session opened once.
+    transport->expectHeld("POST", installPath);
+    transport->expectHeld("POST", installPath);
+    controller->startWithAppIdentifier("host");
+    controller->startWithAppIdentifier("host");
+    settleAll();
+    transport->expect("POST", startPath, sessionAnswer());
+    transport->expect("PUT", sessionPath);
+    transport->release("POST", installPath);
+    transport->release("POST", installPath);
+    settleAll();
+    EXPECT_TRUE(trackingManager->isTrackingInitiated());
+}
+
+TEST_F(Controller, LaterStartOpensTheSessionWithoutInstall)
+{
+    start();
+    EXPECT_TRUE(api->serverSession());
+    EXPECT_EQ(controller->currentPlacement(), "AppLaunch");
+}
+
+TEST_F(Controller, LifecycleReportsSavesAndEnds)
+{
+    start();
+    transport->expect("PUT", sessionPath);
+    NotificationCenter::defaultCenter().post(ApplicationDidBecomeActiveNotification);
+    EXPECT_EQ(controller->currentPlacement(), "AppResume") << "on the caller's thread";
+    settleAll();
+
+    store->addItem(*URL::fromString("https://ads.example/poll"));
+    transport->expect("PUT", sessionPath);
+    NotificationCenter::defaultCenter().post(ApplicationDidEnterBackgroundNotification);
+    settleAll();
+    EXPECT_EQ(transport->lastRequest("PUT", sessionPath).body, R"({"currentPlacement":"AppClose"})");
+    EXPECT_THAT(folder.read("store/requestedItems.store").value(),
+                testing::HasSubstr("https://ads.example/poll"));
+    EXPECT_THAT(folder.read(trackingFile).value(), testing::StartsWith("bplist"));
+
+    transport->expect("DELETE", sessionPath, {204, "", true, {}});
+    NotificationCenter::defaultCenter().post(ApplicationWillTerminateNotification);
+    settleAll();
+}
+
+/// Stands for the layer that draws. In force from its making to its end.
+class FakeScreens : public VIRLOAdScreens
+{
+public:
+    FakeScreens() { install(this); }
+
+    ~FakeScreens() override { install(nullptr); }
+
+    FakeScreens(const FakeScreens&) = delete;
+    FakeScreens& operator=(const FakeScreens&) = delete;
+
+    void screenForAdvertisementWithCompletion(std::shared_ptr<VIRLOAdvertisement> advertisement,
+                                              std::shared_ptr<VIRLOAdServerAPI>,
+                                              Completion completion) override
+    {
+        asked = std::move(advertisement);
+        completion(screen, error);
+    }
+
+    std::shared_ptr<VIRLOAdvertisement> asked;
+    std::shared_ptr<VIRLOAdViewController> screen;
+    OptionalError error;
+};
+
+class AdScreen : public ControllerTest
+{
+protected:
+    struct Outcome {
+        std::shared_ptr<VIRLOAdViewController> screen;
+        OptionalError error;
+    };
+
+    VIRLOAdController::AdViewControllerCompletion collect()
+    {
+        return [this](std::shared_ptr<VIRLOAdViewController> screen, const OptionalError& error) {
+            const std::lock_guard lock(mutex);
+            outcomes.push_back({std::move(screen), error});
+        };
+    }
+
+    static std::shared_ptr<VIRLOAdViewController> someScreen()
+    {
+        const auto owner = std::make_shared<int>();
+        return {owner, reinterpret_cast<VIRLOAdViewController*>(owner.get())};
+    }
+
+    std::mutex mutex;
+    std::vector<Outcome> outcomes;
+    const Answer engagement{200, R"({"txid":"t","type":"engagement"})", true, {}};
+};
+
+TEST_F(AdScreen, IsTheOneMadeForTheAnswer)
+{
+    FakeScreens screens;
+    screens.screen = someScreen();
+    start();
+    transport->expect("PUT", sessionPath);
+    transport->expect("GET", "/ad/req", engagement);
+    controller->adViewControllerForPlacementWithCompletion("LevelUp", collect());
+    EXPECT_EQ(controller->currentPlacement(), "LevelUp");
+    settleAll();
+    ASSERT_EQ(outcomes.size(), 1U);
+    EXPECT_EQ(outcomes[0].screen, screens.screen);
+    EXPECT_FALSE(outcomes[0].error);
+    EXPECT_EQ(screens.asked->type(), VIRLOAdvertisementType::Engagement);
+    EXPECT_THAT(transport->lastRequest("GET", "/ad/req").url.absoluteString(),
+                testing::EndsWith("?app=host&placement=LevelUp"));
+}
+
+TEST_F(AdScreen, IsDroppedWhereItsPreloadingFails)
+{
+    FakeScreens screens;
+    screens.screen = someScreen();
+    screens.error = Error{"preload", 7, {}};
+    start();
+    transport->expect("GET", "/ad/req", engagement);
+    controller->adViewControllerOfTypeWithCompletion(6, collect());
+    settleAll();
+    ASSERT_EQ(outcomes.size(), 1U);
+    EXPECT_FALSE(outcomes[0].screen);
+    EXPECT_EQ(outcomes[0].error, screens.error);
+}
+
+TEST_F(AdScreen, IsNeitherScreenNorErrorForAKindWithoutOne)
+{
+    start();
+    transport->expect("GET", "/ad/req", {200, R"({"type":"featured"})", true, {}});
+    controller->adViewControllerOfTypeWithCompletion(5, collect());
+    settleAll();
+    {
+        FakeScreens screens;
+        transport->expect("GET", "/ad/req", {200, "[]", true, {}});
+        controller->adViewControllerOfTypeWithCompletion(0, collect());
+        settleAll();
+        EXPECT_EQ(screens.asked->type(), VIRLOAdvertisementType::Any);
+    }
+    ASSERT_EQ(outcomes.size(), 2U);
+    for (const Outcome& outcome : outcomes)
+        EXPECT_TRUE(!outcome.screen && !outcome.error);
+}
+
+TEST_F(AdScreen, RetrievalErrorIsHandedOnUnchanged)
+{
+    start();
+    transport->expect("GET", "/ad/req", {404, R"({"error":"NO_FILL"})", true, {}});
+    controller->adViewControllerOfTypeWithCompletion(3, collect());
+    settleAll();
+    ASSERT_EQ(outcomes.size(), 1U);
+    EXPECT_EQ(outcomes[0].error, (Error{VIRLOAdServerAPI::httpErrorDomain, 404, {{"error", "NO_FILL"}}}));
+}
+
+TEST_F(AdScreen, AskedBeforeTheStartComesOnceTheSessionIsThere)
+{
+    controller->adViewControllerOfTypeWithCompletion(0, collect());
+    controller->adViewControllerOfTypeWithCompletion(0, {});
+    settleAll();
+    EXPECT_TRUE(outcomes.empty());
+    transport->expect("GET", "/ad/req", engagement);
+    transport->expect("GET", "/ad/req", engagement);
+    start();
+    EXPECT_EQ(outcomes.size(), 1U);
+}
+
+TEST_F(Controller, UserIdIsToldOnceWhateverTheHostHandsIn)
+{
+    start();
+    transport->expect("PUT", sessionPath, {400, "", true, {}});
+    std::atomic<int> calls{0};
+    controller->registerThirdPartyUserIdWithCompletion("caf\xe9", [&](const OptionalError& error) {
+        ++calls;
+        EXPECT_TRUE(error);
+    });
+    settleAll();
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(transport->lastRequest("PUT", sessionPath).body, "{\"thirdPartyUserId\":\"caf\xef\xbf\xbd\"}");
+}
+
+TEST_F(Controller, NoPublicCallWaitsForTheDisk)
+{
+    using Operation = FaultyFileSystem::Operation;
+    markTrackingInitiated();
+    for (const auto operation :
+         {Operation::Read, Operation::Write, Operation::CreateDirectories, Operation::IsDirectory})
+        disk.hold(operation);
+    const auto slowStore = VIRLOAppRequestStore::storeWithDirectoryPath(folder.path("slow"));
+    const auto slow = VIRLOAdController::controllerWithCollaborators(api, trackingManager, slowStore);
+    transport->expect("POST", startPath, sessionAnswer());
+    for (int report = 0; report < 6;
+         ++report) // two of them "AppResume": both controllers hear of the app's life
+        transport->expect("PUT", sessionPath);
+    for (int check = 0; check < 3; ++check)
+        transport->expect("GET", "/poll");
+
+    std::promise<void> returned;
+    std::thread watchdog([&, done = returned.get_future()] {
+        if (done.wait_for(std::chrono::seconds(10)) == std::future_status::ready)
+            return;
+        ADD_FAILURE() << "A public call waits for the disk";
+        disk.release();
+    });
+    slow->startWithAppIdentifier("host");
+    NotificationCenter::defaultCenter().post(ApplicationDidBecomeActiveNotification);
+    slow->setCurrentPlacement("Pause");
+    slow->checkAvailableCurrency();
+    slow->checkAvailableCurrencyAfterTimeInterval(0);
+    slow->registerThirdPartyUserIdWithCompletion("me", [](const OptionalError&) {});
+    slowStore->addItem(*URL::fromString("https://ads.example/poll"));
+    slow->applicationDidEnterBackground();
+    trackingManager->initiateTracking();
+    EXPECT_TRUE(slow->currentPlacement());
+    returned.set_value();
+    watchdog.join();
+
+    disk.release();
+    settleAll();
+    clock.advance(Seconds(0));
+}
+
+} // namespace
+} // namespace virlo::test

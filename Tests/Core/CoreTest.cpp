@@ -1,0 +1,42 @@
+#include "CoreTest.h"
+
+namespace virlo::test
+{
+
+CoreTest::CoreTest()
+    : api(VIRLOAdServerAPI::initWithBaseURLMakingSession(
+          *URL::fromString("https://ads.example"), [this](URLSessionConfiguration configuration) {
+              return transport->session(std::move(configuration));
+          }))
+{
+    api->setAppIdentifier("host");
+}
+
+CoreTest::~CoreTest()
+{
+    settleAll();
+}
+
+Date CoreTest::freshDate()
+{
+    static Date date{std::chrono::seconds(1456827630)};
+    return date += std::chrono::hours(1);
+}
+
+Answer CoreTest::sessionAnswer(const std::string& more, const std::string& state)
+{
+    std::string body =
+        R"({"sessionId":"s-1","status":")" + state + R"(","timestamp":"2016-03-01T10:20:30.123Z")";
+    if (!more.empty())
+        body += "," + more;
+    return {.status = 200, .body = body + "}", .arrives = true, .finalURL = {}};
+}
+
+void CoreTest::startSession()
+{
+    transport->expect("POST", startPath, sessionAnswer());
+    api->startSession();
+    settleAll();
+}
+
+} // namespace virlo::test

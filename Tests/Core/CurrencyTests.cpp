@@ -1,0 +1,115 @@
+#include "ControllerTest.h"
+#include "NotificationCenter.h"
+#include "VIRLOConstans.h"
+
+#include <mutex>
+
+namespace virlo::test
+{
+namespace
+{
+
+struct Delegate : VIRLOAdControllerDelegate {
+    void didGetCurrency(const JSON& info) override { rewards.push_back(info); }
+
+    std::vector<JSON> rewards;
+};
+
+/// A delegate that leaves the optional operation out.
+struct SilentDelegate : VIRLOAdControllerDelegate {
+};
+
+class Currency : public ControllerTest
+{
+protected:
+    Currency()
+    {
+        controller->setDelegate(delegate);
+        observation = NotificationCenter::defaultCenter().addObserver(
+            VIRLOAdFrameworkNotificationDidGetCurrency, [this](const Notification& notification) {
+                EXPECT_EQ(notification.object, nullptr);
+                posted.push_back(notification.userInfo);
+            });
+        start();
+        store->addItem(poll);
+    }
+
+    const URL poll = *URL::fromString("https://ads.example/poll");
+    const JSON reward = {{"status", true}, {"amount", 5}};
+    std::shared_ptr<Delegate> delegate = std::make_shared<Delegate>();
+    std::unique_ptr<NotificationCenter::Observation> observation;
+    std::vector<JSON> posted;
+};
+
+TEST_F(Currency, RewardIsPostedToldAndForgotten)
+{
+    transport->expect("GET", "/poll", {200, reward.dump(), true, {}});
+    controller->checkAvailableCurrency();
+    settleAll();
+    EXPECT_EQ(posted, std::vector{reward});
+    EXPECT_EQ(delegate->rewards, std::vector{reward});
+    EXPECT_TRUE(store->items().empty());
+}
+
+TEST_F(Currency, NoRewardAndFailureKeepTheAddressForTheNextCheck)
+{
+    transport->expect("GET", "/poll", {200, R"({"status":false})", true, {}});
+    transport->expect("GET", "/poll", noAnswer());
+    for (int check = 0; check < 2; ++check) {
+        controller->checkAvailableCurrency();
+        settleAll();
+    }
+    EXPECT_TRUE(posted.empty());
+    EXPECT_EQ(store->items(), std::vector{poll});
+}
+
+TEST_F(Currency, AddressesOfADayAgoAreAskedOnceMoreAndThenForgotten)
+{
+    transport->expectHeld("PUT", sessionPath); // the session's ping
+    clock.advance(Seconds(86401));
+    transport->expect("GET", "/poll", {200, R"({"status":false})", true, {}});
+    controller->checkAvailableCurrency();
+    settleAll();
+    EXPECT_TRUE(store->items().empty());
+}
+
+TEST_F(Currency, ChecksComeAfterTheirDelays)
+{
+    controller->checkAvailableCurrencyAfterTimeInterval(5);
+    controller->checkAvailableCurrencyAfterTimeInterval(29);
+    clock.advance(Seconds(4.9));
+    transport->expect("GET", "/poll", {200, R"({"status":false})", true, {}});
+    clock.advance(Seconds(0.1));
+    EXPECT_EQ(transport->requests("GET", "/poll").size(), 1U);
+    transport->expect("GET", "/poll", {200, reward.dump(), true, {}});
+    clock.advance(Seconds(24));
+    EXPECT_EQ(posted, std::vector{reward});
+}
+
+TEST_F(Currency, RegainedActivityChecksAtOnce)
+{
+    transport->expect("PUT", sessionPath);
+    transport->expect("GET", "/poll", {200, reward.dump(), true, {}});
+    NotificationCenter::defaultCenter().post(ApplicationDidBecomeActiveNotification);
+    clock.advance(Seconds(0));
+    EXPECT_EQ(posted, std::vector{reward});
+}
+
+TEST_F(Currency, DelegateIsHeldWeaklyAndMayBeSilent)
+{
+    delegate = nullptr;
+    transport->expect("GET", "/poll", {200, reward.dump(), true, {}});
+    controller->checkAvailableCurrency();
+    settleAll();
+
+    const auto silent = std::make_shared<SilentDelegate>();
+    controller->setDelegate(silent);
+    store->addItem(poll);
+    transport->expect("GET", "/poll", {200, reward.dump(), true, {}});
+    controller->checkAvailableCurrency();
+    settleAll();
+    EXPECT_EQ(posted.size(), 2U);
+}
+
+} // namespace
+} // namespace virlo::test

@@ -1,0 +1,265 @@
+#include "CoreTest.h"
+#include "VIRLOAdItem.h"
+#include "VIRLOAdvertisement.h"
+
+#include <mutex>
+#include <tuple>
+
+namespace virlo::test
+{
+namespace
+{
+
+class Endpoints : public CoreTest
+{
+protected:
+    Endpoints()
+    {
+        item = VIRLOAdItem::initWithDictionary({{"impressionUrl", "https://ads.example/imp"},
+                                                {"clickTracker", "https://ads.example/click"},
+                                                {"clickUrl", "https://ads.example/form"}});
+    }
+
+    [[nodiscard]] VIRLOAdServerAPI::ErrorCompletion collectError()
+    {
+        return [this](const OptionalError& error) {
+            const std::lock_guard lock(mutex);
+            errors.push_back(error);
+        };
+    }
+
+    [[nodiscard]] VIRLOAdServerAPI::MoreItemsCompletion collectMore(int caller)
+    {
+        return [this, caller](std::size_t start, std::size_t count, const OptionalError& error) {
+            const std::lock_guard lock(mutex);
+            more.emplace_back(caller, start, count, error.has_value());
+        };
+    }
+
+    std::mutex mutex;
+    std::shared_ptr<VIRLOAdItem> item;
+    std::vector<OptionalError> errors;
+    std::vector<std::tuple<int, std::size_t, std::size_t, bool>> more;
+};
+
+struct AdQuery {
+    const char* name;
+    VIRLOAdvertisementType type;
+    const char* query;
+};
+
+class AdRequest : public Endpoints, public testing::WithParamInterface<AdQuery>
+{
+};
+
+TEST_P(AdRequest, AsksByAppPlacementAndType)
+{
+    startSession();
+    transport->expect("GET", "/ad/req", {200, R"({"txid":"t"})", true, {}});
+    std::shared_ptr<VIRLOAdvertisement> advertisement;
+    api->retrieveAdvertisementForPlacementOfTypeWithCompletion("Level Up&more", GetParam().type,
+                                                               [&](auto found, const OptionalError& error) {
+                                                                   advertisement = std::move(found);
+                                                                   EXPECT_FALSE(error);
+                                                               });
+    settleAll();
+    EXPECT_EQ(transport->lastRequest("GET", "/ad/req").url.absoluteString(),
+              std::string("https://ads.example/ad/req?app=host&placement=Level%20Up%26more") +
+                  GetParam().query);
+    ASSERT_TRUE(advertisement);
+    EXPECT_EQ(advertisement->txId(), "t");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Types, AdRequest,
+    testing::Values(AdQuery{"Any", VIRLOAdvertisementType::Any, ""},
+                    AdQuery{"SecondDiscovery", VIRLOAdvertisementType::DiscoveryAlternative,
+                            "&type=discovery"},
+                    AdQuery{"Engagement", VIRLOAdvertisementType::Engagement, "&type=engagement"},
+                    AdQuery{"Unknown", VIRLOAdvertisementType{99}, "&type="}),
+    rowName());
+
+struct Identifier {
+    const char* name;
+    const char* identifier;
+    const char* path;
+};
+
+class AppIdentifier : public CoreTest, public testing::WithParamInterface<Identifier>
+{
+};
+
+TEST_P(AppIdentifier, StaysOneSegmentOfThePath)
+{
+    api->setAppIdentifier(GetParam().identifier);
+    transport->expect("POST", GetParam().path);
+    int calls = 0;
+    api->registerAppWithCompletion([&](const OptionalError&) { ++calls; });
+    settleAll();
+    EXPECT_EQ(calls, 1);
+    EXPECT_TRUE(
+        JSON::parse(transport->lastRequest("POST", GetParam().path).body.value()).contains("sdkVersion"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Identifiers, AppIdentifier,
+                         testing::Values(Identifier{"Plain", "tv.host-1", "/app/inst/tv.host-1"},
+                                         Identifier{"Slashes", "../../x", "/app/inst/..%2F..%2Fx"},
+                                         Identifier{"Dots", "..", "/app/inst/%2E%2E"},
+                                         Identifier{"Query", "a?b=c#d", "/app/inst/a%3Fb%3Dc%23d"},
+                                         Identifier{"Bytes", "\xff\n%", "/app/inst/%FF%0A%25"},
+                                         Identifier{"Empty", "", "/app/inst/"}),
+                         rowName());
+
+TEST_F(Endpoints, ReportsGoToTheItemsOwnAddresses)
+{
+    for (const char* path : {"/imp", "/click", "/click", "/form"})
+        transport->expect("POST", path);
+    api->registerImpressionForItemWithCompletion(*item, collectError());
+    api->registerClickForItemWithCompletion(*item, collectError());
+    settleAll();
+    EXPECT_EQ(transport->lastRequest("POST", "/imp").body, "{}");
+    EXPECT_EQ(transport->lastRequest("POST", "/click").body, "{}");
+
+    api->registerClickForItemWithDataWithCompletion(*item, {{"a", 1}}, collectError());
+    api->submitDataForItemWithCompletion({{"b", 2}}, *item, {});
+    settleAll();
+    EXPECT_EQ(transport->lastRequest("POST", "/click").body, R"({"a":1})");
+    EXPECT_EQ(transport->lastRequest("POST", "/form").body, R"({"b":2})");
+    EXPECT_EQ(errors, std::vector<OptionalError>(3));
+}
+
+TEST_F(Endpoints, ItemWithoutAddressesFailsItsReports)
+{
+    const auto bare = VIRLOAdItem::initWithDictionary({});
+    api->registerImpressionForItemWithCompletion(*bare, collectError());
+    api->registerClickForItemWithCompletion(*bare, collectError());
+    settleAll();
+    ASSERT_EQ(errors.size(), 2U);
+    EXPECT_TRUE(errors[0] && errors[1]);
+}
+
+TEST_F(Endpoints, PlacementAndUserWaitForTheSessionAndCarryIt)
+{
+    api->reportCurrentPlacement("LevelUp");
+    settleAll();
+    EXPECT_TRUE(transport->requests().empty());
+
+    transport->expect("PUT", sessionPath);
+    startSession();
+    auto request = transport->lastRequest("PUT", sessionPath);
+    EXPECT_EQ(request.body, R"({"currentPlacement":"LevelUp"})");
+    EXPECT_EQ(request.headers.at("VRL-SessionId"), "s-1");
+
+    transport->expect("PUT", sessionPath, {409, R"({"error":"TAKEN"})", true, {}});
+    api->registerUsernameForVirtualCurrencyWithCompletion("me", collectError());
+    settleAll();
+    EXPECT_EQ(transport->lastRequest("PUT", sessionPath).body, R"({"thirdPartyUserId":"me"})");
+    ASSERT_EQ(errors.size(), 1U);
+    EXPECT_EQ(errors[0]->userInfo["error"], "TAKEN");
+}
+
+TEST_F(Endpoints, CurrencyAnswerWithoutRewardIsNoError)
+{
+    startSession();
+    transport->expect("GET", "/poll", {200, R"({"status":false,"x":1})", true, {}});
+    int calls = 0;
+    api->checkAvailableCurrencyForURLWithCompletion(
+        *URL::fromString("https://ads.example/poll"),
+        [&](bool rewarded, const std::optional<JSON>& info, const OptionalError& error) {
+            ++calls;
+            EXPECT_FALSE(rewarded);
+            EXPECT_EQ(info, JSON({{"status", false}, {"x", 1}}));
+            EXPECT_FALSE(error);
+        });
+    settleAll();
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(Endpoints, DownloadGivesWhereTheLinkEndedAlsoBesideAnError)
+{
+    transport->expect("GET", "/go", {200, "<html>", true, "https://store.example/app"});
+    int calls = 0;
+    api->initiateAppDownloadByURLWithCompletion(
+        URL::fromString("https://ads.example/go"),
+        [&](const std::optional<URL>& url, const OptionalError& error) {
+            ++calls;
+            EXPECT_EQ(url, URL::fromString("https://store.example/app"));
+            EXPECT_TRUE(error) << "a page is no JSON";
+        });
+    settleAll();
+    api->initiateAppDownloadByURLWithCompletion(
+        std::nullopt, [&](const std::optional<URL>& url, const OptionalError& error) {
+            ++calls;
+            EXPECT_FALSE(url);
+            EXPECT_TRUE(error);
+        });
+    settleAll();
+    EXPECT_EQ(calls, 2);
+}
+
+class MoreItems : public Endpoints
+{
+protected:
+    static std::shared_ptr<VIRLOAdvertisement> advertisement(const char* extra = R"("txid":"t",)")
+    {
+        return VIRLOAdvertisement::initWithDictionary(JSON::parse(
+            std::string("{") + extra + R"("moreAdsUrl":"https://ads.example/more","ads":[{"cid":"1"}]})"));
+    }
+};
+
+TEST_F(MoreItems, CallersWhileARequestIsUnderWayShareItsAnswer)
+{
+    const auto ad = advertisement();
+    transport->expectHeld("GET", "/more");
+    for (int caller = 0; caller < 3; ++caller)
+        api->retrieveAdditionalItemsForAdWithCompletion(ad, collectMore(caller));
+    settleAll();
+    transport->release("GET", "/more", {200, R"({"ads":[{"cid":"2"},"no item",{"cid":"3"}]})", true, {}});
+    settleAll();
+    EXPECT_THAT(more, testing::ElementsAre(std::tuple(0, 1U, 3U, false), std::tuple(1, 1U, 3U, false),
+                                           std::tuple(2, 1U, 3U, false)));
+    EXPECT_EQ(ad->numberOfItems(), 3U);
+    EXPECT_FALSE(ad->moreItemsURL());
+    EXPECT_TRUE(api->completionHandlersForAdvertisementUpdate(*ad).empty());
+}
+
+TEST_F(MoreItems, FailureLeavesTheAdvertisementAndTheNextCallAsksAgain)
+{
+    const auto ad = advertisement();
+    transport->expect("GET", "/more", noAnswer());
+    transport->expect("GET", "/more", {200, R"({"ads":[{"cid":"2"}]})", true, {}});
+    api->retrieveAdditionalItemsForAdWithCompletion(ad, collectMore(0));
+    settleAll();
+    EXPECT_EQ(ad->numberOfItems(), 1U);
+    EXPECT_TRUE(ad->moreItemsURL());
+    api->retrieveAdditionalItemsForAdWithCompletion(ad, collectMore(1));
+    settleAll();
+    EXPECT_THAT(more, testing::ElementsAre(std::tuple(0, 0U, 0U, true), std::tuple(1, 1U, 1U, false)));
+}
+
+TEST_F(MoreItems, CallFromInsideACompletionIsAnsweredToo)
+{
+    const auto ad = advertisement();
+    transport->expect("GET", "/more", {200, "{}", true, {}});
+    api->retrieveAdditionalItemsForAdWithCompletion(ad, [&](std::size_t, std::size_t, const OptionalError&) {
+        api->retrieveAdditionalItemsForAdWithCompletion(ad, collectMore(1));
+    });
+    settleAll();
+    EXPECT_EQ(more.size(), 1U);
+}
+
+TEST_F(MoreItems, AdvertisementsWithoutTransactionDoNotShare)
+{
+    const auto first = advertisement("");
+    const auto second = advertisement("");
+    transport->expect("GET", "/more", {200, R"({"ads":[{"cid":"2"}]})", true, {}});
+    transport->expect("GET", "/more", {200, R"({"ads":[{"cid":"2"}]})", true, {}});
+    api->retrieveAdditionalItemsForAdWithCompletion(first, collectMore(1));
+    api->retrieveAdditionalItemsForAdWithCompletion(second, collectMore(2));
+    settleAll();
+    EXPECT_EQ(first->numberOfItems(), 2U);
+    EXPECT_EQ(second->numberOfItems(), 2U);
+}
+
+} // namespace
+} // namespace virlo::test

@@ -1,0 +1,177 @@
+#include "FakeTransport.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace virlo::test
+{
+
+namespace
+{
+URLRequest noRequest()
+{
+    return {*URL::fromString("none:"), "GET", {}, {}};
+}
+} // namespace
+
+Answer noAnswer()
+{
+    return {.status = 0, .body = {}, .arrives = false, .finalURL = {}};
+}
+
+class FakeTask : public URLSessionTask
+{
+public:
+    FakeTask(std::shared_ptr<FakeTransport> transport, URLRequest request, URLSession::Completion completion)
+        : m_transport(std::move(transport))
+        , m_request(std::move(request))
+        , m_completion(std::move(completion))
+    {
+    }
+
+    void resume() override { m_transport->exchange(std::move(m_request), std::move(m_completion)); }
+
+    void cancel() override {}
+
+private:
+    std::shared_ptr<FakeTransport> m_transport;
+    URLRequest m_request;
+    URLSession::Completion m_completion;
+};
+
+class FakeSession : public URLSession
+{
+public:
+    FakeSession(std::shared_ptr<FakeTransport> transport, URLSessionConfiguration configuration)
+        : m_transport(std::move(transport))
+        , m_configuration(std::move(configuration))
+    {
+    }
+
+    std::shared_ptr<URLSessionTask> dataTask(URLRequest request, Completion completion) override
+    {
+        request.headers.insert(m_configuration.additionalHeaders.begin(),
+                               m_configuration.additionalHeaders.end());
+        return std::make_shared<FakeTask>(m_transport, std::move(request), std::move(completion));
+    }
+
+    std::shared_ptr<URLSessionTask> streamTask(URLRequest request, Receiver, Completion completion) override
+    {
+        ADD_FAILURE() << "Nothing here streams";
+        return dataTask(std::move(request), std::move(completion));
+    }
+
+    void finishTasksAndInvalidate() override {}
+
+    void invalidateAndCancel() override {}
+
+private:
+    std::shared_ptr<FakeTransport> m_transport;
+    URLSessionConfiguration m_configuration;
+};
+
+FakeTransport::FakeTransport() : m_queue("fake transport") {}
+
+FakeTransport::~FakeTransport()
+{
+    for (const auto& [key, answers] : m_expected)
+        EXPECT_TRUE(answers.empty()) << "Never asked: " << key.first << " " << key.second;
+}
+
+std::shared_ptr<URLSession> FakeTransport::session(URLSessionConfiguration configuration)
+{
+    return std::make_shared<FakeSession>(shared_from_this(), std::move(configuration));
+}
+
+void FakeTransport::expect(const std::string& method, const std::string& path, Answer answer)
+{
+    const std::lock_guard lock(m_mutex);
+    m_expected[{method, path}].push_back(std::move(answer));
+}
+
+void FakeTransport::expectHeld(const std::string& method, const std::string& path)
+{
+    const std::lock_guard lock(m_mutex);
+    m_expected[{method, path}].push_back(std::nullopt);
+}
+
+void FakeTransport::exchange(URLRequest request, URLSession::Completion completion)
+{
+    const Key key(request.method, request.url.path());
+    std::optional<Answer> answer;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_requests.push_back(request);
+        auto& expected = m_expected[key];
+        if (expected.empty()) {
+            ADD_FAILURE() << "Nobody expected " << request.method << " " << request.url.absoluteString();
+            answer = noAnswer();
+        } else {
+            answer = std::move(expected.front());
+            expected.pop_front();
+        }
+        if (!answer) {
+            m_held[key].push_back({std::move(request), std::move(completion)});
+            return;
+        }
+    }
+    complete(request, *answer, std::move(completion));
+}
+
+void FakeTransport::release(const std::string& method, const std::string& path, const Answer& answer)
+{
+    Held held{noRequest(), {}};
+    {
+        const std::lock_guard lock(m_mutex);
+        auto& waiting = m_held[{method, path}];
+        if (waiting.empty()) {
+            ADD_FAILURE() << "Nothing is held: " << method << " " << path;
+            return;
+        }
+        held = std::move(waiting.front());
+        waiting.pop_front();
+    }
+    complete(held.request, answer, std::move(held.completion));
+}
+
+void FakeTransport::complete(const URLRequest& request, const Answer& answer,
+                             URLSession::Completion completion)
+{
+    std::optional<HTTPURLResponse> response;
+    OptionalError error;
+    if (answer.arrives)
+        response = HTTPURLResponse{
+            URL::fromString(answer.finalURL.value_or("")).value_or(request.url), answer.status, {}};
+    else
+        error = Error{URLSession::errorDomain, URLSession::failed, {{"Reason", "The line is dead."}}};
+    m_queue.async([completion = std::move(completion), body = answer.body, response, error] {
+        completion(body, response, error);
+    });
+}
+
+std::vector<URLRequest> FakeTransport::requests() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_requests;
+}
+
+std::vector<URLRequest> FakeTransport::requests(const std::string& method, const std::string& path) const
+{
+    auto found = requests();
+    std::erase_if(found,
+                  [&](const URLRequest& each) { return each.method != method || each.url.path() != path; });
+    return found;
+}
+
+URLRequest FakeTransport::lastRequest(const std::string& method, const std::string& path) const
+{
+    const auto found = requests(method, path);
+    if (found.empty()) {
+        ADD_FAILURE() << "Nobody asked for " << method << " " << path;
+        return noRequest();
+    }
+    return found.back();
+}
+
+} // namespace virlo::test

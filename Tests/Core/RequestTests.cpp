@@ -1,0 +1,236 @@
+#include "Bundle.h"
+#include "CoreTest.h"
+#include "NotificationCenter.h"
+#include "VIRLOReachability.h"
+
+#include <mutex>
+#include <thread>
+
+namespace virlo::test
+{
+namespace
+{
+
+struct Outcome {
+    std::optional<JSON> object;
+    OptionalError error;
+    VIRLOAdServerAPI::Response response;
+};
+
+class Request : public CoreTest
+{
+protected:
+    [[nodiscard]] VIRLOAdServerAPI::RequestCompletion collect()
+    {
+        return [this](const std::optional<JSON>& object, const OptionalError& error,
+                      const VIRLOAdServerAPI::Response& response) {
+            const std::lock_guard lock(mutex);
+            outcomes.push_back({object, error, response});
+        };
+    }
+
+    /// The one outcome of a GET that is answered so.
+    [[nodiscard]] Outcome get(const Answer& answer)
+    {
+        transport->expect("GET", "/x", answer);
+        api->sessionGETtoURLWithCompletionHandler(URL::fromString("https://ads.example/x"), collect());
+        settleAll();
+        EXPECT_EQ(outcomes.size(), 1U);
+        return outcomes.empty() ? Outcome() : outcomes.front();
+    }
+
+    std::mutex mutex;
+    std::vector<Outcome> outcomes;
+};
+
+const JSON unexpected = {{"Reason", "Unexpected server response."}};
+constexpr const char* httpDomain = "com.virlohq.error.ServerRespondedWithHTTPError";
+constexpr const char* unexpectedDomain = "com.virlohq.error.unexpectedServerResponse";
+constexpr const char* noPayloadDomain = "com.virlohq.error.noPayload";
+
+struct Sorted {
+    const char* name;
+    Answer answer;
+    std::optional<JSON> object;
+    OptionalError error; ///< of a JSON error only the domain is looked at
+};
+
+class AnswerSorting : public Request, public testing::WithParamInterface<Sorted>
+{
+};
+
+TEST_P(AnswerSorting, GivesObjectOrError)
+{
+    const Sorted& row = GetParam();
+    const Outcome outcome = get(row.answer);
+    EXPECT_EQ(outcome.object, row.object);
+    ASSERT_EQ(outcome.error.has_value(), row.error.has_value());
+    if (row.error && row.error->domain == JSONSerialization::errorDomain)
+        EXPECT_EQ(outcome.error->domain, row.error->domain);
+    else
+        EXPECT_EQ(outcome.error, row.error);
+    EXPECT_EQ(outcome.response.has_value(), row.answer.arrives);
+}
+
+Answer answer(long status, const std::string& body)
+{
+    return {.status = status, .body = body, .arrives = true, .finalURL = {}};
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, AnswerSorting,
+    testing::Values(
+        Sorted{"Object", answer(200, R"({"a":1})"), JSON{{"a", 1}}, {}},
+        Sorted{"RedirectCountsAsSuccess", answer(304, R"({"a":1})"), JSON{{"a", 1}}, {}},
+        Sorted{"ArrayIsHandedOn", answer(200, "[1]"), JSON::array({1}), {}},
+        Sorted{"NoContent", answer(204, ""), {}, {}},
+        Sorted{"NoContentWithContent", answer(204, R"({"a":1})"), {}, {}},
+        Sorted{"NothingCame",
+               answer(200, ""),
+               {},
+               Error{noPayloadDomain, 0, {{"Reason", "Server response does not contain payload."}}}},
+        Sorted{"NoJSON", answer(200, "<html>"), {}, Error{JSONSerialization::errorDomain, 0, {}}},
+        Sorted{"CutJSON", answer(200, R"({"a":)"), {}, Error{JSONSerialization::errorDomain, 0, {}}},
+        Sorted{"NoUTF8", answer(200, "{\"a\":\"\xff\"}"), {}, Error{JSONSerialization::errorDomain, 0, {}}},
+        Sorted{"TooDeep",
+               answer(200, std::string(100'000, '[')),
+               {},
+               Error{JSONSerialization::errorDomain, 0, {}}},
+        Sorted{
+            "RefusalWithCode", answer(404, R"({"error":"X"})"), {}, Error{httpDomain, 404, {{"error", "X"}}}},
+        Sorted{"RefusalWithPage", answer(500, "<html>"), {}, Error{httpDomain, 500, unexpected}},
+        Sorted{"RefusalWithNothing", answer(400, ""), {}, Error{httpDomain, 400, unexpected}},
+        Sorted{"RefusalWithArray", answer(403, "[1]"), {}, Error{httpDomain, 403, unexpected}},
+        Sorted{"BelowSuccess", answer(199, "{}"), {}, Error{httpDomain, 199, JSON::object()}},
+        Sorted{"NoAnswer", noAnswer(), {}, Error{unexpectedDomain, 0, unexpected}}),
+    rowName());
+
+TEST_F(Request, CarriesTheCommonHeadersAndTheSessionOnceThereIsOne)
+{
+    (void)get({});
+    auto request = transport->lastRequest("GET", "/x");
+    EXPECT_EQ(request.headers.at("Accept"), "application/json");
+    EXPECT_EQ(request.headers.at("Content-Type"), "application/json");
+    EXPECT_THAT(request.headers.at("User-Agent"), testing::StartsWith("VIRLOAdFramework 1.3.1 / linux "));
+    EXPECT_FALSE(request.headers.contains("VRL-SessionId"));
+    EXPECT_FALSE(request.body);
+
+    startSession();
+    transport->expect("PUT", "/x");
+    api->sessionPUTwithDicitonaryToURLWithCompletionHandler(JSON{{"k", "v"}},
+                                                            URL::fromString("https://ads.example/x"), {});
+    settleAll();
+    request = transport->lastRequest("PUT", "/x");
+    EXPECT_EQ(request.headers.at("VRL-SessionId"), "s-1");
+    EXPECT_EQ(request.body, R"({"k":"v"})");
+}
+
+TEST_F(Request, BodyThatCannotBeWrittenIsToldAndTheRequestStillGoesOut)
+{
+    transport->expectHeld("POST", "/x");
+    api->sessionPOSTwithDicitonaryToURLWithCompletionHandler(
+        JSON{{"k", "\xff"}}, URL::fromString("https://ads.example/x"), collect());
+    ASSERT_EQ(outcomes.size(), 1U) << "at once";
+    EXPECT_EQ(outcomes.front().error->domain, JSONSerialization::errorDomain);
+    transport->release("POST", "/x");
+    settleAll();
+    ASSERT_EQ(outcomes.size(), 2U);
+    EXPECT_FALSE(outcomes.back().error);
+    EXPECT_FALSE(transport->lastRequest("POST", "/x").body);
+}
+
+TEST_F(Request, WithoutURLFailsAsUnansweredAndNotOnTheCallersStack)
+{
+    std::optional<std::thread::id> thread;
+    api->sessionGETtoURLWithCompletionHandler(
+        std::nullopt,
+        [&](const std::optional<JSON>&, const OptionalError& error, const VIRLOAdServerAPI::Response&) {
+            EXPECT_EQ(error, (Error{unexpectedDomain, 0, unexpected}));
+            thread = std::this_thread::get_id();
+        });
+    settleAll();
+    ASSERT_TRUE(thread);
+    EXPECT_NE(*thread, std::this_thread::get_id());
+}
+
+TEST_F(Request, UserAgentNamesWhatTheBundleSays)
+{
+    EXPECT_EQ(VIRLOAdServerAPI::generateUserAgentFromBundle(
+                  Bundle({{"CFBundleName", "N"}, {"DTPlatformName", "P"}})),
+              "N (null) / P (null)");
+}
+
+class Parking : public CoreTest
+{
+protected:
+    void park()
+    {
+        api->checkSessionAndDo([this] { ++ran; });
+    }
+
+    std::atomic<int> ran{0};
+};
+
+TEST_F(Parking, RunsAtOnceOnTheCallersThreadWithSessionAndNetwork)
+{
+    startSession();
+    std::thread::id thread;
+    api->checkSessionAndDo([&] { thread = std::this_thread::get_id(); });
+    EXPECT_EQ(thread, std::this_thread::get_id());
+}
+
+TEST_F(Parking, WaitsForAnActiveSession)
+{
+    park();
+    park();
+    settleAll();
+    EXPECT_EQ(ran, 0);
+
+    transport->expect("POST", startPath, sessionAnswer("", "SESSION_PENDING"));
+    api->startSession();
+    settleAll();
+    EXPECT_EQ(ran, 0) << "a session in another state releases nothing";
+
+    startSession();
+    EXPECT_EQ(ran, 2);
+    park();
+    EXPECT_EQ(ran, 3);
+}
+
+TEST_F(Parking, WaitsForTheNetworkUntilItIsSaidToBeBack)
+{
+    startSession();
+    network.setReachable(false);
+    park();
+    const auto reachability = VIRLOReachability::reachabilityForInternetConnection();
+    NotificationCenter::defaultCenter().post(kVIRLOReachabilityChangedNotification, reachability.get());
+    settleAll();
+    EXPECT_EQ(ran, 0) << "another object's notice, and still offline";
+
+    network.setReachable(true);
+    startSession();
+    EXPECT_EQ(ran, 1);
+}
+
+TEST_F(Parking, ReleaseBetweenTheLookAndTheParkingIsNotMissed)
+{
+    startSession();
+    network.setReachable(false);
+    network.afterNextQuestion([this] {
+        network.setReachable(true);
+        api->retryQueuedRequests();
+    });
+    park();
+    EXPECT_EQ(ran, 1);
+}
+
+TEST_F(Parking, ParkedWorkDoesNotKeepTheServerObject)
+{
+    api->reportCurrentPlacement("LevelUp");
+    const std::weak_ptr<VIRLOAdServerAPI> weak = api;
+    api = nullptr;
+    EXPECT_TRUE(weak.expired());
+}
+
+} // namespace
+} // namespace virlo::test

@@ -1,0 +1,138 @@
+#include "VIRLOReachability.h"
+
+#include "LogCapture.h"
+#include "NotificationCenter.h"
+#include "Settle.h"
+
+#include <netinet/in.h>
+
+#include <gtest/gtest.h>
+
+namespace virlo::test
+{
+namespace
+{
+
+/// Answers what the test says and lets it announce changes.
+class StatedFlags : public NetworkFlagsSource
+{
+public:
+    StatedFlags() { setShared(this); }
+
+    ~StatedFlags() override { setShared(nullptr); }
+
+    std::optional<std::uint32_t> flagsForAddress(std::uint32_t address) const override
+    {
+        asked = address;
+        return flags;
+    }
+
+    std::optional<std::uint32_t> flagsForHost(const std::string&) const override { return flags; }
+
+    std::unique_ptr<Watch> watch(std::function<void()> call) override
+    {
+        changed = std::move(call);
+        return watchable ? std::make_unique<Watch>() : nullptr;
+    }
+
+    std::optional<std::uint32_t> flags;
+    mutable std::uint32_t asked = 1;
+    std::function<void()> changed;
+    bool watchable = true;
+};
+
+struct FlagsRow {
+    std::uint32_t flags;
+    bool localWiFi;
+    VIRLOReachability::NetworkStatus status;
+    const char* line;
+};
+
+class ReachabilityFlags : public testing::TestWithParam<FlagsRow>
+{
+};
+
+TEST_P(ReachabilityFlags, GiveTheirStatusAndTheirLine)
+{
+    StatedFlags source;
+    source.flags = GetParam().flags;
+    const auto reachability = GetParam().localWiFi ? VIRLOReachability::reachabilityForLocalWiFi()
+                                                   : VIRLOReachability::reachabilityForInternetConnection();
+    EXPECT_EQ(reachability->currentReachabilityStatus(), GetParam().status);
+    EXPECT_EQ(source.asked, GetParam().localWiFi ? 0xA9FE0000U : 0U);
+    EXPECT_EQ(logLines(), std::vector{std::string("Reachability Flag Status: ") + GetParam().line});
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, ReachabilityFlags,
+    testing::Values(
+        FlagsRow{0x0, false, VIRLOReachability::NotReachable, "-- ------- networkStatusForFlags"},
+        FlagsRow{0x2, false, VIRLOReachability::ReachableViaWiFi, "-R ------- networkStatusForFlags"},
+        FlagsRow{0x6, false, VIRLOReachability::NotReachable, "-R -c----- networkStatusForFlags"},
+        FlagsRow{0x2E, false, VIRLOReachability::ReachableViaWiFi, "-R -cC-D-- networkStatusForFlags"},
+        FlagsRow{0x3E, false, VIRLOReachability::NotReachable, "-R -cCiD-- networkStatusForFlags"},
+        FlagsRow{0x40002, false, VIRLOReachability::ReachableViaWWAN, "WR ------- networkStatusForFlags"},
+        FlagsRow{0x40000, false, VIRLOReachability::NotReachable, "W- ------- networkStatusForFlags"},
+        FlagsRow{0x30003, false, VIRLOReachability::ReachableViaWiFi, "-R t----ld networkStatusForFlags"},
+        FlagsRow{0x20002, true, VIRLOReachability::ReachableViaWiFi, "-R ------d localWiFiStatusForFlags"},
+        FlagsRow{0x2, true, VIRLOReachability::NotReachable, "-R ------- localWiFiStatusForFlags"},
+        FlagsRow{0x20000, true, VIRLOReachability::NotReachable, "-- ------d localWiFiStatusForFlags"}),
+    [](const auto& row) {
+        return (row.param.localWiFi ? "WiFi" : "Internet") + std::to_string(row.param.flags);
+    });
+
+TEST(Reachability, UnreadableFlagsAreNotReachableAndPrintNothing)
+{
+    StatedFlags source;
+    const auto reachability = VIRLOReachability::reachabilityForInternetConnection();
+    EXPECT_EQ(reachability->currentReachabilityStatus(), VIRLOReachability::NotReachable);
+    EXPECT_FALSE(reachability->connectionRequired());
+    EXPECT_TRUE(logLines().empty());
+    source.flags = 0x4;
+    EXPECT_TRUE(reachability->connectionRequired());
+    EXPECT_TRUE(logLines().empty());
+}
+
+TEST(Reachability, IsMadeOfNamesAndIPv4AddressesOnly)
+{
+    EXPECT_EQ(VIRLOReachability::reachabilityWithHostName(""), nullptr);
+    EXPECT_NE(VIRLOReachability::reachabilityWithHostName("ads.example"), nullptr);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(0x0A000001);
+    const auto& generic = reinterpret_cast<const sockaddr&>(address);
+    StatedFlags source;
+    EXPECT_FALSE(VIRLOReachability::reachabilityWithAddress(generic)->connectionRequired());
+    EXPECT_EQ(source.asked, 0x0A000001U);
+    address.sin_family = AF_UNIX;
+    EXPECT_EQ(VIRLOReachability::reachabilityWithAddress(generic), nullptr);
+}
+
+TEST(Reachability, NotifierPostsItselfOnTheMainLoopUntilStopped)
+{
+    StatedFlags source;
+    const auto reachability = VIRLOReachability::reachabilityForInternetConnection();
+    std::vector<const void*> senders;
+    const auto observation = NotificationCenter::defaultCenter().addObserver(
+        "kVIRLONetworkReachabilityChangedNotification", [&](const Notification& notification) {
+            EXPECT_TRUE(notification.userInfo.is_null());
+            senders.push_back(notification.object);
+        });
+
+    EXPECT_TRUE(reachability->startNotifier());
+    source.changed();
+    EXPECT_TRUE(senders.empty()) << "posted on the source's thread";
+    pumpMainLoop();
+    EXPECT_EQ(senders, std::vector<const void*>{reachability.get()});
+
+    source.changed();
+    reachability->stopNotifier();
+    pumpMainLoop();
+    EXPECT_EQ(senders.size(), 1U);
+
+    source.watchable = false;
+    EXPECT_FALSE(reachability->startNotifier());
+}
+
+} // namespace
+} // namespace virlo::test

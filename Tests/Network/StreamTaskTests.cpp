@@ -1,0 +1,138 @@
+#include "LoopbackServer.h"
+#include "Outcome.h"
+#include "RawServer.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <condition_variable>
+
+namespace virlo::test
+{
+namespace
+{
+
+using Connection = RawServer::Connection;
+
+std::string longBody()
+{
+    std::string body;
+    for (int line = 0; body.size() < (24 << 20); ++line)
+        body += std::to_string(line) + ' ';
+    return body;
+}
+
+TEST(StreamTask, SlowReceiverHoldsTheServerBackAndLosesNothing)
+{
+    const std::string body = longBody();
+    std::atomic<std::size_t> written{0};
+    RawServer server([&](Connection& connection) {
+        connection.readHead();
+        connection.write("HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n");
+        for (std::size_t at = 0; at < body.size(); at += 65'536) {
+            if (!connection.write(std::string_view(body).substr(at, 65'536)))
+                return;
+            written += 65'536;
+        }
+    });
+
+    std::mutex gate;
+    std::string received;
+    Outcome outcome;
+    std::unique_lock closed(gate);
+    makeSession()
+        ->streamTask(
+            request(server.url("/")),
+            [&](std::string_view piece) {
+                const std::lock_guard lock(gate);
+                received += piece;
+                return true;
+            },
+            outcome.completion())
+        ->resume();
+
+    // Until the server has stood still for a while: what it got rid of lies in buffers.
+    for (std::size_t before = 1; before != written || before == 0;) {
+        before = written;
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    }
+    EXPECT_LT(written, body.size() - (8 << 20)) << "nothing holds the server back";
+    EXPECT_FALSE(outcome.arrived());
+    closed.unlock();
+
+    const auto result = outcome.wait();
+    EXPECT_FALSE(result.error);
+    EXPECT_EQ(result.status(), 200);
+    EXPECT_EQ(result.data, "");
+    EXPECT_TRUE(received == body);
+}
+
+TEST(StreamTask, ReceiverThatHasEnoughEndsTheExchange)
+{
+    RawServer server([](Connection& connection) {
+        connection.readHead();
+        connection.write("HTTP/1.1 200 OK\r\n\r\n");
+        while (connection.write(std::string(65'536, 'x'))) {
+        }
+    });
+    std::atomic<int> calls{0};
+    Outcome outcome;
+    makeSession()
+        ->streamTask(
+            request(server.url("/")), [&](std::string_view) { return ++calls < 3; }, outcome.completion())
+        ->resume();
+    EXPECT_EQ(outcome.wait().code(), URLSession::cancelled);
+    EXPECT_EQ(calls, 3);
+}
+
+struct StreamRow {
+    const char* name;
+    const char* answer;
+    std::string streamed;
+    std::string gathered;
+    long code;
+    std::size_t bound = 1000;
+};
+
+class StreamAnswerTest : public testing::TestWithParam<StreamRow>
+{
+};
+
+TEST_P(StreamAnswerTest, PiecesAndDataAreKeptApart)
+{
+    RawServer server([](Connection& connection) {
+        connection.readHead();
+        connection.write(GetParam().answer);
+    });
+    std::string streamed;
+    Outcome outcome;
+    URLRequest bounded = request(server.url("/"));
+    bounded.maximumBodySize = GetParam().bound;
+    makeSession()
+        ->streamTask(
+            bounded,
+            [&](std::string_view piece) {
+                streamed += piece;
+                return true;
+            },
+            outcome.completion())
+        ->resume();
+    const auto result = outcome.wait();
+    EXPECT_EQ(streamed, GetParam().streamed);
+    EXPECT_EQ(result.data, GetParam().gathered);
+    EXPECT_EQ(result.code(), GetParam().code);
+    EXPECT_TRUE(result.response);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, StreamAnswerTest,
+    testing::Values(StreamRow{"Found", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\nabc", "abc", "", 0},
+                    StreamRow{"NotFound", "HTTP/1.1 404 No\r\nContent-Length: 3\r\n\r\nabc", "", "abc", 0},
+                    StreamRow{"Cut", "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc", "abc", "",
+                              URLSession::failed},
+                    StreamRow{"TooLong", "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc", "", "",
+                              URLSession::bodyTooLong, 5}),
+    [](const auto& row) { return row.param.name; });
+
+} // namespace
+} // namespace virlo::test

@@ -1,0 +1,202 @@
+#include "Outcome.h"
+#include "RawServer.h"
+#include "SlowResolver.h"
+
+#include <gtest/gtest.h>
+
+#include <future>
+
+namespace virlo::test
+{
+namespace
+{
+
+using Connection = RawServer::Connection;
+
+TEST(TransferFailure, RefusedConnection)
+{
+    const auto result = get(*makeSession(), unreachableURL());
+    EXPECT_EQ(result.code(), URLSession::failed);
+    EXPECT_FALSE(result.response);
+}
+
+struct BrokenAnswer {
+    const char* name;
+    std::string bytes; // then the server closes
+    long code;
+    long status; // 0 where no head arrives
+    std::string data;
+};
+
+class BrokenAnswerTest : public testing::TestWithParam<BrokenAnswer>
+{
+};
+
+TEST_P(BrokenAnswerTest, EndsWithWhatArrived)
+{
+    RawServer server([](Connection& connection) {
+        if (!connection.readHead().empty())
+            connection.write(GetParam().bytes);
+    });
+    const auto result = get(*makeSession(), server.url("/"));
+    EXPECT_EQ(result.code(), GetParam().code);
+    EXPECT_EQ(result.status(), GetParam().status);
+    EXPECT_EQ(result.data, GetParam().data);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, BrokenAnswerTest,
+    testing::Values(
+        BrokenAnswer{"Nothing", "", URLSession::failed, 0, ""},
+        BrokenAnswer{"Garbage", "\x16\x03\x01 what\r\n\r\n", URLSession::failed, 0, ""},
+        BrokenAnswer{"NoStatusLine", "<html>hello</html>", URLSession::failed, 0, ""},
+        BrokenAnswer{"HeadCut", "HTTP/1.1 200 OK\r\nContent-Le", URLSession::failed, 0, ""},
+        BrokenAnswer{"NegativeLength", "HTTP/1.1 200 OK\r\nContent-Length: -5\r\n\r\nhello",
+                     URLSession::failed, 0, ""},
+        BrokenAnswer{"HeadTooLong",
+                     "HTTP/1.1 200 OK\r\n" +
+                         [] {
+                             std::string lines;
+                             for (int line = 0; line < 200; ++line)
+                                 lines +=
+                                     "X-" + std::to_string(line) + ": " + std::string(8000, 'x') + "\r\n";
+                             return lines;
+                         }() +
+                         "\r\n",
+                     URLSession::failed, 0, ""},
+        BrokenAnswer{"BodyCut", "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n0123456789",
+                     URLSession::failed, 200, "0123456789"},
+        BrokenAnswer{"ChunkCut", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n5\r\nwo",
+                     URLSession::failed, 200, "hellowo"},
+        BrokenAnswer{"ChunkSizeWrong", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nxyz\r\n",
+                     URLSession::failed, 200, ""},
+        BrokenAnswer{"NotCompressedAsSaid",
+                     "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: 5\r\n\r\nhello",
+                     URLSession::failed, 200, ""},
+        BrokenAnswer{"EarlyHints",
+                     "HTTP/1.1 103 Early\r\nA: b\r\n\r\nHTTP/1.1 404 No\r\nContent-Length: 2\r\n\r\nno", 0,
+                     404, "no"},
+        BrokenAnswer{"NoLengthAtAll", "HTTP/1.0 200 OK\r\n\r\nall", 0, 200, "all"}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(TransferFailure, BodyAnnouncedTooLongIsRefusedBeforeItComes)
+{
+    RawServer server([](Connection& connection) {
+        connection.readHead();
+        connection.write("HTTP/1.1 200 OK\r\nContent-Length: 1073741824\r\n\r\n");
+        connection.waitForEnd();
+    });
+    const auto result = get(*makeSession(), server.url("/"));
+    EXPECT_EQ(result.code(), URLSession::bodyTooLong);
+    EXPECT_EQ(result.status(), 200);
+    EXPECT_EQ(result.data, "");
+}
+
+TEST(TransferFailure, HeadAnswerMayAnnounceAnyLength)
+{
+    RawServer server([](Connection& connection) {
+        connection.readHead();
+        connection.write("HTTP/1.1 200 OK\r\nContent-Length: 1073741824\r\n\r\n");
+        connection.waitForEnd();
+    });
+    const auto result = exchange(*makeSession(), request(server.url("/"), "HEAD"));
+    EXPECT_EQ(result.status(), 200);
+    EXPECT_FALSE(result.error);
+}
+
+TEST(TransferFailure, UnannouncedEndlessBodyNeverTakesMoreThanItsBound)
+{
+    RawServer server([](Connection& connection) {
+        connection.readHead();
+        connection.write("HTTP/1.1 200 OK\r\n\r\n");
+        while (connection.write(std::string(65'536, 'x'))) {
+        }
+    });
+    URLRequest bounded = request(server.url("/"));
+    bounded.maximumBodySize = (5 << 20) + 3;
+    std::promise<std::pair<std::size_t, std::size_t>> sizes;
+    OptionalError failure;
+    makeSession()
+        ->dataTask(bounded,
+                   [&](const std::string& data, const auto&, const OptionalError& error) {
+                       failure = error;
+                       sizes.set_value({data.size(), data.capacity()});
+                   })
+        ->resume();
+    const auto [size, capacity] = sizes.get_future().get();
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->code, URLSession::bodyTooLong);
+    EXPECT_LE(capacity, bounded.maximumBodySize + 16);
+    EXPECT_GT(size, bounded.maximumBodySize - (1 << 16));
+}
+
+TEST(TransferFailure, TimeOutBoundsTheWholeExchange)
+{
+    RawServer silent([](Connection& connection) { connection.waitForEnd(); });
+    RawServer dripping([](Connection& connection) {
+        connection.readHead();
+        connection.write("HTTP/1.1 200 OK\r\nContent-Length: 100000\r\n\r\n");
+        while (connection.write("x"))
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    });
+    for (const RawServer* server : {&silent, &dripping}) {
+        URLRequest bounded = request(server->url("/"));
+        bounded.timeout = Seconds(0.1);
+        const auto result = exchange(*makeSession(), bounded);
+        EXPECT_EQ(result.code(), URLSession::timedOut);
+        EXPECT_EQ(result.data.empty(), server == &silent);
+        EXPECT_EQ(result.status(), server == &silent ? 0 : 200);
+    }
+}
+
+TEST(TransferFailure, WaitingForAConnectionCountsTowardsTheTimeOut)
+{
+    RawServer silent([](Connection& connection) { connection.waitForEnd(); });
+    const auto session = makeSession({}, 1);
+    Outcome first;
+    Outcome second;
+    const auto holder = session->dataTask(request(silent.url("/")), first.completion());
+    holder->resume();
+    URLRequest impatient = request(silent.url("/"));
+    impatient.timeout = Seconds(0.1);
+    session->dataTask(impatient, second.completion())->resume();
+    EXPECT_EQ(second.wait().code(), URLSession::timedOut);
+    EXPECT_FALSE(first.arrived());
+    EXPECT_EQ(silent.connections(), 1);
+    holder->cancel();
+    EXPECT_EQ(first.wait().code(), URLSession::cancelled);
+}
+
+TEST(TransferFailure, IdleConnectionThatTheServerClosedIsReplaced)
+{
+    RawServer server([](Connection& connection) {
+        connection.readHead();
+        connection.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"); // keep-alive, and yet it closes
+    });
+    const auto session = makeSession();
+    for (int round = 0; round < 5; ++round)
+        EXPECT_EQ(get(*session, server.url("/")).data, "ok");
+}
+
+TEST(TransferFailure, LookUpThatHangsHoldsUpNobodyElse)
+{
+    SlowResolver resolver; // answers nothing until it goes
+    RawServer server([](Connection& connection) {
+        while (!connection.readHead().empty())
+            connection.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok");
+    });
+    const auto session = makeSession();
+    URLRequest lost = request("http://slow.invalid/");
+    lost.timeout = Seconds(0.1);
+    EXPECT_EQ(exchange(*session, lost).code(), URLSession::timedOut);
+    Outcome cancelled;
+    const auto task = session->dataTask(request("http://slow.invalid/"), cancelled.completion());
+    task->resume();
+    task->cancel();
+    EXPECT_EQ(cancelled.wait().code(), URLSession::cancelled);
+    EXPECT_EQ(get(*session, server.url("/")).data, "ok");
+    EXPECT_TRUE(resolver.wasAsked());
+}
+
+} // namespace
+} // namespace virlo::test

@@ -1,0 +1,194 @@
+#include "ScreenTest.h"
+
+#include "Button.h"
+#include "LogCapture.h"
+#include "MainLoop.h"
+#include "Settle.h"
+#include "TapRecognizer.h"
+#include "VIRLOAdPresenter.h"
+#include "VIRLOAdScreens.h"
+#include "VIRLOAdServerAPI.h"
+#include "VIRLOAdvertisement.h"
+#include "VIRLOTimerButton.h"
+
+#include <thread>
+
+namespace virlo::test
+{
+
+namespace
+{
+
+class Presenter : public ScreenTest
+{
+protected:
+    /// What a type's screen comes to: "screen", "neither" or "error".
+    std::string outcome(const JSON& ad)
+    {
+        std::string outcome;
+        std::atomic<bool> done{false};
+        VIRLOAdScreens::installed()->screenForAdvertisementWithCompletion(
+            VIRLOAdvertisement::initWithDictionary(ad), api,
+            [&](const std::shared_ptr<VIRLOAdViewController>& screen, const OptionalError& error) {
+                outcome = screen ? "screen" : error ? "error" : "neither";
+                done = true;
+            });
+        EXPECT_TRUE(settle([&] { return done.load(); }));
+        return outcome;
+    }
+};
+
+TEST_F(Presenter, OnlyTheFullscreenKindHasAScreen)
+{
+    for (const char* type :
+         {"any", "discovery", "interstitial", "video", "featured", "recommendation", "newer"}) {
+        JSON other = ad();
+        other["type"] = type;
+        EXPECT_EQ(outcome(other), "neither") << type;
+    }
+    EXPECT_EQ(requests("/pictures/" + identifier()), 0);
+    EXPECT_EQ(outcome(ad()), "screen");
+}
+
+TEST_F(Presenter, ReadiesTheScreenOffTheMainThreadsStackAndTellsOnAWorker)
+{
+    std::atomic<bool> told{false};
+    std::atomic<bool> onMain{true};
+    VIRLOAdScreens::installed()->screenForAdvertisementWithCompletion(
+        VIRLOAdvertisement::initWithDictionary(ad()), api, [&](const auto&, const OptionalError&) {
+            onMain = MainLoop::isMainThread();
+            told = true;
+        });
+    EXPECT_FALSE(told);
+    EXPECT_TRUE(settle([&] { return told.load(); }));
+    EXPECT_FALSE(onMain);
+}
+
+TEST_F(Presenter, DismissesByItselfAndGivesTheFocusBack)
+{
+    window.right().forceActiveFocus();
+    const auto screen = readyOver(Qt::darkBlue, ad());
+    int dismissed = 0;
+    std::thread([&] {
+        VIRLOAdPresenter::present(screen, &window, [&] {
+            EXPECT_TRUE(MainLoop::isMainThread());
+            ++dismissed;
+        });
+    }).join();
+    ASSERT_TRUE(settle([&] { return closeButton(screen).timerIsRunning(); }));
+    EXPECT_FALSE(window.right().hasActiveFocus());
+    EXPECT_TRUE(screen->adCompleted());
+    std::thread([&] { screen->adCompleted()(); }).join();
+    EXPECT_TRUE(settle([&] { return dismissed == 1; }));
+    EXPECT_TRUE(window.right().hasActiveFocus());
+    EXPECT_FALSE(screen->adCompleted());
+    EXPECT_EQ(window.left().keys, std::vector<int>());
+}
+
+TEST_F(Presenter, LeavesTheEndToAHostThatSetItsOwn)
+{
+    const auto screen = readyOver(Qt::darkBlue, ad());
+    int completed = 0;
+    screen->setAdCompleted([&] { ++completed; });
+    present(screen);
+    click(Qt::Key_Escape);
+    click(Qt::Key_Escape);
+    EXPECT_EQ(completed, 2);
+    EXPECT_EQ(focus(screen), "action");
+    VIRLOAdPresenter::dismiss(screen);
+    pumpMainLoop();
+    EXPECT_TRUE(window.left().hasActiveFocus());
+    EXPECT_TRUE(screen->adCompleted());
+    VIRLOAdPresenter::dismiss(screen);
+}
+
+TEST_F(Presenter, TellsTheEndAlsoWhereNothingCanBeShown)
+{
+    int dismissed = 0;
+    const auto count = [&] { ++dismissed; };
+    expectLog("There is no ad screen to present.");
+    VIRLOAdPresenter::present(nullptr, &window, count);
+    EXPECT_TRUE(settle([&] { return dismissed == 1; }));
+    VIRLOAdPresenter::dismiss(nullptr);
+
+    allowLog(testing::A<std::string>());
+    const auto first = shown(ad());
+    const auto second = readyOver(Qt::darkBlue, ad());
+    VIRLOAdPresenter::present(second, &window, count);
+    EXPECT_TRUE(settle([&] { return dismissed == 2; }));
+    EXPECT_FALSE(second->adCompleted());
+    VIRLOAdPresenter::present(second, nullptr, count);
+    EXPECT_TRUE(settle([&] { return dismissed == 3; }));
+    EXPECT_EQ(focus(first), "action");
+}
+
+TEST_F(Presenter, EndsWithItsWindow)
+{
+    auto host = std::make_unique<HostWindow>(QSize(1280, 720));
+    std::weak_ptr<VIRLOAdFullscreenViewController> gone;
+    int dismissed = 0;
+    {
+        const auto screen = readyOver(Qt::darkBlue, ad());
+        gone = screen;
+        VIRLOAdPresenter::present(screen, host.get(), [&] { ++dismissed; });
+        ASSERT_TRUE(settle([&] { return closeButton(screen).timerIsRunning(); }));
+    }
+    host.reset();
+    EXPECT_TRUE(settle([&] { return dismissed == 1 && gone.expired(); }));
+    clock.advance(Seconds(10));
+    EXPECT_EQ(clock.pendingCount(), 0U);
+}
+
+TEST_F(Presenter, AnAdInsideAnotherLeavesMenuToThatOne)
+{
+    const auto outer = readyOver(Qt::darkBlue, ad());
+    const auto inner = readyOver(Qt::darkGreen, ad());
+    outer->addChildViewController(inner);
+    outer->view().addSubview(inner->view());
+    present(outer);
+    EXPECT_TRUE(outer->menuButtonRecognizer());
+    EXPECT_FALSE(inner->menuButtonRecognizer());
+    click(Qt::Key_Escape);
+    EXPECT_TRUE(window.left().hasActiveFocus());
+}
+
+TEST_F(Presenter, AHostThatLetsGoDuringThePreloadLeavesNothingBehind)
+{
+    server().setFault({.path = "/pictures/*",
+                       .delay = std::chrono::milliseconds(100),
+                       .status = 200,
+                       .body = picture(Qt::red)});
+    std::weak_ptr<VIRLOAdViewController> gone;
+    std::atomic<bool> told{false};
+    VIRLOAdScreens::installed()->screenForAdvertisementWithCompletion(
+        VIRLOAdvertisement::initWithDictionary(ad()), api,
+        [&](const std::shared_ptr<VIRLOAdViewController>& screen, const OptionalError&) {
+            gone = screen;
+            told = true;
+        });
+    api.reset(); // the server object goes while the picture is under way
+    EXPECT_TRUE(settle([&] { return told.load() && gone.expired(); }));
+}
+
+TEST_F(Presenter, ALatePictureOfAScreenThatIsGoneIsDropped)
+{
+    const JSON one = ad();
+    server().setFault({.path = "/pictures/*", .status = 404});
+    std::weak_ptr<VIRLOAdFullscreenViewController> gone;
+    {
+        const auto screen = ready(one);
+        gone = screen;
+        server().setFault({.path = "/pictures/*",
+                           .delay = std::chrono::milliseconds(150),
+                           .status = 200,
+                           .body = picture(Qt::red)});
+        present(screen);
+        click(Qt::Key_Escape);
+    }
+    EXPECT_TRUE(settle([&] { return gone.expired(); }));
+    EXPECT_TRUE(awaitRequests("/pictures/" + identifier(), 2));
+}
+
+} // namespace
+
+} // namespace virlo::test

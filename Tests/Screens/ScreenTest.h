@@ -1,0 +1,95 @@
+#pragma once
+
+#include "AdServer.h"
+#include "HostWindow.h"
+#include "JSON.h"
+#include "TestAnimations.h"
+#include "TestClock.h"
+#include "VIRLOAdFullscreenViewController.h"
+
+#include <gtest/gtest.h>
+
+#include <QColor>
+#include <QImage>
+
+#include <memory>
+#include <string>
+
+class VIRLOAdServerAPI;
+class VIRLOAdvertisement;
+class VIRLOAdViewController;
+class VIRLOTimerButton;
+
+namespace virlo
+{
+class Button;
+class ImageView;
+} // namespace virlo
+
+namespace virlo::test
+{
+
+/// PNG bytes of one colour.
+[[nodiscard]] std::string picture(const QColor& color, QSize size = {1920, 1080});
+/// PNG bytes, or JPEG for that format.
+[[nodiscard]] std::string encoded(const QImage& image, const char* format = "PNG");
+
+/// A host's window over which full-screen ads are shown, an ad server of the program's own to talk to, and
+/// the two clocks in the test's hand. The server answers everything below "/impression", "/click", "/store"
+/// and
+/// "/poll"; a picture is served once `serve` was called for it. Files live in a folder of the program's.
+class ScreenTest : public testing::Test
+{
+protected:
+    ScreenTest();
+    ~ScreenTest() override;
+
+    [[nodiscard]] static adserver::AdServer& server();
+    /// How often a request for that path came.
+    [[nodiscard]] static int requests(const std::string& path);
+    [[nodiscard]] static bool awaitRequests(const std::string& path, int count = 1);
+    static void serve(const std::string& path, const std::string& body);
+
+    /// An engagement ad of one item whose identifier is used nowhere else. `item` and `button` are laid over
+    /// the defaults; a null removes a key.
+    [[nodiscard]] JSON ad(const JSON& item = {}, const JSON& button = {}, int secondsToSkip = 3);
+    /// `path` on the test's server.
+    [[nodiscard]] static std::string url(const std::string& path);
+
+    /// The identifier of the last ad made.
+    [[nodiscard]] std::string identifier() const { return m_identifier; }
+
+    using Screen = std::shared_ptr<VIRLOAdFullscreenViewController>;
+    /// The screen that the library hands to a host for the ad, once it is ready.
+    [[nodiscard]] Screen ready(const JSON& ad);
+    /// As `ready`, with a picture of that colour already in the store.
+    [[nodiscard]] Screen readyOver(const QColor& color, const JSON& ad);
+    /// Presents over `window` and waits for the first frame, but for what moves at first.
+    void present(const Screen& screen);
+    /// Ready, presented.
+    [[nodiscard]] Screen shown(const JSON& ad);
+
+    /// Lets the countdown run out and the close symbol fade in.
+    void countDown(int seconds);
+    void click(Qt::Key key);
+
+    [[nodiscard]] static virlo::Button& actionButton(const Screen& screen);
+    [[nodiscard]] static VIRLOTimerButton& closeButton(const Screen& screen);
+    [[nodiscard]] static virlo::ImageView& backgroundImage(const Screen& screen);
+    [[nodiscard]] static bool isSpinning(const Screen& screen);
+    /// "action", "close", "busy", or "none"; "several" must never be.
+    [[nodiscard]] static std::string focus(const Screen& screen);
+
+    /// The window as a viewer sees it, at rest. Kept as `name`.png where VIRLO_SCREENSHOTS names a folder.
+    QImage shoot(const std::string& name);
+
+    TestClock clock;
+    TestAnimations animations;
+    std::shared_ptr<VIRLOAdServerAPI> api;
+    HostWindow window;
+
+private:
+    std::string m_identifier;
+};
+
+} // namespace virlo::test

@@ -1,0 +1,169 @@
+#include "ServerTest.h"
+
+#include <gmock/gmock.h>
+
+#include <future>
+
+using namespace std::chrono_literals;
+using adserver::AdServerFault;
+
+namespace
+{
+
+class Faults : public ServerTest
+{
+protected:
+    const std::string file = "/campaigns/picture.jpg";
+
+    [[nodiscard]] httplib::Result ask(const std::string& path) { return makeClient().Get(path); }
+
+    /// The status and bytes noted for the only exchange.
+    [[nodiscard]] std::pair<int, std::uint64_t> noted() const
+    {
+        const auto exchanges = server.exchanges();
+        EXPECT_EQ(exchanges.size(), 1U);
+        return exchanges.empty() ? std::pair<int, std::uint64_t>()
+                                 : std::pair(exchanges[0].status, exchanges[0].bytes);
+    }
+};
+
+double secondsOf(const std::function<void()>& work)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+} // namespace
+
+TEST_F(Faults, ADelayComesBeforeTheRightAnswer)
+{
+    server.setFault({.path = file, .delay = 300ms});
+    EXPECT_GE(secondsOf([this] { EXPECT_EQ(ask(file)->body, "0123456789"); }), 0.3);
+}
+
+TEST_F(Faults, AnswersThatNeverComeHoldUpNobodyElseAndEndWithTheStop)
+{
+    server.setFault({.path = file, .neverAnswers = true});
+    std::vector<std::future<bool>> waiting;
+    for (int client = 0; client < 20; ++client)
+        waiting.push_back(std::async(std::launch::async, [this] { return static_cast<bool>(ask(file)); }));
+    ASSERT_TRUE(server.waitForExchanges("GET", file, waiting.size(), 20s));
+    EXPECT_EQ(server.exchanges()[0].status, 0);
+    EXPECT_EQ(ask("/store/second")->status, 200);
+    EXPECT_EQ(waiting[0].wait_for(0s), std::future_status::timeout);
+    EXPECT_LT(secondsOf([this] { server.stop(); }), 4.0);
+    for (auto& client : waiting)
+        EXPECT_FALSE(client.get());
+    server.start();
+    EXPECT_TRUE(server.exchanges().empty());
+}
+
+TEST_F(Faults, AMadeUpAnswerReplacesTheRightOneAndChangesNothing)
+{
+    openSession();
+    const auto item = advertisement()["ads"][0];
+    server.setFault({.path = "/ad/click/*", .method = "POST", .status = 503, .body = "<html>", .times = 1});
+    EXPECT_TRUE(post(path(item["clickTracker"]), "{}", 503).is_discarded());
+    advance(6s);
+    EXPECT_EQ(get(path(item["pollingUrl"]))["status"], false);
+    post(path(item["clickTracker"]), "{}", 204);
+
+    server.setFault(
+        {.path = "/moved", .status = 302, .headers = {{"Location", "/here"}, {"Content-Type", "text/x"}}});
+    EXPECT_EQ(ask("/moved")->get_header_value("Location"), "/here");
+}
+
+TEST_F(Faults, WrongJSONIsASuccessThatDoesNotParse)
+{
+    server.setFault({.path = "/ad/req", .wrongJSON = true});
+    EXPECT_TRUE(get("/ad/req").is_discarded());
+}
+
+TEST_F(Faults, ADroppedConnectionHasNoHead)
+{
+    server.setFault({.path = file, .drop = true, .times = 1});
+    EXPECT_FALSE(ask(file));
+    EXPECT_EQ(noted(), std::pair(0, std::uint64_t{0}));
+    EXPECT_TRUE(ask(file));
+}
+
+TEST_F(Faults, ACutBodyIsShorterThanItsHeadSays)
+{
+    for (const bool madeUp : {false, true}) {
+        server.clearExchanges();
+        server.setFault({.path = file,
+                         .body = madeUp ? std::optional<std::string>("abcdefghij") : std::nullopt,
+                         .cutBodyAfter = 4});
+        std::string received;
+        std::string length;
+        auto client = makeClient();
+        EXPECT_FALSE(client.Get(
+            file,
+            [&](const httplib::Response& head) {
+                length = head.get_header_value("Content-Length");
+                return true;
+            },
+            [&](const char* data, size_t size) {
+                received.append(data, size);
+                return true;
+            }));
+        EXPECT_EQ(length, "10");
+        EXPECT_EQ(received, madeUp ? "abcd" : "0123");
+        EXPECT_EQ(noted().first, 200);
+    }
+}
+
+TEST_F(Faults, SlowBytesTakeTheirTime)
+{
+    server.setFault({.path = file, .body = std::string(300, 'x'), .bytesPerSecond = 1000});
+    std::string body;
+    EXPECT_GE(secondsOf([&] { body = ask(file)->body; }), 0.3);
+    EXPECT_EQ(body.size(), 300U);
+    server.setFault({.path = file, .bytesPerSecond = 1});
+    auto waiting = std::async(std::launch::async, [this] { return ask(file); });
+    EXPECT_EQ(waiting.wait_for(200ms), std::future_status::timeout);
+    EXPECT_LT(secondsOf([this] { server.stop(); }), 4.0);
+}
+
+TEST_F(Faults, AHugeBodyIsMadeWhileItIsSent)
+{
+    for (const bool chunked : {false, true}) {
+        const auto size = std::uint64_t{1} << (chunked ? 24U : 30U);
+        server.setFault({.path = "/huge", .bodySize = size, .chunked = chunked});
+        std::uint64_t received = 0;
+        bool isRight = true;
+        std::string end;
+        auto client = makeClient();
+        const auto answer = client.Get("/huge", [&](const char* data, size_t count) {
+            isRight =
+                isRight && (received > 0 || std::string_view(data, count).starts_with("{\"filler\":\"a"));
+            received += count;
+            end = std::string(data + count - 1, 1);
+            return true;
+        });
+        ASSERT_TRUE(answer);
+        EXPECT_EQ(answer->has_header("Content-Length"), !chunked);
+        EXPECT_EQ(received, size);
+        EXPECT_TRUE(isRight);
+        EXPECT_EQ(end, "}");
+    }
+}
+
+TEST_F(Faults, TheLastSetComesFirstAndCountsDown)
+{
+    folder.write("campaigns/faulty.json", R"({"rules":[{"placement":"x"}],"advertisement":{},
+        "faults":[{"path":"/a?c","status":501}]})");
+    server.stop();
+    server.start();
+    auto client = makeClient();
+    server.setFault({.path = "/a*", .status = 500, .times = 2});
+    server.setFault({.path = "/abc", .status = 502, .times = 1});
+    const auto status = [&] { return client.Get("/abc")->status; };
+    EXPECT_THAT((std::vector{status(), status(), status(), status()}),
+                testing::ElementsAre(502, 500, 500, 501));
+    server.clearFaults();
+    EXPECT_EQ(status(), 404);
+    server.reset();
+    EXPECT_EQ(status(), 501);
+}

@@ -1,0 +1,232 @@
+#include "ServerTest.h"
+
+#include <ctime>
+#include <gmock/gmock.h>
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+
+namespace
+{
+
+class Protocol : public ServerTest
+{
+};
+
+struct WrongRequest {
+    const char* name;
+    const char* method;
+    const char* path;
+    const char* body;
+    int status;
+    const char* error;
+};
+
+class WrongRequests : public ServerTest, public testing::WithParamInterface<WrongRequest>
+{
+};
+
+} // namespace
+
+TEST_F(Protocol, OpensASessionThatClientsReadInTheirOwnZone)
+{
+    const auto session = post("/app/sess/com.example.game?state=start", R"({"systemName":"Linux"})");
+    EXPECT_EQ(session["status"], "SESSION_ACTIVE");
+    EXPECT_EQ(session["pingInterval"], 2.5);
+    EXPECT_EQ(session["sessionId"].get<std::string>().size(), 32U);
+
+    std::tm parts{};
+    const auto timestamp = session["timestamp"].get<std::string>();
+    ASSERT_STREQ(::strptime(timestamp.c_str(), "%Y-%m-%dT%H:%M:%S", &parts) + 4, "Z") << timestamp;
+    parts.tm_isdst = -1;
+    const auto read = std::chrono::system_clock::from_time_t(std::mktime(&parts));
+    EXPECT_LT(std::chrono::abs(options().clock() - read), 2s) << timestamp;
+}
+
+TEST_F(Protocol, KeepsASessionAliveByPingsAndEndsItWithoutThem)
+{
+    openSession();
+    for (int ping = 0; ping < 3; ++ping) {
+        advance(9s);
+        EXPECT_EQ(put("/app/sess/", R"({"user":{},"connectionSpeed":812.5})")["status"], "SESSION_ACTIVE");
+    }
+    advance(10'001ms);
+    EXPECT_EQ(put("/app/sess/", R"({"user":{}})", 401)["error"], "INVALID_SESSION");
+    EXPECT_EQ(get("/ad/req?app=a&placement=AppLaunch", 401)["error"], "INVALID_SESSION");
+
+    const auto fresh = openSession();
+    EXPECT_EQ(advertisement()["type"], "engagement");
+    server.expireSessions();
+    EXPECT_EQ(put("/app/sess/", R"({"user":{}})", 401)["error"], "INVALID_SESSION");
+    EXPECT_NE(openSession(), fresh);
+}
+
+TEST_F(Protocol, EndsASessionOnRequestOnce)
+{
+    openSession();
+    remove("/app/sess/", 204);
+    EXPECT_EQ(remove("/app/sess/", 401)["error"], "INVALID_SESSION");
+}
+
+TEST_F(Protocol, TakesReportsOfUserPlacementAndProfile)
+{
+    openSession();
+    put("/app/sess/", R"({"thirdPartyUserId":"user-7"})");
+    put("/app/sess/", R"({"currentPlacement":"LevelUp"})");
+    put("/app/sess/", R"({"user":{"age":30}})");
+    const auto report = get("/control/sessions")[0]["report"];
+    EXPECT_EQ(report["thirdPartyUserId"], "user-7");
+    EXPECT_EQ(report["currentPlacement"], "LevelUp");
+    EXPECT_EQ(report["user"]["age"], 30);
+}
+
+TEST_F(Protocol, ServesAnAdvertisementAsItsFileSaysWithAbsoluteAddresses)
+{
+    openSession();
+    const auto ad = advertisement();
+    EXPECT_EQ(ad["secondsToSkip"], 5);
+    EXPECT_FALSE(ad.contains("validFor"));
+    std::tm parts{};
+    const auto date = ad["timestamp"].get<std::string>();
+    EXPECT_STREQ(::strptime(date.c_str(), "%a %b %d %H:%M:%S GMT %Y", &parts), "") << date;
+    EXPECT_LT(std::chrono::abs(options().clock() - std::chrono::system_clock::from_time_t(::timegm(&parts))),
+              2s);
+
+    const auto txid = ad["txid"].get<std::string>();
+    const auto& item = ad["ads"][0];
+    EXPECT_EQ(item["backgroundUrl"], server.baseURL() + "/campaigns/picture.jpg");
+    EXPECT_EQ(item["screenshots"][0], item["backgroundUrl"]);
+    EXPECT_EQ(item["clickTracker"], server.baseURL() + "/ad/click/" + txid + "/summit%2F1");
+    EXPECT_EQ(item["clickFallback"], "https://store.example/summit");
+    EXPECT_EQ(item["currencyAmount"], "50");
+    EXPECT_TRUE(item["markupUrl"].is_null());
+    EXPECT_EQ(item["actionButton"]["xPosition"], 1200);
+    EXPECT_NE(advertisement()["txid"], txid);
+}
+
+TEST_F(Protocol, GivesPagesOfMoreItemsUntilTheLast)
+{
+    openSession();
+    const auto first = get(path(advertisement()["moreAdsUrl"]));
+    EXPECT_EQ(first["ads"].size(), 2U);
+    const auto last = get(path(first["moreAdsUrl"]));
+    EXPECT_EQ(last["ads"][0]["cid"], "fourth");
+    EXPECT_FALSE(last.contains("moreAdsUrl"));
+}
+
+TEST_F(Protocol, RedirectsAStoreLinkToAPageOfItsOwn)
+{
+    openSession();
+    auto client = makeClient();
+    client.set_follow_location(true);
+    const auto link = path(advertisement()["ads"][0]["clickUrl"]);
+    const auto page = client.Get(link);
+    ASSERT_TRUE(page);
+    EXPECT_EQ(page->get_header_value("Content-Type"), "text/html; charset=utf-8");
+    EXPECT_THAT(page->body, testing::HasSubstr("Race &lt;up&gt;"));
+    const auto data = client.Get(link, {{"Accept", "application/json"}});
+    ASSERT_TRUE(data);
+    EXPECT_EQ(JSON::parse(data->body)["cid"], "summit/1");
+    // This client decodes what it shows of a header.
+    EXPECT_EQ(data->location, server.baseURL() + "/store/summit/1");
+}
+
+TEST_F(Protocol, GivesARewardOnceSomeTimeAfterTheFirstClick)
+{
+    openSession();
+    const auto item = advertisement()["ads"][0];
+    const auto poll = [&] { return get(path(item["pollingUrl"])); };
+    const JSON no{{"status", false}};
+    advance(6s);
+    EXPECT_EQ(poll(), no);
+    post(path(item["clickTracker"]), "{}", 204);
+    advance(3s);
+    put("/app/sess/", "{}");
+    post(path(item["clickTracker"]), "{}", 204);
+    advance(1999ms);
+    EXPECT_EQ(poll(), no);
+    advance(1ms);
+    EXPECT_EQ(poll(), JSON({{"status", true},
+                            {"cid", "summit/1"},
+                            {"title", "Summit"},
+                            {"currencyAmount", "50"},
+                            {"currencyType", "coins"}}));
+    EXPECT_EQ(poll(), no);
+
+    const auto other = path(advertisement()["ads"][0]["pollingUrl"]);
+    EXPECT_EQ(get(other), no);
+    server.grantRewards();
+    EXPECT_EQ(get(other)["status"], true);
+    EXPECT_EQ(get(other), no);
+    EXPECT_EQ(poll(), no);
+}
+
+TEST_F(Protocol, ChoosesByPlacementAndRequestedTypeAndTakesTurns)
+{
+    const auto add = [this](const std::string& name, const std::string& rules, const std::string& type) {
+        server.addCampaign(name, R"({"rules":)" + rules + R"(,"advertisement":{"type":")" + type +
+                                     R"(","ads":[{"cid":")" + name + R"("}]}})");
+    };
+    add("grid", R"([{"placement":"*"}])", "discovery");
+    add("one", R"([{"placement":"LevelUp"}])", "engagement");
+    add("two", R"([{"placement":"LevelUp"}])", "engagement");
+    openSession();
+    const auto cid = [this](const std::string& placement, const std::string& type = {}) {
+        return advertisement(placement, type)["ads"][0]["cid"].get<std::string>();
+    };
+    EXPECT_EQ(cid("AppClose"), "grid");
+    EXPECT_THAT((std::vector{cid("LevelUp"), cid("LevelUp"), cid("LevelUp")}),
+                ElementsAre("one", "two", "one"));
+    EXPECT_EQ(cid("LevelUp", "discovery"), "grid");
+    EXPECT_EQ(cid("Pause", "featured"), "summit/1");
+    EXPECT_EQ(get("/ad/req?app=a&placement=LevelUp&type=video", 404)["error"], "NO_AD");
+    server.reset();
+    openSession();
+    EXPECT_EQ(cid("LevelUp"), "one");
+}
+
+TEST_F(Protocol, TakesReportsOfInstallImpressionClickAndForm)
+{
+    EXPECT_EQ(post("/app/inst/com.example.game", R"({"deviceModel":"box"})")["status"], "OK");
+    openSession();
+    const auto item = advertisement()["ads"][0];
+    post(path(item["impressionUrl"]), "{}", 204);
+    post(path(item["clickTracker"]), R"({"email":"a@example.com"})", 204);
+    const auto form = "/ad/form" + path(item["impressionUrl"]).substr(7);
+    EXPECT_EQ(post(form, R"({"email":"a@example.com"})")["status"], "OK");
+}
+
+TEST_P(WrongRequests, AreRefusedWithTheirReason)
+{
+    openSession();
+    auto client = makeClient();
+    httplib::Request request;
+    request.method = GetParam().method;
+    request.path = GetParam().path;
+    request.headers = sessionHeader();
+    request.body = GetParam().body;
+    const auto answer = client.send(request);
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->status, GetParam().status);
+    EXPECT_EQ(JSON::parse(answer->body)["error"], GetParam().error);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , WrongRequests,
+    testing::Values(
+        WrongRequest{"UnknownPath", "GET", "/nowhere", "", 404, "NOT_FOUND"},
+        WrongRequest{"InstallWithoutApp", "POST", "/app/inst/", "{}", 400, "BAD_REQUEST"},
+        WrongRequest{"InstallWithArray", "POST", "/app/inst/a", "[]", 400, "BAD_REQUEST"},
+        WrongRequest{"InstallByGet", "GET", "/app/inst/a", "", 405, "METHOD_NOT_ALLOWED"},
+        WrongRequest{"StartWithoutState", "POST", "/app/sess/a", "{}", 400, "BAD_REQUEST"},
+        WrongRequest{"StartWithoutApp", "POST", "/app/sess/?state=start", "{}", 400, "BAD_REQUEST"},
+        WrongRequest{"PingWithText", "PUT", "/app/sess/", "hello", 400, "BAD_REQUEST"},
+        WrongRequest{"PingOfWrongSpeed", "PUT", "/app/sess/", R"({"connectionSpeed":"fast"})", 400,
+                     "BAD_REQUEST"},
+        WrongRequest{"PingOfWrongUser", "PUT", "/app/sess/", R"({"user":[]})", 400, "BAD_REQUEST"},
+        WrongRequest{"AdWithoutPlacement", "GET", "/ad/req?app=a", "", 400, "BAD_REQUEST"},
+        WrongRequest{"AdWithoutApp", "GET", "/ad/req?placement=AppLaunch", "", 400, "BAD_REQUEST"},
+        WrongRequest{"AdByPost", "POST", "/ad/req?app=a&placement=b", "{}", 405, "METHOD_NOT_ALLOWED"},
+        WrongRequest{"UnknownTransaction", "POST", "/ad/imp/0123/summit%2F1", "{}", 404, "NOT_FOUND"},
+        WrongRequest{"UnknownStorePage", "GET", "/store/nothing", "", 404, "NOT_FOUND"}),
+    [](const auto& row) { return std::string(row.param.name); });

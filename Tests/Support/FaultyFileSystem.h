@@ -1,0 +1,69 @@
+#pragma once
+
+#include "FileSystem.h"
+
+#include <array>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+
+namespace virlo::test
+{
+
+/// The real disk with faults laid over it. In force from its making to its end, which waits for calls under
+/// way. Any thread.
+class FaultyFileSystem : public FileSystem
+{
+public:
+    enum class Operation { Exists, IsDirectory, CreateDirectories, Read, Write };
+
+    FaultyFileSystem();
+    ~FaultyFileSystem() override;
+    FaultyFileSystem(const FaultyFileSystem&) = delete;
+    FaultyFileSystem& operator=(const FaultyFileSystem&) = delete;
+
+    /// Every later call of `operation` takes `duration` of real time longer.
+    void delay(Operation operation, std::chrono::milliseconds duration);
+    /// All operations.
+    void delayAll(std::chrono::milliseconds duration);
+    /// The next `times` calls of `operation` fail with `code` (an errno value) before they touch the disk; a
+    /// negative count means all. Exists and IsDirectory answer false, Read answers nothing.
+    void fail(Operation operation, int code, int times = -1);
+    /// Directories and writes fail with EROFS.
+    void setReadOnly();
+    /// Directories and writes fail with ENOSPC.
+    void setFull();
+    /// Calls of `operation` wait from here on until `release`.
+    void hold(Operation operation);
+    void release();
+    /// No faults any more; held calls go on.
+    void heal();
+
+    /// Calls begun so far, failed ones included.
+    [[nodiscard]] int calls(Operation operation) const;
+
+    [[nodiscard]] bool exists(const std::string& path) const override;
+    [[nodiscard]] bool isDirectory(const std::string& path) const override;
+    OptionalError createDirectories(const std::string& path) override;
+    [[nodiscard]] std::optional<std::string> read(const std::string& path, std::size_t limit) const override;
+    OptionalError writeAtomically(const std::string& path, std::string_view content,
+                                  Durability durability = Durability::PowerLoss) override;
+
+private:
+    struct Faults {
+        std::chrono::milliseconds delay{0};
+        int code = 0;
+        int remaining = 0;
+        bool held = false;
+        int calls = 0;
+    };
+    class Call;
+
+    FileSystem& m_real;
+    mutable std::mutex m_mutex;
+    mutable std::condition_variable m_changed;
+    mutable std::array<Faults, 5> m_faults;
+    mutable int m_underWay = 0;
+};
+
+} // namespace virlo::test

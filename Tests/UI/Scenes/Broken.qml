@@ -1,0 +1,6 @@
+import QtQuick
+import Virlo.UI
+
+View {
+    required property int neverGiven
+}

@@ -1,0 +1,5 @@
+import Virlo.UI
+
+View {
+    backgroundColor: "red"
+}

@@ -1,0 +1,179 @@
+#include "Storyboard.h"
+#include "Button.h"
+#include "HostWindow.h"
+#include "ImageView.h"
+#include "Label.h"
+#include "LayoutConstraint.h"
+#include "LogCapture.h"
+#include "Settle.h"
+#include "TapRecognizer.h"
+#include "ViewController.h"
+
+#include <gtest/gtest.h>
+
+namespace virlo::test
+{
+
+namespace
+{
+
+class Panel : public ViewController
+{
+public:
+    using ViewController::outlet;
+};
+
+QUrl scene(const char* file)
+{
+    return {QStringLiteral("qrc:/qt/qml/Virlo/UITests/Scenes/") + file};
+}
+
+class StoryboardTest : public testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        const auto make = [] { return ViewController::make<Panel>(); };
+        Storyboard::registerScene("Test", "Panel", scene("Panel.qml"), make);
+        Storyboard::registerScene("Test", "Broken", scene("Broken.qml"), make);
+        Storyboard::registerScene("Test", "NoView", scene("NoView.qml"), make);
+        Storyboard::registerScene("Test", "Missing", scene("Missing.qml"), make);
+    }
+
+    static std::shared_ptr<Panel> instantiate(const std::string& identifier)
+    {
+        return std::static_pointer_cast<Panel>(
+            Storyboard::storyboardWithName("Test")->instantiateViewControllerWithIdentifier(identifier));
+    }
+};
+
+TEST_F(StoryboardTest, MakesAControllerWithItsOutlets)
+{
+    const auto panel = instantiate("Panel");
+    EXPECT_FALSE(panel->isViewLoaded());
+    EXPECT_EQ(panel->outlet<Button>("actionButton"), nullptr) << "not loaded: nothing, and not a word";
+    panel->loadViewIfNeeded();
+    ASSERT_NE(panel->outlet<Button>("actionButton"), nullptr);
+    EXPECT_EQ(panel->outlet<Label>("titleLabel")->text(), "A panel");
+    EXPECT_EQ(panel->outlet<ImageView>("picture")->contentMode(), ImageView::ContentMode::AspectFill);
+    panel->outlet<LayoutConstraint>("actionPositionX")->setConstant(120);
+    EXPECT_EQ(panel->outlet<Button>("actionButton")->frame().x(), 120);
+}
+
+TEST_F(StoryboardTest, AMissingOutletIsAnErrorInTheLogAndNull)
+{
+    expectLog("The scene Panel.qml has no outlet \"shareButton\".");
+    expectLog("The outlet \"titleLabel\" of the scene Panel.qml is no virlo::Button.");
+    expectLog("The outlet \"noView\" of the scene Panel.qml is no virlo::View.");
+    expectLog("The outlet \"empty\"");
+    const auto panel = instantiate("Panel");
+    panel->loadViewIfNeeded();
+    EXPECT_EQ(panel->outlet<Button>("shareButton"), nullptr);
+    EXPECT_EQ(panel->outlet<Button>("titleLabel"), nullptr);
+    EXPECT_EQ(panel->outlet<View>("noView"), nullptr);
+    EXPECT_EQ(panel->outlet<View>("empty"), nullptr);
+}
+
+TEST_F(StoryboardTest, UnknownNamesGiveNothing)
+{
+    expectLog("The storyboard \"Test\" has no scene \"Nobody\".");
+    EXPECT_EQ(instantiate("Nobody"), nullptr);
+    EXPECT_EQ(Storyboard::storyboardWithName("Elsewhere"), nullptr);
+}
+
+TEST_F(StoryboardTest, ASceneThatCannotBeLoadedIsAnEmptyView)
+{
+    expectLog("neverGiven");
+    expectLog("NoView.qml: its root is no View");
+    expectLog("Missing.qml");
+    for (const char* identifier : {"Broken", "NoView", "Missing"}) {
+        const auto panel = instantiate(identifier);
+        EXPECT_TRUE(panel->view().subviews().empty());
+        EXPECT_EQ(panel->outlet<Button>("actionButton"), nullptr);
+    }
+}
+
+TEST_F(StoryboardTest, WarmingUpEndsOnceForEveryCaller)
+{
+    expectLog("has no scene \"Nobody\"");
+    int done = 0;
+    const auto storyboard = Storyboard::storyboardWithName("Test");
+    for (const char* identifier : {"Panel", "Panel", "Missing", "Nobody"})
+        storyboard->warmUp(identifier, [&] { ++done; });
+    EXPECT_EQ(done, 0);
+    EXPECT_TRUE(settle([&] { return done == 4; }));
+    pumpMainLoop();
+    EXPECT_EQ(done, 4);
+}
+
+TEST_F(StoryboardTest, MayBeLoadedWhileItWarmsUp)
+{
+    Storyboard::registerScene("Test", "Other", scene("Other.qml"),
+                              [] { return ViewController::make<Panel>(); });
+    bool done = false;
+    Storyboard::storyboardWithName("Test")->warmUp("Other", [&] { done = true; });
+    const auto other = instantiate("Other");
+    EXPECT_EQ(other->view().backgroundColor(), QColor(Qt::red));
+    EXPECT_TRUE(settle([&] { return done; }));
+}
+
+TEST_F(StoryboardTest, ASceneIsDrivenByKeysAndDiesWhole)
+{
+    HostWindow window;
+    auto panel = instantiate("Panel");
+    panel->loadViewIfNeeded();
+    panel->outlet<LayoutConstraint>("actionPositionX")->setConstant(200);
+    window.present(panel);
+    const QPointer<Button> action = panel->outlet<Button>("actionButton");
+    const QPointer<Button> close = panel->outlet<Button>("closeButton");
+    const QPointer<Label> title = panel->outlet<Label>("titleLabel");
+    EXPECT_TRUE(close->isFocused());
+    window.click(Qt::Key_Down);
+    EXPECT_TRUE(action->isFocused()) << "the button inside a plain item";
+    EXPECT_EQ(action->backgroundColor(), QColor("#d0342c")) << "a binding to the focus";
+    window.click(Qt::Key_Right);
+    EXPECT_TRUE(close->isFocused()) << "by the guide's column";
+    panel->dismissViewController();
+    panel.reset();
+    pumpMainLoop();
+    pumpMainLoop();
+    EXPECT_FALSE(action);
+    EXPECT_FALSE(close);
+    EXPECT_FALSE(title);
+}
+
+TEST_F(StoryboardTest, ATextFieldTypesAndLeavesTheOtherKeysToTheScreen)
+{
+    Storyboard::registerScene("Test", "TextEntry", scene("TextEntry.qml"),
+                              [] { return ViewController::make<Panel>(); });
+    HostWindow window;
+    const auto entry = instantiate("TextEntry");
+    int menus = 0;
+    const auto menu = std::make_shared<TapRecognizer>([&] { ++menus; });
+    menu->setAllowedPressTypes({PressType::Menu});
+    entry->view().addGestureRecognizer(menu);
+    window.present(entry);
+    auto* input = entry->outlet<QQuickItem>("input");
+    const auto typed = [&] { return input->property("text").toString().toStdString(); };
+    EXPECT_TRUE(input->hasActiveFocus());
+    window.type("ab c");
+    window.click(Qt::Key_Backspace);
+    EXPECT_EQ(typed(), "ab ");
+    EXPECT_EQ(menus, 0);
+    window.right().forceActiveFocus();
+    pumpMainLoop();
+    EXPECT_TRUE(input->hasActiveFocus()) << "taken back from the host, to the very item";
+    window.click(Qt::Key_Escape);
+    EXPECT_EQ(menus, 1);
+    window.click(Qt::Key_Down);
+    EXPECT_TRUE(entry->outlet<Button>("below")->isFocused());
+    window.type("x");
+    window.click(Qt::Key_Backspace);
+    EXPECT_EQ(typed(), "ab ");
+    EXPECT_EQ(menus, 2) << "no text to delete: it is Menu again";
+    EXPECT_TRUE(window.right().keys.empty());
+}
+
+} // namespace
+
+} // namespace virlo::test
