@@ -1,0 +1,39 @@
+// bench-core idle|started URL: a process that links the core; "idle" does nothing with it, "started" has a
+// session. Says "ready" and waits to be measured.
+
+#include "Bundle.h"
+#include "MainLoop.h"
+#include "NetworkFlags.h"
+#include "VIRLOAdController.h"
+#include "VIRLOAdServerAPI.h"
+#include "VIRLOAppRequestStore.h"
+#include "VIRLOTrackingManager.h"
+
+#include <cstdio>
+#include <cstring>
+#include <unistd.h>
+
+int main(int count, char** arguments)
+{
+    if (count != 4)
+        return 2;
+    std::shared_ptr<VIRLOAdController> ads;
+    const auto network = virlo::makeFixedNetworkFlags(virlo::NetworkFlagReachable);
+    if (std::strcmp(arguments[1], "started") == 0) {
+        virlo::NetworkFlagsSource::setShared(network.get());
+        virlo::Bundle::setMainBundle("com.example.bench-core", "Bench Core", "1.0");
+        virlo::URLSessionConfiguration::setDefaultTrustedAuthoritiesFile(arguments[3]);
+        const auto api = VIRLOAdServerAPI::initWithBaseURL(*virlo::URL::fromString(arguments[2]));
+        ads = VIRLOAdController::controllerWithCollaborators(
+            api, VIRLOTrackingManager::initWithDirectoryPath("bench-core-tracking"),
+            VIRLOAppRequestStore::storeWithDirectoryPath("bench-core-polls"));
+        ads->startWithAppIdentifier("bench-core");
+        if (!virlo::MainLoop::shared().runUntil([&] { return api->serverSession() != nullptr; },
+                                                virlo::Seconds(10)))
+            return 1;
+    }
+    std::puts("ready");
+    std::fflush(stdout);
+    for (;;)
+        pause();
+}

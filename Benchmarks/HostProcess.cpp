@@ -1,0 +1,209 @@
+#include "Benchmarks.h"
+#include "ChildProcess.h"
+#include "Pictures.h"
+
+#include "AdServer.h"
+
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <thread>
+
+namespace
+{
+
+using namespace std::chrono_literals;
+using Exchanges = std::vector<adserver::AdServerExchange>;
+
+constexpr int rounds = 9;
+constexpr int manyAds = 100;
+constexpr std::uint16_t builtInPort = 8443; ///< of the base URL that the presets compile in
+
+std::filesystem::path workFolder()
+{
+    return std::filesystem::temp_directory_path() / "virlo-bench-host-process";
+}
+
+nlohmann::json campaign(int number)
+{
+    const std::string identifier = "bench-" + std::to_string(number);
+    return {{"rules", {{{"placement", number == 0 ? "*" : identifier}}}},
+            {"advertisement",
+             {{"type", "engagement"},
+              {"secondsToSkip", 0},
+              {"ads",
+               {{{"cid", identifier},
+                 {"type", "content"},
+                 {"title", identifier},
+                 {"impressionUrl", "/bench/impression"},
+                 {"backgroundUrl", identifier + ".jpg"},
+                 {"actionButton",
+                  {{"actionType", "CLICK_TO_CONTENT"},
+                   {"text", "Look"},
+                   {"xPosition", 1200},
+                   {"yPosition", 800}}}}}}}}};
+}
+
+/// The ad server on the port that the library was built for, with as many ads as asked for.
+class Stage
+{
+public:
+    explicit Stage(int ads) : m_server(options())
+    {
+        std::filesystem::create_directories(pictures());
+        for (int number = 0; number <= ads; ++number) {
+            const auto path = pictures() / ("bench-" + std::to_string(number) + ".jpg");
+            if (!std::filesystem::exists(path))
+                std::ofstream(path, std::ios::binary) << adPicture(number);
+        }
+        for (int number = ads; number >= 0; --number)
+            m_server.addCampaign("bench-" + std::to_string(number), campaign(number).dump(), pictures());
+        adserver::AdServerFault accepted;
+        accepted.path = "/bench/impression";
+        accepted.status = 200;
+        accepted.body = "{}";
+        m_server.setFault(accepted);
+        m_server.start();
+    }
+
+    adserver::AdServer& server() { return m_server; }
+
+    std::map<std::string, std::string> environment() const
+    {
+        return {{"XDG_DATA_HOME", (workFolder() / "data").string()},
+                {"XDG_CACHE_HOME", (workFolder() / "cache").string()},
+                {"QT_QPA_PLATFORM", "offscreen"},
+                {"QT_QUICK_BACKEND", "software"}};
+    }
+
+    static void forgetPictures() { std::filesystem::remove_all(workFolder() / "cache"); }
+
+private:
+    static std::filesystem::path pictures() { return workFolder() / "pictures"; }
+
+    static adserver::AdServerOptions options()
+    {
+        adserver::AdServerOptions result;
+        result.port = builtInPort;
+        result.stateFolder = workFolder() / "server";
+        return result;
+    }
+
+    adserver::AdServer m_server;
+};
+
+/// From the start of the demo host to the ad server's hearing of the impression, which a screen reports once
+/// its first frame has been shown: an upper bound of the time to that frame.
+double startToImpression(Stage& stage)
+{
+    Stage::forgetPictures();
+    stage.server().clearExchanges();
+    return timed([&] {
+        ChildProcess host(
+            {programFolder() + "/tv-host", "--authority", stage.server().authorityFile().string()},
+            stage.environment());
+        if (!stage.server().waitForExchanges("POST", "/bench/impression", 1, 20s))
+            throw std::runtime_error("the demo host shows no ad");
+    });
+}
+
+class BenchHost
+{
+public:
+    explicit BenchHost(Stage& stage)
+        : m_process({programFolder() + "/bench-host", stage.server().authorityFile().string()},
+                    stage.environment())
+    {
+    }
+
+    struct Painted {
+        double milliseconds;
+        double stall;
+    };
+
+    Painted show(int number)
+    {
+        m_process.writeLine("show bench-" + std::to_string(number));
+        const std::string line = m_process.readLine();
+        std::istringstream words(line);
+        std::string word;
+        Painted painted{};
+        if (!(words >> word >> painted.milliseconds >> painted.stall) || word != "painted")
+            throw std::runtime_error("the bench host answers " + line);
+        return painted;
+    }
+
+    void close()
+    {
+        m_process.writeLine("close");
+        if (m_process.readLine() != "closed")
+            throw std::runtime_error("the bench host does not close its ad");
+    }
+
+    ChildProcess& process() { return m_process; }
+
+private:
+    ChildProcess m_process;
+};
+
+void measureStart(Results& results)
+{
+    Stage stage(0);
+    std::vector<double> seconds;
+    startToImpression(stage); // the device's first start, which registers the install
+    for (int round = 0; round < rounds; ++round)
+        seconds.push_back(startToImpression(stage));
+    results.addLimit("process start of the demo host to the first frame of an ad, TLS", median(seconds) * 1e3,
+                     "ms", 200);
+}
+
+void measureRunning(Results& results)
+{
+    Stage stage(manyAds);
+    Stage::forgetPictures();
+    BenchHost host(stage);
+    std::vector<double> painted;
+    std::vector<double> stalls;
+    int number = 0;
+    double first = 0;
+    while (number < manyAds) {
+        const BenchHost::Painted shown = host.show(++number);
+        std::this_thread::sleep_for(60ms);
+        if (number == 1) {
+            // Seconds after, the close symbol has faded in and nothing moves any more.
+            std::this_thread::sleep_for(4s);
+            results.addLimit("memory (PSS) with the image ad standing", host.process().pssMiB(), "MiB", 60);
+            const double before = host.process().processorSeconds();
+            std::this_thread::sleep_for(5s);
+            results.addLimit("processor time in 5 s with the image ad standing",
+                             host.process().processorSeconds() - before, "s", 0);
+        } else {
+            painted.push_back(shown.milliseconds);
+            stalls.push_back(shown.stall);
+        }
+        host.close();
+        if (number == 1) {
+            std::this_thread::sleep_for(300ms);
+            first = host.process().pssMiB();
+        }
+    }
+    std::this_thread::sleep_for(300ms);
+    results.addLimit("ad asked for in the running host to painted, not cached, TLS", median(painted), "ms",
+                     50);
+    results.addLimit("longest stall of the main thread while an ad loads", median(stalls), "ms", 16);
+    results.addLimit("growth of PSS after 100 different image ads", host.process().pssMiB() - first, "MiB",
+                     2);
+}
+
+} // namespace
+
+void benchHostProcess(Results& results)
+{
+    std::filesystem::remove_all(workFolder());
+    measureStart(results);
+    measureRunning(results);
+    std::filesystem::remove_all(workFolder());
+}

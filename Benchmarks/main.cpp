@@ -1,0 +1,51 @@
+#include "Benchmarks.h"
+
+#include <QGuiApplication>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <string>
+
+// Runs the benchmarks named on the command line, or all of them, and writes what they found.
+int main(int count, char** arguments)
+{
+    const QTemporaryDir folder;
+    qputenv("XDG_DATA_HOME", folder.filePath("data").toUtf8());
+    qputenv("XDG_CACHE_HOME", folder.filePath("cache").toUtf8());
+    QGuiApplication application(count, arguments);
+
+    std::string output = "results.json";
+    std::vector<std::string> wanted;
+    for (int index = 1; index < count; ++index) {
+        if (std::strcmp(arguments[index], "--output") == 0 && index + 1 < count)
+            output = arguments[++index];
+        else
+            wanted.emplace_back(arguments[index]);
+    }
+
+    Results results;
+    for (const std::string& name : wanted) {
+        if (!benchmarkNamed(name)) {
+            std::fprintf(stderr, "bench: no benchmark '%s'; there are:\n", name.c_str());
+            for (const Benchmark& benchmark : benchmarks())
+                std::fprintf(stderr, "  %s\n", benchmark.name);
+            return 2;
+        }
+    }
+    for (const Benchmark& benchmark : benchmarks()) {
+        if (!wanted.empty() && std::find(wanted.begin(), wanted.end(), benchmark.name) == wanted.end())
+            continue;
+        std::fprintf(stderr, "bench: %s\n", benchmark.name);
+        try {
+            benchmark.run(results);
+        } catch (const std::exception& error) {
+            std::fprintf(stderr, "bench: %s: %s\n", benchmark.name, error.what());
+            return 1;
+        }
+    }
+    results.print();
+    return results.write(output) ? 0 : 1;
+}
