@@ -21,6 +21,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LES
   # This compiler takes joining two strings for overlapping copies.
   add_compile_options(-Wno-restrict)
 endif()
+if(CMAKE_UNITY_BUILD)
+  # Where sources are read together, their anonymous namespaces stand in included files.
+  add_compile_options(-Wno-subobject-linkage)
+endif()
 if(VIRLO_WARNINGS_AS_ERRORS)
   add_compile_options(-Werror)
 endif()

@@ -104,7 +104,7 @@ TEST_P(HostileImage, IsACleanNothing)
     EXPECT_LT(kilobytesOf("VmPeak:") - before, 400L << 10) << "what it claims must not be allocated";
 }
 
-const QImage picture = drawing(300, 200, QImage::Format_RGB32);
+const QImage sample = drawing(300, 200, QImage::Format_RGB32);
 
 INSTANTIATE_TEST_SUITE_P(
     Table, HostileImage,
@@ -125,18 +125,18 @@ INSTANTIATE_TEST_SUITE_P(
                 }},
         Hostile{"HugeBmp",
                 [] {
-                    std::string bmp = encoded(picture, "BMP");
+                    std::string bmp = encoded(sample, "BMP");
                     bmp.replace(18, 8, bytes({0x30, 0x75, 0, 0, 0x30, 0x75, 0, 0}));
                     return bmp;
                 }},
         Hostile{"CutPng", [] { return cut(encoded(drawing(300, 200, QImage::Format_ARGB32), "PNG")); }},
-        Hostile{"CutJpeg", [] { return cut(encoded(picture, "JPEG")); }},
+        Hostile{"CutJpeg", [] { return cut(encoded(sample, "JPEG")); }},
         Hostile{"JpegWithoutItsEnd",
                 [] {
-                    const std::string whole = encoded(picture, "JPEG");
+                    const std::string whole = encoded(sample, "JPEG");
                     return whole.substr(0, whole.size() - 2);
                 }},
-        Hostile{"CutBmp", [] { return cut(encoded(picture, "BMP")); }},
+        Hostile{"CutBmp", [] { return cut(encoded(sample, "BMP")); }},
         Hostile{"JpegStart",
                 [] {
                     return bytes({0xFF, 0xD8, 0xFF});
@@ -168,7 +168,7 @@ TEST(Image, DecodesIntoTheFormatsOfTheSceneGraph)
 
 TEST(Image, TrailingBytesDoNotHurtAJpeg)
 {
-    EXPECT_NE(Image::decode(encoded(picture, "JPEG") + std::string(100, '\0')), nullptr);
+    EXPECT_NE(Image::decode(encoded(sample, "JPEG") + std::string(100, '\0')), nullptr);
 }
 
 TEST(Image, DecodesAtReducedSize)
@@ -181,7 +181,7 @@ TEST(Image, DecodesAtReducedSize)
     EXPECT_GT(image->qImage().pixelColor(20, 20).blue(), 240);
     EXPECT_GT(image->qImage().pixelColor(200, 120).red(), 240);
     EXPECT_EQ(Image::decodeCovering(jpeg, 4000, 4000)->width(), 1920) << "never larger";
-    EXPECT_EQ(Image::decodeCovering(encoded(picture, "PNG"), 30, 30)->width(), 45);
+    EXPECT_EQ(Image::decodeCovering(encoded(sample, "PNG"), 30, 30)->width(), 45);
 }
 
 TEST(Image, TurnsAPhotographUpright)
@@ -211,8 +211,8 @@ TEST(Image, EncodesPngThatReadsBackTheSame)
 
 TEST(Image, DecodesOnManyThreadsAtOnce)
 {
-    const std::string png = encoded(picture, "PNG");
-    const std::string jpeg = encoded(picture, "JPEG");
+    const std::string png = encoded(sample, "PNG");
+    const std::string jpeg = encoded(sample, "JPEG");
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t) {
         threads.emplace_back([&] {
