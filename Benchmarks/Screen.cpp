@@ -110,7 +110,8 @@ void benchScreen(Results& results)
         return timed([&] {
             const auto parsed = nlohmann::json::parse(answer());
             QFile file(picture);
-            if (parsed.empty() || !file.open(QIODevice::ReadOnly) || QImage::fromData(file.readAll()).isNull())
+            if (parsed.empty() || !file.open(QIODevice::ReadOnly) ||
+                QImage::fromData(file.readAll()).isNull())
                 throw std::runtime_error("the picture does not decode");
             const std::unique_ptr<QObject> made(component.create());
             if (!made)

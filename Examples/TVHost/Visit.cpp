@@ -56,7 +56,9 @@ bool Visit::followAdToAppPage()
 bool Visit::earnReward()
 {
     const int before = m_game.coins();
-    return await("the reward", [this, before] { return m_game.coins() > before; }, 35) && shoot("reward");
+    return await(
+               "the reward", [this, before] { return m_game.coins() > before; }, 35) &&
+           shoot("reward");
 }
 
 bool Visit::leaveAndReturn()

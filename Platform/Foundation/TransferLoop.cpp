@@ -299,7 +299,8 @@ bool TransferLoop::admit(const std::shared_ptr<Transfer>& transfer, bool multipl
 template <typename... Result>
 void TransferLoop::conclude(const std::shared_ptr<Transfer>& transfer, Result... result)
 {
-    const std::shared_ptr<Transfer> kept = transfer; // the handle may hold the caller's own
+    // The handle may hold the caller's own.
+    const std::shared_ptr<Transfer> kept = transfer; // NOLINT(performance-unnecessary-copy-initialization)
     SessionState& session = *kept->session();
     const auto host = session.hosts.find(kept->server());
     CURL* const easy = kept->easy();

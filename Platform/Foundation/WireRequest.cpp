@@ -117,7 +117,8 @@ bool WireRequest::append(const Headers& headers, const Headers& stronger)
         if (has(stronger, name))
             continue;
         // An empty value takes a semicolon; with the colon libcurl would leave the header out.
-        std::string line = name + (value.empty() ? ";" : ": ") + value;
+        std::string line = name;
+        line.append(value.empty() ? ";" : ": ").append(value);
         // A line end inside a value would begin a header of its own.
         std::replace_if(
             line.begin(), line.end(),

@@ -90,9 +90,8 @@ TEST_F(Visit, GoesFromTheStartToTheRewardWithEveryExchangeReported)
     // Other tests' clicks, which the server never rewards, stay in the store.
     const auto isOwed = [poll = url("/ad/poll/")] {
         const auto items = VIRLOAppRequestStore::sharedStore()->items();
-        return std::any_of(items.begin(), items.end(), [&](const URL& address) {
-            return address.absoluteString().starts_with(poll);
-        });
+        return std::any_of(items.begin(), items.end(),
+                           [&](const URL& address) { return address.absoluteString().starts_with(poll); });
     };
     ASSERT_TRUE(settle([&] { return isOwed() || wallet->amount == 50; }));
     controller->checkAvailableCurrency();

@@ -12,7 +12,7 @@ public:
     void setImageForItem(std::string bytes, const VIRLOAdItem& item) override;
 
 protected:
-    static constexpr std::size_t mebibyte = 1024 * 1024;
+    static constexpr std::size_t mebibyte = std::size_t{1024} * 1024;
 
     explicit VIRLOCachedImageStore(const char* className);
 

@@ -183,11 +183,7 @@ bool VIRLOTimerButton::canBecomeFocused() const
 void VIRLOTimerButton::pressesEnded(const std::vector<virlo::Press>& presses)
 {
     setHighlighted(false);
-    const auto isSelect = [](const virlo::Press& press) { return press.type == virlo::PressType::Select; };
-    if (std::any_of(presses.begin(), presses.end(), isSelect))
-        sendPrimaryAction();
-    else
-        View::pressesEnded(presses);
+    Control::pressesEnded(presses);
 }
 
 void VIRLOTimerButton::geometryChange(const QRectF& now, const QRectF& before)

@@ -44,7 +44,7 @@ private:
 
 } // namespace
 
-void VIRLOAdPresenter::present(std::shared_ptr<VIRLOAdViewController> screen, QQuickWindow* window,
+void VIRLOAdPresenter::present(const std::shared_ptr<VIRLOAdViewController>& screen, QQuickWindow* window,
                                std::function<void()> dismissed)
 {
     auto controller = std::dynamic_pointer_cast<virlo::ViewController>(screen);

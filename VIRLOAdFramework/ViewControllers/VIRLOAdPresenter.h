@@ -22,7 +22,7 @@ namespace VIRLOAdPresenter
 /// the window goes away underneath, and where nothing could be shown (no screen, no window, or another screen
 /// stands over it: one line in the log says so). `window` must live until the main thread has come round to
 /// showing the screen.
-VIRLO_EXPORT void present(std::shared_ptr<VIRLOAdViewController> screen, QQuickWindow* window,
+VIRLO_EXPORT void present(const std::shared_ptr<VIRLOAdViewController>& screen, QQuickWindow* window,
                           std::function<void()> dismissed = {});
 
 /// Ends the screen's presentation, if there is one. Any thread.
