@@ -2,6 +2,7 @@
 
 #include "GlobalQueue.h"
 #include "MainLoop.h"
+#include "QtWork.h"
 
 #include <QFontMetricsF>
 
@@ -18,7 +19,8 @@ public:
     void look()
     {
         const std::lock_guard lock(running);
-        if (ended)
+        const QtWork work;
+        if (ended || !work.mayBegin())
             return;
         (void)QFontMetricsF(QFont()).horizontalAdvance(QStringLiteral("x"));
     }

@@ -1,5 +1,7 @@
 #include "Image.h"
 
+#include "QtWork.h"
+
 #include <QBuffer>
 #include <QImageReader>
 
@@ -113,6 +115,9 @@ QSize sizeCovering(QSize original, QSize target)
 /// `target` is empty for the picture's own size.
 QImage read(std::string_view bytes, QSize target)
 {
+    const QtWork work;
+    if (!work.mayBegin())
+        return {};
     QByteArray data = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
     QBuffer buffer(&data);
     buffer.open(QIODevice::ReadOnly);
@@ -185,15 +190,17 @@ std::shared_ptr<const Image> Image::decodeCovering(std::string_view bytes, int w
 
 std::shared_ptr<const Image> Image::named(const std::string& resourcePath)
 {
-    return fromQImage(QImage(QString::fromStdString(resourcePath)));
+    const QtWork work;
+    return work.mayBegin() ? fromQImage(QImage(QString::fromStdString(resourcePath))) : nullptr;
 }
 
 std::string Image::pngData() const
 {
+    const QtWork work;
     QByteArray data;
     QBuffer buffer(&data);
     buffer.open(QIODevice::WriteOnly);
-    if (!m_image.save(&buffer, "PNG"))
+    if (!work.mayBegin() || !m_image.save(&buffer, "PNG"))
         return {};
     return data.toStdString();
 }

@@ -61,5 +61,6 @@ VIRLOImageStore::Bytes VIRLOCachedImageStore::thumbnailOf(const Bytes& bytes) co
     if (!picture)
         return nullptr;
     const auto thumbnail = VIRLORoundedCorners::VIRLO_thumbnailWithRoundedCorners(*picture);
-    return thumbnail ? std::make_shared<const std::string>(thumbnail->pngData()) : nullptr;
+    auto data = thumbnail ? thumbnail->pngData() : std::string();
+    return data.empty() ? nullptr : std::make_shared<const std::string>(std::move(data));
 }

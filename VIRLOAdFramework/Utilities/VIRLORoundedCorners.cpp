@@ -1,6 +1,7 @@
 #include "VIRLORoundedCorners.h"
 
 #include "Image.h"
+#include "QtWork.h"
 
 #include <QPainter>
 
@@ -25,6 +26,9 @@ QImage nearSize(const QImage& picture, const QSizeF& size)
 std::shared_ptr<const virlo::Image>
 VIRLORoundedCorners::VIRLO_thumbnailWithRoundedCorners(const virlo::Image& image)
 {
+    const virlo::QtWork work;
+    if (!work.mayBegin())
+        return nullptr;
     const double side = thumbnailSide;
     const auto scale = static_cast<float>(std::max(side / image.width(), side / image.height()));
     const QSizeF size(image.width() * double{scale}, image.height() * double{scale});

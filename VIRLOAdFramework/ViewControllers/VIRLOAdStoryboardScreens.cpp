@@ -41,8 +41,9 @@ std::shared_ptr<VIRLOAdViewControllerBase> screenForType(VIRLOAdvertisementType 
 
 bool install()
 {
-    static VIRLOAdStoryboardScreens screens;
-    VIRLOAdScreens::install(&screens);
+    // Never destroyed: an answer may come while the process's statics go.
+    static auto* const screens = new VIRLOAdStoryboardScreens;
+    VIRLOAdScreens::install(screens);
     VIRLOAdFullscreenViewController::registerScene();
     return true;
 }
