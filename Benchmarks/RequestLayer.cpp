@@ -6,6 +6,7 @@
 
 #include <curl/curl.h>
 
+#include <chrono>
 #include <condition_variable>
 #include <filesystem>
 #include <mutex>
@@ -31,34 +32,50 @@ public:
         for (int connection = 0; connection < connections; ++connection)
             next();
         std::unique_lock lock(m_mutex);
-        m_ended.wait(lock, [this] { return m_answered == requests; });
+        const bool ended =
+            m_ended.wait_for(lock, std::chrono::minutes(1), [this] { return m_underWay == 0; });
+        if (!ended || !m_failure.empty())
+            throw std::runtime_error(ended ? m_failure : "answers do not come");
     }
 
 private:
     void next()
     {
+        {
+            const std::lock_guard lock(m_mutex);
+            ++m_asked;
+            ++m_underWay;
+        }
         m_api->sessionGETtoURLWithCompletionHandler(m_url, [this](const std::optional<virlo::JSON>& answer,
-                                                                  const virlo::OptionalError&, const auto&) {
-            if (!answer || (*answer)["status"] != "SESSION_ACTIVE")
-                throw std::runtime_error("a wrong answer");
-            bool more = false;
-            {
-                const std::lock_guard lock(m_mutex);
-                ++m_answered;
-                more = m_answered + connections <= requests;
-                if (m_answered == requests)
-                    m_ended.notify_one();
-            }
-            if (more)
-                next();
-        });
+                                                                  const virlo::OptionalError& error,
+                                                                  const auto&) { answered(answer, error); });
+    }
+
+    void answered(const std::optional<virlo::JSON>& answer, const virlo::OptionalError& error)
+    {
+        bool more = false;
+        {
+            const std::lock_guard lock(m_mutex);
+            if (error)
+                m_failure = virlo::describe(*error);
+            else if (!answer || (*answer)["status"] != "SESSION_ACTIVE")
+                m_failure = "a wrong answer";
+            more = m_failure.empty() && m_asked < requests;
+        }
+        if (more)
+            next();
+        const std::lock_guard lock(m_mutex);
+        if (--m_underWay == 0)
+            m_ended.notify_one();
     }
 
     std::shared_ptr<VIRLOAdServerAPI> m_api;
     virlo::URL m_url;
     std::mutex m_mutex;
     std::condition_variable m_ended;
-    int m_answered = 0;
+    int m_asked = 0;
+    int m_underWay = 0;
+    std::string m_failure;
 };
 
 /// The same on libcurl's multi interface and the JSON parser alone.

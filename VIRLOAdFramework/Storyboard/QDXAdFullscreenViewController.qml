@@ -8,6 +8,7 @@ View {
 
     property alias backgroundImage: picture
     property alias closeButton: countdown
+    property alias closeButtonHalo: halo
     property alias activityIndicator: wheel
     property alias actionButton: action
     property alias actionButtonPositionX: actionLeft
@@ -62,11 +63,11 @@ View {
     }
 
     // The ring and its number read on any picture.
-    Image {
+    ImageView {
+        id: halo
         anchors.centerIn: countdown
-        asynchronous: true
-        source: screen.dark ? "qrc:/com.virlohq.VIRLOAdFramework/countdown_halo_light.png"
-                            : "qrc:/com.virlohq.VIRLOAdFramework/countdown_halo.png"
+        width: 160
+        height: 160
     }
 
     Item {

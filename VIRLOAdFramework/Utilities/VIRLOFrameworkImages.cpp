@@ -43,8 +43,9 @@ std::shared_ptr<const virlo::Image> VIRLOFrameworkImages::imageNamedInColor(cons
 void VIRLOFrameworkImages::warmUp()
 {
     virlo::GlobalQueue::background().async([] {
-        for (const char* name : {"fullscreen_close.png", "fullscreen_close_dark.png", "icon_email.png",
-                                 "icon_phone.png", "icon_sms.png"})
+        for (const char* name :
+             {"countdown_halo.png", "countdown_halo_light.png", "fullscreen_close.png",
+              "fullscreen_close_dark.png", "icon_email.png", "icon_phone.png", "icon_sms.png"})
             static_cast<void>(imageNamed(name));
     });
 }

@@ -133,6 +133,7 @@ void VIRLOAdFullscreenViewController::viewDidLoad()
     VIRLOAdViewControllerBase::viewDidLoad();
     m_backgroundImage = outlet<virlo::ImageView>("backgroundImage");
     m_closeButton = outlet<VIRLOTimerButton>("closeButton");
+    m_closeButtonHalo = outlet<virlo::ImageView>("closeButtonHalo");
     m_activityIndicator = outlet<virlo::ActivityIndicatorView>("activityIndicator");
     m_actionButton = outlet<virlo::Button>("actionButton");
     m_actionButtonPositionX = outlet<virlo::LayoutConstraint>("actionButtonPositionX");
@@ -146,6 +147,7 @@ void VIRLOAdFullscreenViewController::setUpCloseButton()
 {
     m_closeButton->setInitialTimerValue(ad() ? static_cast<double>(ad()->secondsToSkip()) : 0);
     m_closeButton->setImage(VIRLOFrameworkImages::imageNamed("fullscreen_close.png"));
+    m_closeButtonHalo->setImage(VIRLOFrameworkImages::imageNamed("countdown_halo.png"));
     m_closeButton->setPrimaryAction([weak = weakSelf(*this)] {
         if (const auto self = weak.lock())
             self->closeAd();
@@ -192,6 +194,7 @@ void VIRLOAdFullscreenViewController::adaptCloseButtonToPicture()
         return;
     m_closeButton->setProgressTintColor(darkGrey);
     m_closeButton->setImage(VIRLOFrameworkImages::imageNamed("fullscreen_close_dark.png"));
+    m_closeButtonHalo->setImage(VIRLOFrameworkImages::imageNamed("countdown_halo_light.png"));
 }
 
 void VIRLOAdFullscreenViewController::viewWillAppear()

@@ -76,6 +76,7 @@ private:
     // Of the scene, which lives as long as this controller.
     virlo::ImageView* m_backgroundImage = nullptr;
     VIRLOTimerButton* m_closeButton = nullptr;
+    virlo::ImageView* m_closeButtonHalo = nullptr;
     virlo::ActivityIndicatorView* m_activityIndicator = nullptr;
     virlo::Button* m_actionButton = nullptr;
     virlo::LayoutConstraint* m_actionButtonPositionX = nullptr;
