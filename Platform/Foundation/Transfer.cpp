@@ -74,11 +74,33 @@ OptionalError Transfer::prepare(HandlePool::Handle& handle)
         return error(URLSession::unsupportedURL, "The URL is neither of http nor of https.");
     if (const auto reason = handle.wire.apply(m_easy, m_request, m_session->configuration.additionalHeaders))
         return error(URLSession::failed, *reason);
+    setTimeout();
+    return std::nullopt;
+}
+
+void Transfer::setTimeout()
+{
     const auto left =
         std::chrono::ceil<std::chrono::milliseconds>(m_deadline - std::chrono::steady_clock::now());
     const auto milliseconds = std::clamp<std::int64_t>(left.count(), 1, std::numeric_limits<int>::max());
     curl_easy_setopt(m_easy, CURLOPT_TIMEOUT_MS, static_cast<long>(milliseconds));
-    return std::nullopt;
+}
+
+bool Transfer::isOwedFreshConnection(CURLcode result)
+{
+    const bool broke =
+        result == CURLE_SEND_ERROR || result == CURLE_RECV_ERROR || result == CURLE_GOT_NOTHING;
+    if (!broke || m_cancelled || m_head.status() != 0 || m_head.isArriving())
+        return false;
+    long made = 0;
+    curl_easy_getinfo(m_easy, CURLINFO_NUM_CONNECTS, &made);
+    return made == 0 && !std::exchange(m_wentAfresh, true);
+}
+
+void Transfer::prepareFreshConnection()
+{
+    curl_easy_setopt(m_easy, CURLOPT_FRESH_CONNECT, 1L);
+    setTimeout();
 }
 
 bool Transfer::takeHeaderLine(std::string_view line)

@@ -48,6 +48,11 @@ public:
     /// Goes on after the stream's waiting pieces were taken. A failure ends the transfer.
     [[nodiscard]] CURLcode unpause();
 
+    /// Whether a connection kept from earlier exchanges turned out to be closed. libcurl tries six such ones
+    /// before it gives up, and after a pause all that were kept may be. True once.
+    [[nodiscard]] bool isOwedFreshConnection(CURLcode result);
+    void prepareFreshConnection();
+
     /// The outcome is settled: what is left is to `deliver`. The handle is not used any more.
     void finish(CURLcode result);
     void finish(URLSession::ErrorCode code, std::string_view reason);
@@ -73,6 +78,7 @@ private:
     [[nodiscard]] bool takeHead();
     [[nodiscard]] std::size_t takePiece(std::string_view piece);
     void gather(std::string_view piece);
+    void setTimeout();
 
     void deliverPieces();
     void deliverCompletion();
@@ -88,6 +94,7 @@ private:
     CURL* m_easy = nullptr;
     const char* m_errorText = nullptr;
     bool m_finished = false;
+    bool m_wentAfresh = false;
     std::size_t m_bodySize = 0;
 
     // I/O thread until `finish`, session queue from there

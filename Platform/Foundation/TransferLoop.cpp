@@ -281,6 +281,7 @@ bool TransferLoop::admit(const std::shared_ptr<Transfer>& transfer, bool multipl
     CURL* const easy = handle->easy;
     m_authorities.apply(easy, *transfer->session());
     curl_easy_setopt(easy, CURLOPT_PIPEWAIT, multiplexed ? 1L : 0L);
+    curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 0L);
     if (auto failure = transfer->prepare(*handle)) {
         transfer->finish(std::move(failure));
         m_handles.putBack(std::move(handle));
@@ -341,8 +342,16 @@ void TransferLoop::reap()
             auto& hosts = transfer->session()->hosts;
             hosts.find(transfer->server())->second.multiplexed = version == CURL_HTTP_VERSION_2_0;
         }
-        conclude(transfer, result);
+        if (!transfer->isOwedFreshConnection(result) || !goOnAfresh(*transfer))
+            conclude(transfer, result);
     }
+}
+
+bool TransferLoop::goOnAfresh(Transfer& transfer)
+{
+    curl_multi_remove_handle(m_multi, transfer.easy());
+    transfer.prepareFreshConnection();
+    return curl_multi_add_handle(m_multi, transfer.easy()) == CURLM_OK;
 }
 
 void TransferLoop::deliverFinished()

@@ -74,6 +74,8 @@ private:
     void conclude(const std::shared_ptr<Transfer>& transfer, Result... result);
     void expireWaiting();
     void reap();
+    /// False where it cannot.
+    [[nodiscard]] bool goOnAfresh(Transfer& transfer);
     void deliverFinished();
 
     static int socketChanged(CURL* easy, curl_socket_t socket, int what, void* self, void* known);

@@ -64,6 +64,27 @@ TEST_F(SessionLifeTest, ConnectionsOutliveTheirSession)
     EXPECT_EQ(connectionsSeen(), 1U);
 }
 
+// A server that closes what idles says so within the TLS stream, where it is met only once a request is sent.
+TEST_F(SessionLifeTest, RequestAfterAPauseSurvivesThatTheServerClosedEveryConnection)
+{
+    LoopbackServer server(&m_authority);
+    server.routes().set_keep_alive_timeout(1);
+    server.routes().Get("/", [](const auto&, auto& response) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        response.set_content("{}", "application/json");
+    });
+    server.start();
+    const auto session = makeSession(m_authority.file());
+    std::vector<Outcome> outcomes(6);
+    for (Outcome& outcome : outcomes)
+        session->dataTask(request(server.url("/")), outcome.completion())->resume();
+    for (const Outcome& outcome : outcomes)
+        ASSERT_EQ(outcome.wait().status(), 200);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    const auto late = get(*session, server.url("/"));
+    EXPECT_EQ(late.status(), 200) << (late.error ? describe(*late.error) : "");
+}
+
 TEST_F(SessionLifeTest, CompletionsRunOneAtATimeAndInNoCallersStack)
 {
     const auto session = makeSession(m_authority.file());
