@@ -1,11 +1,10 @@
 #include "Image.h"
 
+#include "PictureMemory.h"
 #include "QtWork.h"
 
 #include <QBuffer>
 #include <QImageReader>
-
-#include <sys/mman.h>
 
 #include <algorithm>
 #include <array>
@@ -27,11 +26,7 @@ bool isWholeJpeg(std::string_view bytes)
 {
     const auto byte = [&](std::size_t at) { return static_cast<std::uint8_t>(bytes[at]); };
     std::size_t at = 2;
-    while (at + 1 < bytes.size()) {
-        if (byte(at) != 0xFF) {
-            ++at;
-            continue;
-        }
+    while ((at = bytes.find('\xFF', at)) < bytes.size() && at + 1 < bytes.size()) {
         const std::uint8_t mark = byte(at + 1);
         if (mark == 0xD9)
             return true;
@@ -57,26 +52,19 @@ bool isWholeBitmap(std::string_view bytes)
     return size <= bytes.size();
 }
 
-/// A picture over memory straight from the system, and straight back to it: pictures come and go by
-/// megabytes, and the heap would keep what they leave. Null where there is no memory. 32 bits a pixel.
+/// A picture over memory of its own. Null where there is none. 32 bits a pixel.
 QImage mappedImage(QSize size, QImage::Format format)
 {
-    struct Mapping {
-        void* address;
-        std::size_t length;
-    };
-
     const qsizetype bytesPerLine = qsizetype{size.width()} * 4;
-    const auto length = static_cast<std::size_t>(bytesPerLine * size.height());
-    void* address = mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (address == MAP_FAILED)
+    const auto block = PictureMemory::take(static_cast<std::size_t>(bytesPerLine * size.height()));
+    if (block.address == nullptr)
         return {};
     const auto release = [](void* info) {
-        const std::unique_ptr<Mapping> mapping(static_cast<Mapping*>(info));
-        munmap(mapping->address, mapping->length);
+        const std::unique_ptr<PictureMemory::Block> taken(static_cast<PictureMemory::Block*>(info));
+        PictureMemory::giveBack(*taken);
     };
-    return {static_cast<uchar*>(address), size.width(), size.height(), bytesPerLine, format, release,
-            new Mapping{address, length}};
+    return {static_cast<uchar*>(block.address), size.width(), size.height(), bytesPerLine, format, release,
+            new PictureMemory::Block(block)};
 }
 
 bool isWorthMapping(QSize size)
