@@ -103,6 +103,11 @@ double ChildProcess::residentMiB() const
     return rollupMiB("Rss:");
 }
 
+double ChildProcess::writtenMiB() const
+{
+    return rollupMiB("Private_Dirty:");
+}
+
 double ChildProcess::rollupMiB(const std::string& field) const
 {
     std::ifstream rollup("/proc/" + std::to_string(m_process) + "/smaps_rollup");

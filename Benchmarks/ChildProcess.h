@@ -25,6 +25,8 @@ public:
     [[nodiscard]] double pssMiB() const;
     /// All pages of it that are in memory.
     [[nodiscard]] double residentMiB() const;
+    /// Its pages that no other process shares and no file holds.
+    [[nodiscard]] double writtenMiB() const;
     /// Time on a processor since its start.
     [[nodiscard]] double processorSeconds() const;
 
