@@ -5,6 +5,7 @@
 #include "JSONText.h"
 
 #include <limits>
+#include <stdexcept>
 
 namespace adserver
 {
@@ -21,6 +22,11 @@ int statusCode(const JSONChecker& value)
     if (status < 200)
         value.fail("must be a whole number from 200 to 599");
     return static_cast<int>(status);
+}
+
+std::chrono::milliseconds duration(const JSONChecker& value)
+{
+    return std::chrono::milliseconds(static_cast<std::int64_t>(value.number(0, longestDelay) * 1000));
 }
 
 std::uint64_t sizeOfBody(const JSONChecker& value)
@@ -42,8 +48,7 @@ AdServerFault AdServerFault::fromJSON(const nlohmann::json& value)
         if (key == "method")
             fault.method = member.oneOf({"GET", "HEAD", "POST", "PUT", "DELETE", "PATCH", "OPTIONS"});
         else if (key == "delay")
-            fault.delay =
-                std::chrono::milliseconds(static_cast<std::int64_t>(member.number(0, longestDelay) * 1000));
+            fault.delay = duration(member);
         else if (key == "neverAnswers")
             fault.neverAnswers = member.truth();
         else if (key == "drop")
@@ -66,6 +71,10 @@ AdServerFault AdServerFault::fromJSON(const nlohmann::json& value)
             fault.chunked = member.truth();
         else if (key == "cutBodyAfter")
             fault.cutBodyAfter = member.wholeNumber(largestBody);
+        else if (key == "stallBodyAfter")
+            fault.stallBodyAfter = member.wholeNumber(largestBody);
+        else if (key == "stallFor")
+            fault.stallFor = duration(member);
         else if (key == "bytesPerSecond")
             fault.bytesPerSecond = member.wholeNumber(largestBody);
         else if (key == "times")
@@ -73,6 +82,8 @@ AdServerFault AdServerFault::fromJSON(const nlohmann::json& value)
         else if (key != "path")
             member.failAsUnknownKey();
     });
+    if (fault.stallFor && !fault.stallBodyAfter)
+        throw std::invalid_argument("stallFor: needs \"stallBodyAfter\" beside it");
     return fault;
 }
 

@@ -48,14 +48,19 @@ struct AdServerFault {
 
     /// The head names the whole length; the connection is closed after this many bytes of the body.
     std::optional<std::uint64_t> cutBodyAfter = {};
+    /// The answer stops after this many bytes of the body, which the client has by then, and goes on
+    /// `stallFor` later; never when that is empty. A body that ends there or before does not stop.
+    std::optional<std::uint64_t> stallBodyAfter = {};
+    std::optional<std::chrono::milliseconds> stallFor = {};
     /// Speed of the whole answer, head included; 0: as fast as it goes.
     std::uint64_t bytesPerSecond = 0;
 
     /// How many requests it befalls before it is gone; 0: all, until it is cleared.
     unsigned times = 0;
 
-    /// The form of campaign files and of the control path: the names above as keys, `delay` in seconds,
-    /// `body` as text or as any other JSON value. Throws std::invalid_argument naming the key and the reason.
+    /// The form of campaign files and of the control path: the names above as keys, `delay` and `stallFor` in
+    /// seconds, `body` as text or as any other JSON value. Throws std::invalid_argument naming the key and
+    /// the reason.
     [[nodiscard]] static AdServerFault fromJSON(const nlohmann::json& value);
 };
 

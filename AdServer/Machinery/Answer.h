@@ -4,6 +4,7 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -24,6 +25,9 @@ struct Answer {
 
     bool chunked = false;
     std::optional<std::uint64_t> cutBodyAfter = {};
+    std::optional<std::uint64_t> stallBodyAfter = {};
+    /// Nothing: until the client goes away.
+    std::optional<std::chrono::milliseconds> stallFor = {};
     std::uint64_t bytesPerSecond = 0;
 
     [[nodiscard]] static Answer json(const nlohmann::json& value, int status = 200);

@@ -32,16 +32,30 @@ std::string lowerCase(std::string text)
     return text;
 }
 
-/// One step of sending `body`; false breaks the answer off.
-bool sendPiece(const AnswerBody& body, std::uint64_t offset, std::optional<std::uint64_t> cutAfter,
+/// What may go wrong within a body.
+struct BodyFaults {
+    std::optional<std::uint64_t> cutAfter;
+    std::optional<std::uint64_t> stallAfter;
+    std::optional<std::chrono::milliseconds> stallFor;
+};
+
+/// One step of sending `body`; false breaks the answer off. Steps end where the body stalls, so that the next
+/// one begins there and no other does.
+bool sendPiece(const AnswerBody& body, std::uint64_t offset, const BodyFaults& faults,
                httplib::DataSink& sink, ClientConnection& connection)
 {
-    std::vector<char> buffer(copyBuffer);
-    const auto allowed = cutAfter ? *cutAfter - std::min(*cutAfter, offset) : copyBuffer;
-    const auto count =
-        body.read(offset, buffer.data(), static_cast<size_t>(std::min<std::uint64_t>(copyBuffer, allowed)));
-    if (count > 0 && sink.write(buffer.data(), count))
-        return true;
+    const bool stalls = faults.stallAfter == offset;
+    if (!stalls || (connection.flush() && connection.pause(faults.stallFor))) {
+        std::vector<char> buffer(copyBuffer);
+        std::uint64_t allowed = copyBuffer;
+        if (faults.cutAfter)
+            allowed = std::min(allowed, *faults.cutAfter - std::min(*faults.cutAfter, offset));
+        if (faults.stallAfter && *faults.stallAfter > offset)
+            allowed = std::min(allowed, *faults.stallAfter - offset);
+        const auto count = body.read(offset, buffer.data(), static_cast<size_t>(allowed));
+        if (count > 0 && sink.write(buffer.data(), count))
+            return true;
+    }
     connection.breakOff();
     return false;
 }
@@ -209,27 +223,27 @@ void HTTPListener::deliver(Answer answer, httplib::Response& response, ClientCon
         response.set_header(name, value);
     }
     const auto contentType = answer.contentType.empty() ? "application/octet-stream" : answer.contentType;
-    if (!answer.body && !answer.chunked && !answer.cutBodyAfter) {
+    if (!answer.body && !answer.chunked && !answer.cutBodyAfter && !answer.stallBodyAfter) {
         response.body = std::move(answer.text);
         if (!response.body.empty())
             response.set_header("Content-Type", contentType);
         return;
     }
     const auto body = answer.body ? answer.body : std::make_shared<const TextBody>(std::move(answer.text));
-    const auto cut = answer.cutBodyAfter;
+    const BodyFaults faults{answer.cutBodyAfter, answer.stallBodyAfter, answer.stallFor};
     if (answer.chunked)
         response.set_chunked_content_provider(
-            contentType, [body, cut, &connection](size_t offset, httplib::DataSink& sink) {
-                if (offset < body->size() || (cut && offset >= *cut))
-                    return sendPiece(*body, offset, cut, sink, connection);
+            contentType, [body, faults, &connection](size_t offset, httplib::DataSink& sink) {
+                if (offset < body->size() || (faults.cutAfter && offset >= *faults.cutAfter))
+                    return sendPiece(*body, offset, faults, sink, connection);
                 sink.done();
                 return true;
             });
     else
         response.set_content_provider(
             static_cast<size_t>(body->size()), contentType,
-            [body, cut, &connection](size_t offset, size_t, httplib::DataSink& sink) {
-                return sendPiece(*body, offset, cut, sink, connection);
+            [body, faults, &connection](size_t offset, size_t, httplib::DataSink& sink) {
+                return sendPiece(*body, offset, faults, sink, connection);
             });
 }
 

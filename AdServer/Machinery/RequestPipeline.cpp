@@ -63,6 +63,8 @@ std::optional<Answer> RequestPipeline::answer(const httplib::Request& request,
         (name == "Content-Type" ? answer.contentType : answer.headers[name]) = value;
     answer.chunked = fault->chunked;
     answer.cutBodyAfter = fault->cutBodyAfter;
+    answer.stallBodyAfter = fault->stallBodyAfter;
+    answer.stallFor = fault->stallFor;
     answer.bytesPerSecond = fault->bytesPerSecond;
     return answer;
 }

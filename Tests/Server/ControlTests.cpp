@@ -34,6 +34,7 @@ TEST_F(Control, NamesWhatIsWrongWithAFault)
     EXPECT_EQ(wrongFault(R"({"path":"/a","status":99})"), "status: must be a whole number from 200 to 599");
     EXPECT_EQ(wrongFault(R"({"path":"/a","delay":"long"})"), "delay: must be a number from 0 to 86400");
     EXPECT_EQ(wrongFault(R"({"path":"/a","wait":1})"), "wait: is no key known here");
+    EXPECT_EQ(wrongFault(R"({"path":"/a","stallFor":2})"), "stallFor: needs \"stallBodyAfter\" beside it");
     EXPECT_EQ(wrongFault(R"([7])"), "must be an object");
     EXPECT_NE(wrongFault("{"), "");
 }

@@ -126,6 +126,69 @@ TEST_F(Faults, SlowBytesTakeTheirTime)
     EXPECT_LT(secondsOf([this] { server.stop(); }), 4.0);
 }
 
+TEST_F(Faults, ABodyStallsAtItsByteAndGoesOn)
+{
+    for (const bool chunked : {false, true}) {
+        server.setFault({.path = file, .chunked = chunked, .stallBodyAfter = 3, .stallFor = 400ms});
+        const auto begin = std::chrono::steady_clock::now();
+        std::string beforeTheStall;
+        std::string received;
+        auto client = makeClient();
+        ASSERT_TRUE(client.Get(file, {{"Range", "bytes=1-"}}, [&](const char* data, size_t size) {
+            received.append(data, size);
+            if (std::chrono::steady_clock::now() - begin < 300ms)
+                beforeTheStall = received;
+            return true;
+        }));
+        EXPECT_GE(std::chrono::steady_clock::now() - begin, 400ms);
+        EXPECT_EQ(beforeTheStall, "123");
+        EXPECT_EQ(received, "123456789");
+    }
+    server.setFault({.path = file, .stallBodyAfter = 10, .stallFor = 10s});
+    EXPECT_LT(secondsOf([this] { EXPECT_EQ(ask(file)->body, "0123456789"); }), 5.0);
+}
+
+TEST_F(Faults, AStallWithoutAnEndLastsUntilTheClientGoesAndMayBeFollowedByACut)
+{
+    server.setFault({.path = file, .stallBodyAfter = 0});
+    auto client = makeClient();
+    client.set_read_timeout(300ms);
+    EXPECT_FALSE(client.Get(file));
+    ASSERT_TRUE(server.waitForExchanges("GET", file, 1, 5s));
+    EXPECT_EQ(noted().first, 200);
+
+    server.setFault({.path = file, .cutBodyAfter = 6, .stallBodyAfter = 4, .stallFor = 100ms});
+    std::string received;
+    EXPECT_FALSE(makeClient().Get(file, [&](const char* data, size_t size) {
+        received.append(data, size);
+        return true;
+    }));
+    EXPECT_EQ(received, "012345");
+}
+
+TEST_F(Faults, AClipComesAsFastAsItIsToldAndEvenly)
+{
+    folder.write("campaigns/clip.mp4", std::string(150'000, 'v'));
+    server.setFault({.path = "/campaigns/*.mp4", .bytesPerSecond = 200'000});
+    size_t received = 0;
+    size_t atHalfTime = 0;
+    const auto begin = std::chrono::steady_clock::now();
+    const double seconds = secondsOf([&] {
+        auto client = makeClient();
+        ASSERT_TRUE(client.Get("/campaigns/clip.mp4", [&](const char*, size_t size) {
+            received += size;
+            if (std::chrono::steady_clock::now() - begin < 375ms)
+                atHalfTime = received;
+            return true;
+        }));
+    });
+    EXPECT_EQ(received, 150'000U);
+    EXPECT_GE(seconds, 0.7);
+    EXPECT_LT(seconds, 2.5);
+    EXPECT_GT(atHalfTime, 10'000U);
+    EXPECT_LT(atHalfTime, 100'000U);
+}
+
 TEST_F(Faults, AHugeBodyIsMadeWhileItIsSent)
 {
     for (const bool chunked : {false, true}) {
