@@ -104,8 +104,8 @@ HEADING = -0.2
 SHIPS = [(1190, 412, 290), (1010, 590, 140), (1290, 232, 120), (1105, 690, 84), (1075, 250, 80), (1480, 322, 66)]
 
 
-def fleet(picture):
-    for x, y, length in SHIPS[::-1]:
+def fleet(picture, ships=SHIPS):
+    for x, y, length in ships[::-1]:
         turn = HEADING
         def trail(context):
             context.translate(x, y)

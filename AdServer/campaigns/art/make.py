@@ -3,9 +3,7 @@
 
     /usr/bin/python3 make.py [NAME…]       all of them, or those whose file names begin with one of the names
 
-Needs from Debian: python3-cairo python3-gi python3-gi-cairo gir1.2-pango-1.0 python3-pil python3-numpy python3-scipy
-fonts-lato fonts-bebas-neue fonts-ebgaramond fonts-jura fonts-league-spartan fonts-lobster
-fonts-manrope fonts-quicksand
+Needs the Debian packages of the group "art" in scripts/packages.txt.
 """
 
 import sys
