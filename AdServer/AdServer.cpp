@@ -13,6 +13,7 @@
 #include "SessionTable.h"
 #include "StorePage.h"
 #include "TransactionTable.h"
+#include "VASTEndpoints.h"
 
 #include <algorithm>
 #include <mutex>
@@ -29,9 +30,10 @@ public:
         , sessions(options.pingInterval, options.sessionLifetime)
         , control(server, sessions)
         , ads(sessions, transactions, campaigns)
+        , vast(campaigns)
         , files(campaigns)
         , store(campaigns)
-        , pipeline({faults, log, control, ads, files, store}, scheme(), options.clock)
+        , pipeline({faults, log, control, ads, vast, files, store}, scheme(), options.clock)
     {
     }
 
@@ -57,6 +59,7 @@ public:
     SessionTable sessions;
     ControlEndpoints control;
     AdEndpoints ads;
+    VASTEndpoints vast;
     FileEndpoint files;
     StorePage store;
     RequestPipeline pipeline;

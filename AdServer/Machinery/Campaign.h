@@ -2,6 +2,7 @@
 
 #include "AdServerFault.h"
 #include "Dates.h"
+#include "VASTDocument.h"
 
 #include <nlohmann/json.hpp>
 
@@ -38,6 +39,11 @@ struct Campaign {
     /// By "cid": how long after the click the reward is there.
     std::map<std::string, std::chrono::milliseconds> rewards;
     std::vector<AdServerFault> faults;
+    /// By name.
+    std::map<std::string, VASTDocument> vast;
+    /// The names of the documents of any campaign that this one's addresses name, by the keys that hold
+    /// those.
+    std::map<std::string, std::string> documentsNamed;
 
     [[nodiscard]] bool fits(const Rule& rule, const std::string& placement, const std::string& type) const;
     /// Null when no page has such an item.

@@ -3,6 +3,7 @@
 #include "JSONChecker.h"
 #include "JSONText.h"
 #include "URLText.h"
+#include "VASTReader.h"
 
 #include <algorithm>
 #include <cctype>
@@ -16,7 +17,6 @@ namespace
 {
 
 using Check = std::function<void(const JSONChecker&)>;
-using Checks = std::map<std::string, Check>;
 
 constexpr double largestWhole = 4'294'967'295.0;
 
@@ -34,12 +34,13 @@ public:
         const JSONChecker checker(file);
         [[maybe_unused]] const auto rules = checker.required("rules");
         [[maybe_unused]] const auto advertisement = checker.required("advertisement");
-        checkMembers(checker, {{"about", text},
-                               {"rules", [this](const auto& value) { readRules(value); }},
-                               {"advertisement", [this](const auto& value) { readAdvertisement(value); }},
-                               {"morePages", [this](const auto& value) { readPages(value); }},
-                               {"faults", [this](const auto& value) { readFaults(value); }},
-                               {"rewards", skip}});
+        checker.checkMembers({{"about", text},
+                              {"rules", [this](const auto& value) { readRules(value); }},
+                              {"advertisement", [this](const auto& value) { readAdvertisement(value); }},
+                              {"morePages", [this](const auto& value) { readPages(value); }},
+                              {"vast", [this](const auto& value) { readDocuments(value); }},
+                              {"faults", [this](const auto& value) { readFaults(value); }},
+                              {"rewards", skip}});
         if (const auto rewards = file.find("rewards"); rewards != file.end())
             readRewards(JSONChecker(*rewards, "rewards"));
         return std::move(m_campaign);
@@ -55,24 +56,14 @@ private:
         return [least, most](const JSONChecker& value) { value.numberOrText(least, most); };
     }
 
-    static void checkMembers(const JSONChecker& object, const Checks& checks)
-    {
-        object.eachMember([&](const std::string& key, const JSONChecker& member) {
-            const auto check = checks.find(key);
-            if (check == checks.end())
-                member.failAsUnknownKey();
-            check->second(member);
-        });
-    }
-
     void readRules(const JSONChecker& rules)
     {
         rules.eachElement([this](const JSONChecker& element) {
             Campaign::Rule rule;
             rule.placement = element.required("placement").nonEmptyText();
-            checkMembers(element, {{"placement", text}, {"type", [&rule](const JSONChecker& value) {
-                                                             rule.type = advertisementType(value);
-                                                         }}});
+            element.checkMembers({{"placement", text}, {"type", [&rule](const JSONChecker& value) {
+                                                            rule.type = advertisementType(value);
+                                                        }}});
             m_campaign.rules.push_back(rule);
         });
         if (m_campaign.rules.empty())
@@ -82,8 +73,7 @@ private:
     void readAdvertisement(const JSONChecker& advertisement)
     {
         auto served = advertisement.value();
-        checkMembers(
-            advertisement,
+        advertisement.checkMembers(
             {{"txid", text},
              {"timestamp", text},
              {"validUntil", text},
@@ -103,9 +93,9 @@ private:
     void readPages(const JSONChecker& pages)
     {
         pages.eachElement([this](const JSONChecker& page) {
-            checkMembers(page,
-                         {{"moreAdsUrl", [this](const JSONChecker& value) { checkAddress(value, false); }},
-                          {"ads", [this](const JSONChecker& value) { checkItems(value); }}});
+            page.checkMembers(
+                {{"moreAdsUrl", [this](const JSONChecker& value) { checkAddress(value, false); }},
+                 {"ads", [this](const JSONChecker& value) { checkItems(value); }}});
             m_campaign.morePages.push_back(page.value());
         });
     }
@@ -119,9 +109,15 @@ private:
             if (textAt(*item, "pollingUrl").empty())
                 reward.fail("the item has no \"pollingUrl\"");
             const auto seconds = reward.required("secondsAfterClick").number(0, 86400);
-            checkMembers(reward, {{"secondsAfterClick", skip}});
+            reward.checkMembers({{"secondsAfterClick", skip}});
             m_campaign.rewards[cid] = std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
         });
+    }
+
+    void readDocuments(const JSONChecker& documents)
+    {
+        m_campaign.vast =
+            readVAST(documents, [this](const JSONChecker& value) { checkAddress(value, true); });
     }
 
     void readFaults(const JSONChecker& faults)
@@ -149,8 +145,7 @@ private:
             [[maybe_unused]] const auto read = value.oneOf({"appstore", "content", "email", "call", "sms"});
         };
         const auto button = [](const JSONChecker& value) { checkButton(value); };
-        checkMembers(
-            item,
+        item.checkMembers(
             {{"cid", [](const JSONChecker& value) { [[maybe_unused]] auto cid = value.nonEmptyText(); }},
              {"type", type},
              {"title", text},
@@ -179,16 +174,16 @@ private:
                 {"CLICK_TO_APPSTORE", "CLICK_TO_CONTENT", "CLICK_TO_EMAIL", "CLICK_TO_CALL", "CLICK_TO_SMS"});
         };
         const auto component = number(0, 255);
-        checkMembers(button, {{"actionType", type},
-                              {"text", text},
-                              {"textRed", component},
-                              {"textGreen", component},
-                              {"textBlue", component},
-                              {"backgroundRed", component},
-                              {"backgroundGreen", component},
-                              {"backgroundBlue", component},
-                              {"xPosition", number(0, 1920)},
-                              {"yPosition", number(0, 1080)}});
+        button.checkMembers({{"actionType", type},
+                             {"text", text},
+                             {"textRed", component},
+                             {"textGreen", component},
+                             {"textBlue", component},
+                             {"backgroundRed", component},
+                             {"backgroundGreen", component},
+                             {"backgroundBlue", component},
+                             {"xPosition", number(0, 1920)},
+                             {"yPosition", number(0, 1080)}});
     }
 
     static std::string advertisementType(const JSONChecker& value)
@@ -197,12 +192,14 @@ private:
             {"any", "discovery", "interstitial", "video", "featured", "engagement", "recommendation"});
     }
 
-    void checkAddress(const JSONChecker& value, bool mustExist) const
+    void checkAddress(const JSONChecker& value, bool mustExist)
     {
         const auto address = value.nonEmptyText();
         if (std::any_of(address.begin(), address.end(),
                         [](unsigned char letter) { return letter <= ' ' || letter == 127; }))
             value.fail("must be an address without spaces");
+        if (auto document = documentNamedBy(address))
+            m_campaign.documentsNamed[value.where()] = std::move(*document);
         if (!mustExist || isAbsoluteURL(address) || address.starts_with('/'))
             return;
         if (!std::filesystem::is_regular_file(m_campaign.folder / address))

@@ -28,6 +28,17 @@ void JSONChecker::eachMember(
             check(key, JSONChecker(member, m_where.empty() ? key : m_where + '.' + key));
 }
 
+void JSONChecker::checkMembers(
+    const std::map<std::string, std::function<void(const JSONChecker& member)>>& checks) const
+{
+    eachMember([&](const std::string& key, const JSONChecker& member) {
+        const auto check = checks.find(key);
+        if (check == checks.end())
+            member.failAsUnknownKey();
+        check->second(member);
+    });
+}
+
 void JSONChecker::eachElement(const std::function<void(const JSONChecker& element)>& check) const
 {
     if (!m_value->is_array())

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -20,12 +21,17 @@ public:
 
     [[nodiscard]] const nlohmann::json& value() const { return *m_value; }
 
+    [[nodiscard]] const std::string& where() const { return m_where; }
+
     /// Throws std::invalid_argument "where: reason".
     [[noreturn]] void fail(const std::string& reason) const;
 
     /// Hands each member to `check`; one that is null is passed over. Fails when the value is no object.
     void
     eachMember(const std::function<void(const std::string& key, const JSONChecker& member)>& check) const;
+    /// The same, each member by the check of its key; a key without one fails.
+    void
+    checkMembers(const std::map<std::string, std::function<void(const JSONChecker& member)>>& checks) const;
     /// Fails when the value is no array.
     void eachElement(const std::function<void(const JSONChecker& element)>& check) const;
     /// Fails when the object lacks the key.

@@ -85,6 +85,8 @@ Answer RequestPipeline::ask(const httplib::Request& request, const ClientConnect
         return std::move(*answer);
     if (auto answer = m_stations.ads.answer(asked))
         return std::move(*answer);
+    if (auto answer = m_stations.vast.answer(asked))
+        return std::move(*answer);
     if (auto answer = m_stations.files.answer(asked))
         return std::move(*answer);
     if (auto answer = m_stations.store.answer(asked))

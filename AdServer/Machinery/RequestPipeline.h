@@ -9,6 +9,7 @@
 #include "FileEndpoint.h"
 #include "ServerRequest.h"
 #include "StorePage.h"
+#include "VASTEndpoints.h"
 
 #include <httplib.h>
 
@@ -28,6 +29,7 @@ public:
         ExchangeLog& log;
         ControlEndpoints& control;
         AdEndpoints& ads;
+        VASTEndpoints& vast;
         FileEndpoint& files;
         StorePage& store;
     };

@@ -65,6 +65,30 @@ INSTANTIATE_TEST_SUITE_P(
                       "rewards.a: the item has no \"pollingUrl\""},
         WrongCampaign{"Fault", BESIDES(R"("faults":[{"path":"/a","times":-1}])"),
                       "faults[0]: times: must be a whole number"},
+        WrongCampaign{"FaultThatStallsNowhere", BESIDES(R"("faults":[{"path":"/a","stallFor":1}])"),
+                      "faults[0]: stallFor: needs \"stallBodyAfter\" beside it"},
+        WrongCampaign{"DocumentOfNobody", IN_ITEM(R"("markupUrl":"/vast/film?tx={txid}")"),
+                      "advertisement.ads[0].markupUrl: no campaign has a VAST document \"film\""},
+        WrongCampaign{"WrapperAroundNobody",
+                      BESIDES(R"("vast":{"d":{"ads":[{"id":"a","wraps":"/vast/e/2"}]}})"),
+                      "vast.d.ads[0].wraps: no campaign has a VAST document \"e\""},
+        WrongCampaign{"DocumentName", BESIDES(R"("vast":{"a/b":{"ads":[]}})"),
+                      "vast.a/b: a document's name consists of letters"},
+        WrongCampaign{"DocumentKey", BESIDES(R"("vast":{"d":{"ad":[]}})"), "vast.d.ad: is no key known here"},
+        WrongCampaign{"VASTAdWithoutID", BESIDES(R"("vast":{"d":{"ads":[{}]}})"),
+                      "vast.d.ads[0].id: is missing"},
+        WrongCampaign{"TitleOfAWrapper",
+                      BESIDES(R"("vast":{"d":{"ads":[{"id":"a","title":"T","wraps":"/gone"}]}})"),
+                      "vast.d.ads[0].title: a wrapper has no title"},
+        WrongCampaign{"StepsToNowhere", BESIDES(R"("vast":{"d":{"steps":3,"ads":[{"id":"a"}]}})"),
+                      "vast.d.steps: none of the document's ads wraps"},
+        WrongCampaign{"MissingClip", BESIDES(R"("vast":{"d":{"ads":[{"id":"a","creatives":[{"mediaFiles":[
+                          {"url":"no.mp4","type":"video/mp4"}]}]}]}})"),
+                      "vast.d.ads[0].creatives[0].mediaFiles[0].url: there is no file "},
+        WrongCampaign{"MediaFileWithoutType",
+                      BESIDES(R"("vast":{"d":{"ads":[{"id":"a","creatives":[{"mediaFiles":[
+                          {"url":"/a.mp4"}]}]}]}})"),
+                      "vast.d.ads[0].creatives[0].mediaFiles[0].type: is missing"},
         WrongCampaign{"PageKey", BESIDES(R"("morePages":[{"type":"any"}])"),
                       "morePages[0].type: is no key known here"}),
     [](const auto& row) { return std::string(row.param.name); });
@@ -74,6 +98,34 @@ TEST(Campaigns, AFolderThatIsNotThereStopsTheStart)
     adserver::AdServer server({.plainHTTP = true, .campaignsFolder = "/nowhere/at/all"});
     EXPECT_THROW(server.start(), std::runtime_error);
     EXPECT_THROW(server.addCampaign("x", "{}"), std::invalid_argument);
+}
+
+TEST(Campaigns, NameEachOthersDocumentsButHaveNoneTwice)
+{
+    const virlo::test::TemporaryFolder folder;
+    const auto write = [&](const char* name, const char* documents) {
+        folder.write(name, std::string(R"({"rules":[{"placement":"*"}],"advertisement":{},"vast":)") +
+                               documents + "}");
+    };
+    const auto wraps = R"({"a":{"ads":[{"id":"1","wraps":"/vast/b"}]}})";
+    write("1.json", wraps);
+    write("2.json", R"({"b":{"ads":[{"id":"1","wraps":"/vast/c/1?x"}]}})");
+    write("3.json", R"({"c":{"ads":[]}})");
+    EXPECT_TRUE(adserver::AdServer::checkCampaigns(folder.path()).empty());
+
+    write("4.json", R"({"d":{},"a":{}})");
+    EXPECT_THAT(adserver::AdServer::checkCampaigns(folder.path()),
+                testing::ElementsAre(folder.path("4.json") +
+                                     ": vast.a: another campaign has a document of that name"));
+
+    // What goes takes the documents with it that others need.
+    write("3.json", R"({"c":{"adds":[]}})");
+    write("4.json", R"({"e":{}})");
+    EXPECT_EQ(adserver::AdServer::checkCampaigns(folder.path()).size(), 3U);
+
+    adserver::AdServer server({.plainHTTP = true});
+    const auto text = std::string(R"({"rules":[{"placement":"*"}],"advertisement":{},"vast":)") + wraps + "}";
+    EXPECT_THROW(server.addCampaign("a", text), std::invalid_argument);
 }
 
 TEST(Campaigns, ThoseShippedAreRightAndUseEveryKey)
@@ -93,7 +145,8 @@ TEST(Campaigns, ThoseShippedAreRightAndUseEveryKey)
           "clickUrl",     "clickFallback", "clickTracker",  "backgroundUrl", "screenshots", "currencyAmount",
           "currencyType", "rating",        "reviews",       "markupUrl",     "pollingUrl",  "actionType",
           "text",         "textRed",       "backgroundRed", "xPosition",     "yPosition",   "morePages",
-          "rewards"})
+          "rewards",      "vast",          "steps",         "broken",        "wraps",       "impressions",
+          "sequence",     "duration",      "mediaFiles"})
         EXPECT_THAT(all, testing::HasSubstr('"' + std::string(key) + '"'));
     for (const auto* action :
          {"CLICK_TO_APPSTORE", "CLICK_TO_CONTENT", "CLICK_TO_EMAIL", "CLICK_TO_CALL", "CLICK_TO_SMS"})

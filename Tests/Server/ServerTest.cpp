@@ -57,6 +57,13 @@ httplib::Client ServerTest::makeClient() const
     return client;
 }
 
+void ServerTest::restart()
+{
+    server.stop();
+    server.start();
+    m_client = std::make_unique<httplib::Client>(makeClient());
+}
+
 std::string ServerTest::openSession()
 {
     m_session = post("/app/sess/com.example.game?state=start", "{}").value("sessionId", "");

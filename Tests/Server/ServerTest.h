@@ -26,6 +26,9 @@ protected:
 
     void advance(std::chrono::milliseconds time) { m_time = m_time.load() + time; }
 
+    /// Reads the campaigns anew; the port is another one.
+    void restart();
+
     /// Opens a session; what follows belongs to it.
     std::string openSession();
 
