@@ -27,10 +27,13 @@ target_sources(virlo-platform PRIVATE
   PlistNode.cpp
   PropertyList.cpp
   SerialQueue.cpp
+  SingleByteEncoding.cpp
   StringFormat.cpp
   SystemClock.cpp
   SystemLog.cpp
   Timer.cpp
   UUID.cpp
   WorkerPool.cpp
+  XMLAttributeStore.cpp
+  XMLReader.cpp
 )

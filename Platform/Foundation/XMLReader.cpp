@@ -1,0 +1,204 @@
+#include "XMLReader.h"
+
+#include "SingleByteEncoding.h"
+
+#define XML_DTD // the header shows its limits on expansion only then
+#include <expat.h>
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+namespace virlo
+{
+
+namespace
+{
+// A long token is seen to be too long before it has been copied often.
+constexpr std::size_t slice = std::size_t{128} << 10;
+constexpr float maximumAmplification = 2;
+constexpr unsigned long long freeExpansion = 1ULL << 20;
+} // namespace
+
+struct XMLReader::Callbacks {
+    static XMLReader& of(void* reader) { return *static_cast<XMLReader*>(reader); }
+
+    static void XMLCALL startElement(void* self, const char* name, const char** attributes)
+    {
+        XMLReader& reader = of(self);
+        reader.endCharacters();
+        if (reader.m_error)
+            return;
+        // Of the rest a small document type can give any number to any number of elements.
+        const auto parser = static_cast<XML_Parser>(reader.m_parser.get());
+        attributes[XML_GetSpecifiedAttributeCount(parser)] = nullptr;
+        reader.m_delegate.didStartElement(name, XMLAttributes(attributes));
+    }
+
+    static void XMLCALL endElement(void* self, const char* name)
+    {
+        XMLReader& reader = of(self);
+        reader.endCharacters();
+        if (!reader.m_error)
+            reader.m_delegate.didEndElement(name);
+    }
+
+    static void XMLCALL characters(void* self, const char* text, int length)
+    {
+        XMLReader& reader = of(self);
+        Text& state = reader.m_block != Text::None ? reader.m_block : reader.m_characters;
+        if (state == Text::None) {
+            reader.m_text.clear();
+            state = reader.m_delegate.wantsText() ? Text::Taken : Text::Skipped;
+        }
+        if (state == Text::Taken)
+            reader.takeText({text, static_cast<std::size_t>(length)});
+    }
+
+    static void XMLCALL startBlock(void* self)
+    {
+        XMLReader& reader = of(self);
+        reader.endCharacters();
+        reader.m_text.clear();
+        reader.m_block = reader.m_delegate.wantsText() ? Text::Taken : Text::Skipped;
+    }
+
+    static void XMLCALL endBlock(void* self)
+    {
+        XMLReader& reader = of(self);
+        if (std::exchange(reader.m_block, Text::None) == Text::Taken && !reader.m_error)
+            reader.m_delegate.foundCDATA(reader.m_text);
+    }
+
+    static void XMLCALL comment(void* self, const char*) { of(self).endCharacters(); }
+
+    static void XMLCALL instruction(void* self, const char*, const char*) { of(self).endCharacters(); }
+
+    static void XMLCALL entity(void* self, const char*, int, const char*, int, const char*, const char*,
+                               const char*, const char*)
+    {
+        of(self).countDeclaration();
+    }
+
+    static void XMLCALL attributeList(void* self, const char*, const char*, const char*, const char*, int)
+    {
+        of(self).countDeclaration();
+    }
+
+    static int XMLCALL encoding(void*, const char* name, XML_Encoding* encoding)
+    {
+        const auto table = SingleByteEncoding::table(name);
+        if (!table)
+            return XML_STATUS_ERROR;
+        std::copy(table->begin(), table->end(), encoding->map);
+        return XML_STATUS_OK;
+    }
+};
+
+void XMLReader::ParserDeleter::operator()(void* parser) const
+{
+    XML_ParserFree(static_cast<XML_Parser>(parser));
+}
+
+XMLReader::XMLReader(XMLReaderDelegate& delegate) : m_delegate(delegate), m_parser(XML_ParserCreate(nullptr))
+{
+    if (!m_parser)
+        throw std::bad_alloc();
+    const auto parser = static_cast<XML_Parser>(m_parser.get());
+    XML_SetUserData(parser, this);
+    XML_SetElementHandler(parser, &Callbacks::startElement, &Callbacks::endElement);
+    XML_SetCharacterDataHandler(parser, &Callbacks::characters);
+    XML_SetCdataSectionHandler(parser, &Callbacks::startBlock, &Callbacks::endBlock);
+    XML_SetCommentHandler(parser, &Callbacks::comment);
+    XML_SetProcessingInstructionHandler(parser, &Callbacks::instruction);
+    XML_SetEntityDeclHandler(parser, &Callbacks::entity);
+    XML_SetAttlistDeclHandler(parser, &Callbacks::attributeList);
+    XML_SetUnknownEncodingHandler(parser, &Callbacks::encoding, nullptr);
+    XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser, maximumAmplification);
+    XML_SetBillionLaughsAttackProtectionActivationThreshold(parser, freeExpansion);
+}
+
+XMLReader::~XMLReader() = default;
+
+bool XMLReader::read(std::string_view bytes)
+{
+    while (!bytes.empty() && !m_error) {
+        const std::string_view part = bytes.substr(0, slice);
+        bytes.remove_prefix(part.size());
+        // expat looks at an unfinished token from its beginning each time. Letting it wait until it may have
+        // doubled keeps that linear.
+        if (m_held.size() + part.size() < m_unfinishedToken) {
+            m_held += part;
+        } else if (m_held.empty()) {
+            feed(part, false);
+        } else {
+            m_held += part;
+            feed(m_held, false);
+            m_held.clear();
+        }
+    }
+    return !m_error;
+}
+
+bool XMLReader::finish()
+{
+    return !m_error && feed(std::exchange(m_held, {}), true);
+}
+
+bool XMLReader::feed(std::string_view bytes, bool isFinal)
+{
+    const auto parser = static_cast<XML_Parser>(m_parser.get());
+    const auto status =
+        XML_Parse(parser, bytes.data(), static_cast<int>(bytes.size()), isFinal ? XML_TRUE : XML_FALSE);
+    if (m_error)
+        return false;
+    if (status != XML_STATUS_OK) {
+        const XML_Error code = XML_GetErrorCode(parser);
+        fail(code == XML_ERROR_AMPLIFICATION_LIMIT_BREACH ? expandsTooMuch : notWellFormed,
+             XML_ErrorString(code));
+        return false;
+    }
+    m_fed += bytes.size();
+    // Without a place nothing has gone forward since the last call.
+    if (const XML_Index place = XML_GetCurrentByteIndex(parser); place >= 0)
+        m_unfinishedToken = m_fed - std::min(m_fed, static_cast<std::size_t>(place));
+    else
+        m_unfinishedToken += bytes.size();
+    if (m_unfinishedToken > maximumPiece)
+        fail(pieceTooLong, "a piece of markup is too long");
+    return !m_error;
+}
+
+void XMLReader::fail(ErrorCode code, const std::string& reason)
+{
+    if (m_error)
+        return;
+    const auto parser = static_cast<XML_Parser>(m_parser.get());
+    m_error = Error{errorDomain, code,
+                    JSON{{"Reason", reason},
+                         {"Line", XML_GetCurrentLineNumber(parser)},
+                         {"Column", XML_GetCurrentColumnNumber(parser) + 1}}};
+    XML_StopParser(parser, XML_FALSE); // refused, to no harm, where nothing is being read
+}
+
+void XMLReader::endCharacters()
+{
+    if (std::exchange(m_characters, Text::None) == Text::Taken && !m_error)
+        m_delegate.foundCharacters(m_text);
+}
+
+void XMLReader::takeText(std::string_view text)
+{
+    if (text.size() > maximumPiece - m_text.size())
+        fail(pieceTooLong, "a piece of text is too long");
+    else if (!m_error)
+        m_text += text;
+}
+
+void XMLReader::countDeclaration()
+{
+    if (++m_declarations > maximumDeclarations)
+        fail(tooManyDeclarations, "the document type declares too much");
+}
+
+} // namespace virlo
