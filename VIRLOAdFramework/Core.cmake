@@ -5,6 +5,8 @@ target_include_directories(virlo-core PUBLIC
   "${CMAKE_CURRENT_SOURCE_DIR}/Storage"
   "${CMAKE_CURRENT_SOURCE_DIR}/TrackingManager"
   "${CMAKE_CURRENT_SOURCE_DIR}/Utilities"
+  "${CMAKE_CURRENT_SOURCE_DIR}/Utilities/VAST"
+  "${CMAKE_CURRENT_SOURCE_DIR}/Utilities/VAST/Model"
 )
 target_sources(virlo-core PRIVATE
   VIRLOAdController.cpp
@@ -28,6 +30,19 @@ target_sources(virlo-core PRIVATE
   Storage/VIRLOAppRequestStore.cpp
   TrackingManager/VIRLOTrackingItem.cpp
   TrackingManager/VIRLOTrackingManager.cpp
+  Utilities/VAST/Model/VIRLOVASTAd.cpp
+  Utilities/VAST/Model/VIRLOVASTCreative.cpp
+  Utilities/VAST/Model/VIRLOVASTImpression.cpp
+  Utilities/VAST/Model/VIRLOVASTMediaFile.cpp
+  Utilities/VAST/Model/VIRLOVASTWrapperAd.cpp
+  Utilities/VAST/VIRLOVASTDocumentReader.cpp
+  Utilities/VAST/VIRLOVASTDocumentSession.cpp
+  Utilities/VAST/VIRLOVASTDuration.cpp
+  Utilities/VAST/VIRLOVASTPath.cpp
+  Utilities/VAST/VIRLOVASTTrackingManager.cpp
+  Utilities/VAST/VIRLOVASTWrappedAdMerger.cpp
+  Utilities/VAST/VIRLOVASTXMLParser.cpp
+  Utilities/VIRLOFrameworkBundle.cpp
   Utilities/VIRLOHostText.cpp
   Utilities/VIRLOMimeType.cpp
   Utilities/VIRLOTimestamp.cpp

@@ -3,6 +3,7 @@
 #include "StringFormat.h"
 #include "VIRLOAdServerAPI.h"
 #include "VIRLOConstans.h"
+#include "VIRLOFrameworkBundle.h"
 #include "VIRLOHostText.h"
 
 using virlo::Bundle;
@@ -15,17 +16,6 @@ constexpr const char* versionKey = "CFBundleShortVersionString";
 constexpr const char* platformNameKey = "DTPlatformName";
 constexpr const char* platformVersionKey = "DTPlatformVersion";
 
-/// The library's own bundle, which a host may have registered before.
-Bundle frameworkBundle()
-{
-    if (const auto registered = Bundle::bundleWithIdentifier(VIRLOAdFrameworkBundleIdentifier))
-        return *registered;
-    Bundle::registerBundle(Bundle({{nameKey, VIRLOAdFrameworkName},
-                                   {"CFBundleIdentifier", VIRLOAdFrameworkBundleIdentifier},
-                                   {versionKey, VIRLOAdFrameworkVersion}}));
-    return Bundle::bundleWithIdentifier(VIRLOAdFrameworkBundleIdentifier).value_or(Bundle());
-}
-
 std::string userAgent(const std::optional<std::string>& name, const std::optional<std::string>& version,
                       const Bundle& platform)
 {
@@ -36,7 +26,7 @@ std::string userAgent(const std::optional<std::string>& name, const std::optiona
 
 std::string VIRLOAdServerAPI::generateUserAgent()
 {
-    return generateUserAgentFromBundle(frameworkBundle());
+    return generateUserAgentFromBundle(VIRLOFrameworkBundle::bundle());
 }
 
 std::string VIRLOAdServerAPI::generateUserAgentFromBundle(const Bundle& bundle)
@@ -56,7 +46,7 @@ JSON VIRLOAdServerAPI::deviceDataDictionary()
         if (value && !value->empty())
             data[key] = VIRLOHostText::wellFormed(*value);
     };
-    const Bundle framework = frameworkBundle();
+    const Bundle framework = VIRLOFrameworkBundle::bundle();
     const Bundle main = Bundle::mainBundle();
     const Bundle& app = main.infoDictionary().empty() ? framework : main;
 
