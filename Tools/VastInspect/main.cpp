@@ -1,0 +1,22 @@
+#include "Inspection.h"
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+int main(int count, char** arguments)
+{
+    const auto options = InspectOptions::parse({arguments + 1, arguments + count});
+    if (!options) {
+        std::fputs(InspectOptions::usage, stderr);
+        return 2;
+    }
+    if (options->helps)
+        return std::fputs(InspectOptions::usage, stdout) < 0 ? 1 : 0;
+    const auto outcome = Inspection::run(*options);
+    // Ads may hold text that is no UTF-8 only where the tool's own arguments do.
+    const std::string text =
+        outcome.report.dump(2, ' ', false, AdsReport::JSON::error_handler_t::replace) + '\n';
+    const bool written = std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
+    return outcome.hasError || !written ? 1 : 0;
+}
