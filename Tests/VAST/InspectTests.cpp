@@ -1,0 +1,158 @@
+#include "PassedOver.h"
+#include "ToolRun.h"
+#include "VASTServer.h"
+#include "VASTText.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace virlo::test
+{
+namespace
+{
+
+using nlohmann::json;
+
+class InspectTest : public VASTServer
+{
+};
+
+TEST_F(InspectTest, ShowsAChainMergedOrItsWrapperAsItStands)
+{
+    serve("/end.xml", vast(inlineAd("end", impression("http://end/"))));
+    const std::string outer = vast(wrapperAd("w", url("/end.xml"), impression("http://w/")));
+    serve("/w.xml", outer);
+    folder.write("a w.xml", outer);
+
+    for (const std::string& source : {url("/w.xml"), folder.path("a w.xml")}) {
+        const ToolRun merged({"--timing", source});
+        EXPECT_EQ(merged.exitStatus, 0);
+        const json report = json::parse(merged.output);
+        EXPECT_EQ(report["source"], source);
+        EXPECT_EQ(report["error"], nullptr);
+        ASSERT_EQ(report["ads"].size(), 1U);
+        EXPECT_EQ(report["ads"][0]["class"], "VIRLOVASTAd");
+        EXPECT_EQ(report["ads"][0]["impressions"].size(), 2U);
+        EXPECT_FALSE(report["ads"][0].contains("VASTAdTagURL"));
+        ASSERT_EQ(report["documents"].size(), 2U);
+        EXPECT_EQ(report["documents"][1]["url"], url("/end.xml"));
+        EXPECT_GT(report["documents"][1]["milliseconds"], 0);
+    }
+
+    server.clearExchanges();
+    const ToolRun plain({"--no-merge", folder.path("a w.xml")});
+    EXPECT_EQ(plain.exitStatus, 0);
+    const json ad = json::parse(plain.output)["ads"][0];
+    EXPECT_EQ(ad["class"], "VIRLOVASTWrapperAd");
+    EXPECT_EQ(ad["VASTAdTagURL"], url("/end.xml"));
+    EXPECT_TRUE(server.exchanges().empty());
+}
+
+TEST_F(InspectTest, ReportsErrorsAndExitsWithOne)
+{
+    const ToolRun missing({folder.path("missing.xml")});
+    EXPECT_EQ(missing.exitStatus, 1);
+    const json report = json::parse(missing.output);
+    EXPECT_EQ(report["ads"], nullptr);
+    EXPECT_EQ(report["error"]["domain"], "com.virlohq.error.url");
+    EXPECT_EQ(report["error"]["userInfo"]["Reason"], "No such file or directory");
+
+    EXPECT_EQ(ToolRun({folder.path("")}).exitStatus, 1) << "a folder is no document";
+    EXPECT_EQ(ToolRun({"http://a b/"}).exitStatus, 1);
+
+    // A document may not lead to a file.
+    folder.write("secret.xml", vast(inlineAd("secret", "")));
+    folder.write("w.xml", vast(wrapperAd("w", "file://" + folder.path("secret.xml"))));
+    const ToolRun wrapper({folder.path("w.xml")});
+    EXPECT_EQ(wrapper.exitStatus, 1);
+    EXPECT_EQ(json::parse(wrapper.output)["ads"][0]["type"], "Wrapper");
+}
+
+TEST_F(InspectTest, RefusesAWrongCommandLine)
+{
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+             {}, {"--none", "a.xml"}, {"a.xml", "b.xml"}, {""}, {"--timing"}}) {
+        const ToolRun run(arguments);
+        EXPECT_EQ(run.exitStatus, 2);
+        EXPECT_EQ(run.output, "");
+    }
+    const ToolRun help({"--help"});
+    EXPECT_EQ(help.exitStatus, 0);
+    EXPECT_THAT(help.output, testing::StartsWith("usage: vast-inspect"));
+}
+
+TEST_F(InspectTest, ExplainsEveryDocumentOfAChain)
+{
+    serve("/end.xml", vast(inlineAd("end", "<AdTitle>Plain</AdTitle>")));
+    serve("/w.xml", vast(wrapperAd("w", url("/end.xml"), "<Extensions/>")));
+    const ToolRun run({"--explain", url("/w.xml")});
+    EXPECT_EQ(run.exitStatus, 0);
+    const json documents = json::parse(run.output)["documents"];
+    ASSERT_EQ(documents.size(), 2U);
+    EXPECT_EQ(documents[0]["passedOver"][0]["path"], "VAST/Ad/Wrapper/Extensions");
+    EXPECT_EQ(documents[1]["passedOver"][0]["path"], "VAST/Ad/InLine/AdTitle");
+    EXPECT_FALSE(documents[0].contains("milliseconds"));
+}
+
+struct NoteRow {
+    const char* name;
+    std::string ad; ///< the content of an InLine
+    std::string note;
+};
+
+class ExplainTest : public testing::TestWithParam<NoteRow>
+{
+};
+
+TEST_P(ExplainTest, SaysWhatIsPassedOverAndWhy)
+{
+    const auto notes = PassedOver().notes(vast(inlineAd("1", GetParam().ad)));
+    std::string text;
+    for (const auto& note : notes)
+        text += note.path + ": " + note.reason + "\n";
+    if (GetParam().note.empty())
+        EXPECT_EQ(text, "");
+    else
+        EXPECT_THAT(text, testing::HasSubstr(GetParam().note)) << text;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, ExplainTest,
+    testing::Values(
+        NoteRow{"NothingWhereAllIsRead",
+                "<AdSystem version='1'>S</AdSystem>" + marked("AdTitle", "T") + impression(" http://x/ ") +
+                    creative("AdID='a' sequence='1'", "<Duration>00:00:30</Duration>" +
+                                                          tracking("start", "http://x/") +
+                                                          mediaFile("http://f/")),
+                ""},
+        NoteRow{"TitleInPlainText", "<AdTitle>T</AdTitle>",
+                "VAST/Ad/InLine/AdTitle: the text stands as plain text"},
+        NoteRow{"AddressInPlainText", "<Impression>http://x/</Impression>",
+                "VAST/Ad/InLine/Impression: the text stands as plain text"},
+        NoteRow{"DurationInCDATA", creative("", marked("Duration", "00:00:30")),
+                "VAST/Ad/InLine/Creatives/Creative/Linear/Duration: the text stands in a CDATA section"},
+        NoteRow{"SystemInCDATA", marked("AdSystem", "S"),
+                "VAST/Ad/InLine/AdSystem: the text stands in a CDATA section"},
+        NoteRow{"IdentifierOfAnotherSpelling", creative("adId='a'", ""),
+                "VAST/Ad/InLine/Creatives/Creative@adId: names are compared exactly: this is spelled 'AdID'"},
+        NoteRow{"IdentifierOfAnotherName", creative("id='a'", ""),
+                "VAST/Ad/InLine/Creatives/Creative@id: a creative's identifier is read from 'AdID' only"},
+        NoteRow{"UnknownElement", "<Extensions><Deep/></Extensions>",
+                "VAST/Ad/InLine/Extensions: this element is not read"},
+        NoteRow{"WrongCase", "<impression/>",
+                "VAST/Ad/InLine/impression: names are compared exactly: this is spelled 'Impression'"},
+        NoteRow{"Misplaced", "<MediaFiles/>",
+                "VAST/Ad/InLine/MediaFiles: this element is not read at this place"},
+        NoteRow{"NoURL", impression("http://x/a b"), "VAST/Ad/InLine/Impression: the text makes no URL"},
+        NoteRow{"NoEvent",
+                creative("", "<TrackingEvents>" + marked("Tracking", "http://x/") + "</TrackingEvents>"),
+                "/Tracking: the element has no attribute 'event'"},
+        NoteRow{"NoNumber", creative("sequence='first'", ""),
+                "Creative@sequence: the value is no number and counts 0"},
+        NoteRow{"ShortDuration", creative("", "<Duration>30</Duration>"),
+                "Duration: the length is read as hours, minutes and seconds from the left"}),
+    [](const auto& row) { return row.param.name; });
+
+} // namespace
+} // namespace virlo::test
