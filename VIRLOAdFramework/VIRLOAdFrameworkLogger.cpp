@@ -25,8 +25,12 @@ void VIRLOAdFrameworkLogger::setDebugLevel(std::int64_t level)
     debugLevel = level;
 }
 
-void VIRLOAdFrameworkLogger::log(std::int64_t smallestLevel, std::string message)
+bool VIRLOAdFrameworkLogger::isWritten(std::int64_t smallestLevel)
 {
-    if (debugLevel >= smallestLevel)
-        logQueue().async([message = std::move(message)] { virlo::systemLog(message); });
+    return debugLevel >= smallestLevel;
+}
+
+void VIRLOAdFrameworkLogger::log(std::string message)
+{
+    logQueue().async([message = std::move(message)] { virlo::systemLog(message); });
 }

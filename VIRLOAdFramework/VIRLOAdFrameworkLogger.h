@@ -27,27 +27,32 @@ public:
     template <typename... Arguments>
     static void logErrorWithFormat(std::string_view pattern, const Arguments&... arguments)
     {
-        log(1, virlo::format(pattern, arguments...));
+        if (isWritten(1))
+            log(virlo::format(pattern, arguments...));
     }
 
     template <typename... Arguments>
     static void logWarningWithFormat(std::string_view pattern, const Arguments&... arguments)
     {
-        log(2, virlo::format(pattern, arguments...));
+        if (isWritten(2))
+            log(virlo::format(pattern, arguments...));
     }
 
     template <typename... Arguments>
     static void logNoticeWithFormat(std::string_view pattern, const Arguments&... arguments)
     {
-        log(3, virlo::format(pattern, arguments...));
+        if (isWritten(3))
+            log(virlo::format(pattern, arguments...));
     }
 
     template <typename... Arguments>
     static void logInfoWithFormat(std::string_view pattern, const Arguments&... arguments)
     {
-        log(4, virlo::format(pattern, arguments...));
+        if (isWritten(4))
+            log(virlo::format(pattern, arguments...));
     }
 
 private:
-    static void log(std::int64_t smallestLevel, std::string message);
+    [[nodiscard]] static bool isWritten(std::int64_t smallestLevel);
+    static void log(std::string message);
 };
