@@ -3,6 +3,7 @@
 #include "XMLAttributes.h"
 
 #include <initializer_list>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,19 +16,22 @@ namespace virlo
 class XMLAttributeStore
 {
 public:
-    XMLAttributeStore() { assign({}); }
-
+    XMLAttributeStore();
     XMLAttributeStore(std::initializer_list<std::pair<const char*, const char*>> attributes);
     XMLAttributeStore(const XMLAttributeStore&) = delete;
     XMLAttributeStore& operator=(const XMLAttributeStore&) = delete;
 
     void assign(const XMLAttributes& attributes);
+    /// Only those of the names given, which must outlive this store.
+    void assign(const XMLAttributes& attributes, std::span<const char* const> names);
 
     /// Holds until the next `assign`.
     [[nodiscard]] XMLAttributes attributes() const { return XMLAttributes(m_pairs.data()); }
 
 private:
-    std::string m_text;
+    void pointIntoText();
+
+    std::string m_text; ///< what `m_pairs` points to, in its order, each text closed by a null
     std::vector<const char*> m_pairs;
 };
 

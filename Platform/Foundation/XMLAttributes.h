@@ -20,7 +20,8 @@ public:
     [[nodiscard]] std::optional<std::string_view> value(const char* name) const
     {
         for (const char* const* pair = m_pairs; *pair != nullptr; pair += 2) {
-            if (std::strcmp(pair[0], name) == 0)
+            // Most names differ in their first letter.
+            if (*pair[0] == *name && std::strcmp(pair[0], name) == 0)
                 return pair[1];
         }
         return std::nullopt;

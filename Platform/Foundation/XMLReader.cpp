@@ -6,7 +6,10 @@
 #include <expat.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cstdint>
 #include <new>
+#include <random>
 #include <utility>
 
 namespace virlo
@@ -14,10 +17,26 @@ namespace virlo
 
 namespace
 {
-// A long token is seen to be too long before it has been copied often.
-constexpr std::size_t slice = std::size_t{128} << 10;
+// expat takes twice as much room for what is left of a piece. So little stays near the processor, and a long
+// token is seen to be too long before it has been copied often.
+constexpr std::size_t slice = std::size_t{32} << 10;
 constexpr float maximumAmplification = 2;
 constexpr unsigned long long freeExpansion = 1ULL << 20;
+constexpr std::size_t commonText = 512;
+
+/// Keys the parser's tables so that no document can foresee them. The system is asked once for the process:
+/// asking costs as much as making a parser.
+unsigned long newSalt()
+{
+    static std::atomic<std::uint64_t> state = [] {
+        std::random_device random;
+        return std::uint64_t{random()} << 32 | random();
+    }();
+    std::uint64_t salt = state.fetch_add(0x9E3779B97F4A7C15) + 0x9E3779B97F4A7C15;
+    salt = (salt ^ (salt >> 30)) * 0xBF58476D1CE4E5B9;
+    salt = (salt ^ (salt >> 27)) * 0x94D049BB133111EB;
+    return static_cast<unsigned long>(salt ^ (salt >> 31)) | 1; // to expat 0 means none
+}
 } // namespace
 
 struct XMLReader::Callbacks {
@@ -33,40 +52,43 @@ struct XMLReader::Callbacks {
         const auto parser = static_cast<XML_Parser>(reader.m_parser.get());
         attributes[XML_GetSpecifiedAttributeCount(parser)] = nullptr;
         reader.m_delegate.didStartElement(name, XMLAttributes(attributes));
+        reader.listen();
     }
 
-    static void XMLCALL endElement(void* self, const char* name)
+    static void XMLCALL endElement(void* self, const char*)
     {
         XMLReader& reader = of(self);
         reader.endCharacters();
-        if (!reader.m_error)
-            reader.m_delegate.didEndElement(name);
+        if (reader.m_error)
+            return;
+        reader.m_delegate.didEndElement();
+        reader.listen();
     }
 
     static void XMLCALL characters(void* self, const char* text, int length)
     {
         XMLReader& reader = of(self);
-        Text& state = reader.m_block != Text::None ? reader.m_block : reader.m_characters;
-        if (state == Text::None) {
+        if (reader.m_taken == Text::None) {
             reader.m_text.clear();
-            state = reader.m_delegate.wantsText() ? Text::Taken : Text::Skipped;
+            reader.m_taken = Text::Characters;
         }
-        if (state == Text::Taken)
-            reader.takeText({text, static_cast<std::size_t>(length)});
+        reader.takeText({text, static_cast<std::size_t>(length)});
     }
 
     static void XMLCALL startBlock(void* self)
     {
         XMLReader& reader = of(self);
         reader.endCharacters();
+        if (!reader.m_isTextWanted)
+            return;
         reader.m_text.clear();
-        reader.m_block = reader.m_delegate.wantsText() ? Text::Taken : Text::Skipped;
+        reader.m_taken = Text::Block;
     }
 
     static void XMLCALL endBlock(void* self)
     {
         XMLReader& reader = of(self);
-        if (std::exchange(reader.m_block, Text::None) == Text::Taken && !reader.m_error)
+        if (std::exchange(reader.m_taken, Text::None) == Text::Block && !reader.m_error)
             reader.m_delegate.foundCDATA(reader.m_text);
     }
 
@@ -105,9 +127,10 @@ XMLReader::XMLReader(XMLReaderDelegate& delegate) : m_delegate(delegate), m_pars
     if (!m_parser)
         throw std::bad_alloc();
     const auto parser = static_cast<XML_Parser>(m_parser.get());
+    m_text.reserve(commonText);
+    XML_SetHashSalt(parser, newSalt());
     XML_SetUserData(parser, this);
     XML_SetElementHandler(parser, &Callbacks::startElement, &Callbacks::endElement);
-    XML_SetCharacterDataHandler(parser, &Callbacks::characters);
     XML_SetCdataSectionHandler(parser, &Callbacks::startBlock, &Callbacks::endBlock);
     XML_SetCommentHandler(parser, &Callbacks::comment);
     XML_SetProcessingInstructionHandler(parser, &Callbacks::instruction);
@@ -183,8 +206,20 @@ void XMLReader::fail(ErrorCode code, const std::string& reason)
 
 void XMLReader::endCharacters()
 {
-    if (std::exchange(m_characters, Text::None) == Text::Taken && !m_error)
+    if (m_taken != Text::Characters)
+        return;
+    m_taken = Text::None;
+    if (!m_error)
         m_delegate.foundCharacters(m_text);
+}
+
+// expat calls for every line of text: where nobody wants it, it had better not.
+void XMLReader::listen()
+{
+    const bool wants = m_delegate.wantsText();
+    if (std::exchange(m_isTextWanted, wants) != wants)
+        XML_SetCharacterDataHandler(static_cast<XML_Parser>(m_parser.get()),
+                                    wants ? &Callbacks::characters : nullptr);
 }
 
 void XMLReader::takeText(std::string_view text)

@@ -60,10 +60,11 @@ private:
     struct ParserDeleter {
         void operator()(void* parser) const;
     };
-    enum class Text { None, Skipped, Taken };
+    enum class Text { None, Characters, Block };
 
     bool feed(std::string_view bytes, bool isFinal);
     void endCharacters();
+    void listen();
     void takeText(std::string_view text);
     void countDeclaration();
 
@@ -76,8 +77,8 @@ private:
     std::size_t m_unfinishedToken = 0;
 
     std::string m_text;
-    Text m_characters = Text::None;
-    Text m_block = Text::None;
+    Text m_taken = Text::None;
+    bool m_isTextWanted = false;
     int m_declarations = 0;
 };
 

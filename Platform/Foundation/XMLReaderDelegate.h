@@ -15,9 +15,11 @@ public:
     virtual ~XMLReaderDelegate() = default;
 
     virtual void didStartElement(std::string_view name, const XMLAttributes& attributes) = 0;
-    virtual void didEndElement(std::string_view name) = 0;
+    /// Of the element that was started last and has not ended.
+    virtual void didEndElement() = 0;
 
-    /// Asked at the beginning of each piece of text. Text that is not wanted costs no memory, however long.
+    /// Whether the text that follows is wanted: asked after each start and end of an element. Text that is
+    /// not wanted costs no memory, however long.
     [[nodiscard]] virtual bool wantsText() const = 0;
     /// One whole CDATA block, also an empty one.
     virtual void foundCDATA(std::string_view block) = 0;

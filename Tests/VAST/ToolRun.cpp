@@ -29,6 +29,9 @@ void ToolRun::run(const std::vector<std::string>& arguments)
         pointers.push_back(const_cast<char*>(argument.c_str()));
     pointers.push_back(nullptr);
 
+#if defined(__SANITIZE_THREAD__)
+    ::setenv("TSAN_OPTIONS", "atexit_sleep_ms=0", 1);
+#endif
     int ends[2];
     ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
     posix_spawn_file_actions_t actions;

@@ -127,7 +127,8 @@ TEST_F(TrackingServerTest, SendsItsPingsAndLetsThemFinishWhenItGoes)
     VIRLOVASTTrackingManager::initSingleton()->reportAtURL(*URL::fromString(url("/long")));
     ASSERT_TRUE(URLSession::drain(Seconds(10)));
     ASSERT_EQ(asked("/ping"), 1U);
-    EXPECT_EQ(asked("/long"), 1U);
+    // Nobody reads its answer to the end, so it is noted when the server has given up.
+    EXPECT_TRUE(server.waitForExchanges("GET", "/long", 1, 10s));
     for (const auto& exchange : server.exchanges()) {
         EXPECT_EQ(exchange.method, "GET");
         EXPECT_EQ(exchange.headers.at("accept"), "application/json");

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace virlo::test
 {
@@ -17,13 +18,18 @@ class Listener : public XMLReaderDelegate
 public:
     void didStartElement(std::string_view name, const XMLAttributes& attributes) override
     {
+        m_open.emplace_back(name);
         heard += "<" + std::string(name);
         for (const char* const* pair = attributes.pairs(); *pair != nullptr; pair += 2)
             heard += std::string(" ") + pair[0] + "=" + pair[1];
         heard += ">";
     }
 
-    void didEndElement(std::string_view name) override { heard += "</" + std::string(name) + ">"; }
+    void didEndElement() override
+    {
+        heard += "</" + m_open.back() + ">";
+        m_open.pop_back();
+    }
 
     bool wantsText() const override { return wants; }
 
@@ -33,6 +39,9 @@ public:
 
     bool wants = true;
     std::string heard;
+
+private:
+    std::vector<std::string> m_open;
 };
 
 struct Reading {

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <initializer_list>
 #include <utility>
 
 namespace
@@ -24,31 +23,6 @@ bool isSameButForCase(std::string_view one, std::string_view other)
         };
         return lower(left) == lower(right);
     });
-}
-
-std::initializer_list<const char*> attributesOf(Node node)
-{
-    static constexpr std::initializer_list<const char*> none{};
-    static constexpr std::initializer_list<const char*> identifier{"id"};
-    static constexpr std::initializer_list<const char*> creative{"AdID", "sequence"};
-    static constexpr std::initializer_list<const char*> system{"version"};
-    static constexpr std::initializer_list<const char*> tracking{"event"};
-    static constexpr std::initializer_list<const char*> mediaFile{"type", "delivery", "width", "height"};
-    switch (node) {
-    case Node::Ad:
-    case Node::Impression:
-        return identifier;
-    case Node::Creative:
-        return creative;
-    case Node::AdSystem:
-        return system;
-    case Node::Tracking:
-        return tracking;
-    case Node::MediaFile:
-        return mediaFile;
-    default:
-        return none;
-    }
 }
 
 bool isNumber(const std::string& attribute)
@@ -90,7 +64,7 @@ void PassedOver::didStartElement(std::string_view name, const virlo::XMLAttribut
         noteAttributes(node, attributes);
 }
 
-void PassedOver::didEndElement(std::string_view)
+void PassedOver::didEndElement()
 {
     if (m_path.current() == Node::Creative && m_path.isInWrapper() && !m_hasDuration)
         note("a wrapper's creative without a Duration makes the length 0 of the creative that it is merged "
@@ -139,7 +113,7 @@ void PassedOver::noteUnknown(std::string_view name)
 
 void PassedOver::noteAttributes(Node node, const virlo::XMLAttributes& attributes)
 {
-    const auto expected = attributesOf(node);
+    const auto expected = VIRLOVASTPath::attributes(node);
     for (const char* const* pair = attributes.pairs(); *pair != nullptr; pair += 2) {
         const std::string name = pair[0];
         for (const char* const known : expected) {

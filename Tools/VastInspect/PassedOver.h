@@ -30,7 +30,7 @@ private:
     using Node = VIRLOVASTPath::Node;
 
     void didStartElement(std::string_view name, const virlo::XMLAttributes& attributes) override;
-    void didEndElement(std::string_view name) override;
+    void didEndElement() override;
     [[nodiscard]] bool wantsText() const override;
     void foundCDATA(std::string_view block) override;
     void foundCharacters(std::string_view text) override;

@@ -42,7 +42,7 @@ void VIRLOVASTDocumentReader::didStartElement(std::string_view name, const virlo
     }
     // Text after a child is given the child's attributes: those of the parent do not come back.
     if (takesText(m_xmlNodeTree.innermostKnown()))
-        m_currentNodeProperties.assign(attributes);
+        m_currentNodeProperties.assign(attributes, VIRLOVASTPath::attributes(m_xmlNodeTree.innermostKnown()));
 }
 
 void VIRLOVASTDocumentReader::startContent()
@@ -51,7 +51,7 @@ void VIRLOVASTDocumentReader::startContent()
         m_advertisements.back() = VIRLOVASTWrapperAd::initWithAd(lastAd());
 }
 
-void VIRLOVASTDocumentReader::didEndElement(std::string_view)
+void VIRLOVASTDocumentReader::didEndElement()
 {
     m_xmlNodeTree.end();
 }
@@ -113,9 +113,9 @@ void VIRLOVASTDocumentReader::addTracking(std::string_view text)
     auto url = URL::fromString(text);
     if (!event || !url)
         return;
-    auto urls = events->find(*event);
-    if (urls == events->end())
-        urls = events->try_emplace(std::string(*event)).first;
+    auto urls = events->lower_bound(*event);
+    if (urls == events->end() || urls->first != *event)
+        urls = events->try_emplace(urls, std::string(*event));
     urls->second.insert(std::move(*url));
     countRecord();
 }

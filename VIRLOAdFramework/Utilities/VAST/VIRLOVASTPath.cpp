@@ -80,3 +80,27 @@ bool VIRLOVASTPath::takesCharacters(Node node)
 {
     return node == Node::AdSystem || node == Node::Duration;
 }
+
+std::span<const char* const> VIRLOVASTPath::attributes(Node node)
+{
+    static constexpr const char* named[] = {"id"};
+    static constexpr const char* creative[] = {"AdID", "sequence"};
+    static constexpr const char* system[] = {"version"};
+    static constexpr const char* tracking[] = {"event"};
+    static constexpr const char* mediaFile[] = {"type", "delivery", "width", "height"};
+    switch (node) {
+    case Node::Ad:
+    case Node::Impression:
+        return named;
+    case Node::Creative:
+        return creative;
+    case Node::AdSystem:
+        return system;
+    case Node::Tracking:
+        return tracking;
+    case Node::MediaFile:
+        return mediaFile;
+    default:
+        return {};
+    }
+}

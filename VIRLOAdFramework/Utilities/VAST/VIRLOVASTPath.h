@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <span>
 #include <string_view>
 
 /// Where a reader stands in a VAST document, and what an element means there. Elements are known by their
@@ -48,6 +49,9 @@ public:
     [[nodiscard]] static bool takesCDATA(Node node);
     /// The ad system and the duration.
     [[nodiscard]] static bool takesCharacters(Node node);
+
+    /// The attributes that are read of an element.
+    [[nodiscard]] static std::span<const char* const> attributes(Node node);
 
 private:
     [[nodiscard]] Node child(std::string_view name) const;
