@@ -13,6 +13,9 @@ constexpr std::array all{
     Benchmark{"images", benchImages},
     Benchmark{"host-process", benchHostProcess},
     Benchmark{"core-memory", benchCoreMemory},
+    Benchmark{"vast-reading", benchVASTReading},
+    Benchmark{"vast-network", benchVASTNetwork},
+    Benchmark{"vast-inspect", benchVASTInspect},
 };
 
 } // namespace

@@ -20,3 +20,6 @@ void benchScreen(Results& results);
 void benchImages(Results& results);
 void benchHostProcess(Results& results);
 void benchCoreMemory(Results& results);
+void benchVASTReading(Results& results);
+void benchVASTNetwork(Results& results);
+void benchVASTInspect(Results& results);
