@@ -21,7 +21,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LES
   # This compiler takes joining two strings for overlapping copies.
   add_compile_options(-Wno-restrict)
 endif()
-if(CMAKE_UNITY_BUILD)
+if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   # Where sources are read together, their anonymous namespaces stand in included files.
   add_compile_options(-Wno-subobject-linkage)
 endif()
