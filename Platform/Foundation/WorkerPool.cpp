@@ -41,15 +41,21 @@ void WorkerPool::submit(Level level, std::function<void()> work)
         m_waiting[static_cast<std::size_t>(level)].push_back(std::move(work));
         return;
     }
-    ++m_running[static_cast<std::size_t>(level)];
     if (!m_idle.empty()) {
         Worker& worker = *m_idle.back();
         m_idle.pop_back();
-        worker.task = {level, std::move(work)};
+        if (isWorker) {
+            // A worker that is about to end its own piece gets there before another one has woken up.
+            m_waiting[static_cast<std::size_t>(level)].push_back(std::move(work));
+        } else {
+            ++m_running[static_cast<std::size_t>(level)];
+            worker.task = {level, std::move(work)};
+        }
         worker.assigned = true;
         worker.wake.notify_one(); // under the lock: the worker lives on its thread's stack
         return;
     }
+    ++m_running[static_cast<std::size_t>(level)];
     ++m_threads;
     lock.unlock();
     startWorker({level, std::move(work)});
@@ -78,7 +84,8 @@ void WorkerPool::runWorker(Task task)
         self.task.work = nullptr;
         lock.lock();
         finishLocked(self.task.level);
-        if (!takeNext(self.task)) {
+        // Woken without a piece of its own, it finds one waiting, or that somebody was quicker.
+        while (!self.task.work && !takeNext(self.task)) {
             self.assigned = false;
             m_idle.push_back(&self);
             self.wake.wait_for(lock, idleLife, [&self] { return self.assigned; });
