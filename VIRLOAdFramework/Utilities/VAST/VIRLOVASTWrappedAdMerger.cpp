@@ -41,13 +41,14 @@ void VIRLOVASTWrappedAdMerger::retrieveAndMergeWithCompletion(Completion complet
     const auto wrapper = m_wrapperAd.lock();
     const auto parser = VIRLOVASTXMLParser::initWithVASTURLSession(
         wrapper ? wrapper->VASTAdTagURL() : std::nullopt, m_session);
-    parser->setCompletionHandler([self = shared_from_this(), completion = std::move(completion)](
-                                     std::optional<Advertisements> ads, const virlo::OptionalError& error) {
-        if (error)
-            completion(nullptr, error);
-        else
-            completion(self->mergeAdvertisements(ads.value_or(Advertisements())), std::nullopt);
-    });
+    parser->setCompletionHandler(
+        [self = shared_from_this(), completion = std::move(completion)](
+            const std::optional<Advertisements>& ads, const virlo::OptionalError& error) {
+            if (error)
+                completion(nullptr, error);
+            else
+                completion(self->mergeAdvertisements(ads.value_or(Advertisements())), std::nullopt);
+        });
     parser->parse();
 }
 
