@@ -6,6 +6,7 @@
 #include "VIRLOTimerButton.h"
 
 #include <array>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -49,6 +50,8 @@ Footprint footprint(HostWindow& window)
     settleAll();
     static_cast<void>(window.picture()); // a frame lets go of what left the scene
     settleAll();
+    std::this_thread::sleep_for(
+        std::chrono::milliseconds(1200)); // the last picture's memory waits for another
     malloc_trim(0);
     Footprint now{0, entries("/proc/self/task"), entries("/proc/self/fd")};
     std::ifstream rollup("/proc/self/smaps_rollup");
