@@ -31,7 +31,7 @@ std::optional<std::array<int, 256>> table(const std::string& name)
     if (!isKnown(name))
         return std::nullopt;
     const iconv_t converter = ::iconv_open("UTF-32LE", name.c_str());
-    if (converter == iconv_t(-1))
+    if (converter == iconv_t(-1)) // NOLINT(performance-no-int-to-ptr): the library's own sign of failure
         return std::nullopt;
     std::array<int, 256> characters{};
     for (int byte = 0; byte < 256; ++byte) {

@@ -38,7 +38,7 @@ public:
     appendingQueryItems(const std::vector<std::pair<std::string, std::string>>& items) const;
 
     friend bool operator==(const URL&, const URL&) = default;
-    friend auto operator<=>(const URL&, const URL&) = default;
+    friend auto operator<=>(const URL&, const URL&) = default; // NOLINT(modernize-use-nullptr): names none
 
 private:
     explicit URL(std::string text);
