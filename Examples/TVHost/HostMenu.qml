@@ -75,14 +75,16 @@ Rectangle {
             highlightMoveDuration: 0
             model: menu.game.tiles
             delegate: Tile {
+                id: tile
+
                 required property var modelData
                 required property int index
 
-                title: modelData.title
-                hint: modelData.hint
-                tint: modelData.tint
-                focus: index === 0
-                onChosen: menu.game.choose(modelData.placement)
+                title: tile.modelData.title
+                hint: tile.modelData.hint
+                tint: tile.modelData.tint
+                focus: tile.index === 0
+                onChosen: menu.game.choose(tile.modelData.placement) // qmllint disable unqualified
             }
         }
 
