@@ -1,0 +1,35 @@
+#pragma once
+
+#include "VideoFrame.h"
+
+#include <functional>
+#include <memory>
+#include <mutex>
+
+namespace virlo
+{
+
+/// Between the decoder's thread, which puts pictures in, and whoever shows them: it keeps the newest alone.
+/// Any thread.
+class FrameStore
+{
+public:
+    explicit FrameStore(std::function<void()> arrived) : m_arrived(std::move(arrived)) {}
+
+    void put(std::shared_ptr<const VideoFrame> frame);
+    [[nodiscard]] std::shared_ptr<const VideoFrame> take();
+    void setLate(long late);
+    [[nodiscard]] VideoFrameCounts counts() const;
+    /// Lets go of the picture and takes no more.
+    void close();
+
+private:
+    const std::function<void()> m_arrived;
+    mutable std::mutex m_mutex;
+    std::shared_ptr<const VideoFrame> m_newest;
+    VideoFrameCounts m_counts;
+    bool m_taken = true;
+    bool m_closed = false;
+};
+
+} // namespace virlo

@@ -1,0 +1,75 @@
+#include "MediaRuntime.h"
+
+#include "PlaybackThread.h"
+
+#include <gst/gst.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace virlo
+{
+
+MediaRuntime& MediaRuntime::shared()
+{
+    static auto* const runtime = new MediaRuntime;
+    return *runtime;
+}
+
+std::string MediaRuntime::prepare()
+{
+    std::call_once(m_once, [this] {
+        GError* error = nullptr;
+        if (gst_init_check(nullptr, nullptr, &error) == FALSE)
+            m_failure = error != nullptr ? error->message : "GStreamer cannot be set up";
+        g_clear_error(&error);
+    });
+    return m_failure;
+}
+
+bool MediaRuntime::enter(const std::shared_ptr<PlaybackThread>& thread)
+{
+    static const bool registered = std::atexit([] { shared().halt(); }) == 0;
+    (void)registered;
+    const std::lock_guard lock(m_mutex);
+    if (m_ended)
+        return false;
+    m_threads.push_back(thread);
+    return true;
+}
+
+void MediaRuntime::leave(const PlaybackThread& thread)
+{
+    std::shared_ptr<PlaybackThread> left; // goes without the lock
+    const std::lock_guard lock(m_mutex);
+    const auto found = std::find_if(m_threads.begin(), m_threads.end(),
+                                    [&](const auto& one) { return one.get() == &thread; });
+    if (found != m_threads.end()) {
+        left = std::move(*found);
+        m_threads.erase(found);
+    }
+    m_left.notify_all();
+}
+
+bool MediaRuntime::drain(Seconds limit)
+{
+    std::unique_lock lock(m_mutex);
+    return m_left.wait_for(lock, limit, [this] {
+        return std::none_of(m_threads.begin(), m_threads.end(),
+                            [](const auto& thread) { return thread->isClosed(); });
+    });
+}
+
+void MediaRuntime::halt()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_ended = true;
+        for (const auto& thread : m_threads)
+            thread->close();
+    }
+    // A server that hangs, or a sound device, can hold a thread up longer: the process's end does not wait.
+    static_cast<void>(drain(Seconds(1)));
+}
+
+} // namespace virlo

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Clock.h"
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace virlo
+{
+
+class PlaybackThread;
+
+/// GStreamer in this process: set up with the first clip, and stopped before the process's statics go, since
+/// the libraries that decode and decrypt tear their own down then. The one instance is never destroyed. Any
+/// thread.
+class MediaRuntime
+{
+public:
+    [[nodiscard]] static MediaRuntime& shared();
+
+    /// Sets GStreamer up; takes some tens of milliseconds at the first call of a process, and seconds at the
+    /// first on a device, which looks through its plug-ins. Never on the main thread. What is wrong, or
+    /// empty.
+    [[nodiscard]] std::string prepare();
+
+    /// False once the process ends: the thread must not start.
+    [[nodiscard]] bool enter(const std::shared_ptr<PlaybackThread>& thread);
+    void leave(const PlaybackThread& thread);
+
+    /// Waits until no thread is on its way out, at most `limit`.
+    bool drain(Seconds limit);
+
+private:
+    MediaRuntime() = default;
+    void halt();
+
+    std::once_flag m_once;
+    std::string m_failure;
+    std::mutex m_mutex;
+    std::condition_variable m_left;
+    std::vector<std::shared_ptr<PlaybackThread>> m_threads;
+    bool m_ended = false;
+};
+
+} // namespace virlo

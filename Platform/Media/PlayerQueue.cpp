@@ -1,0 +1,400 @@
+#include "PlayerQueue.h"
+
+#include "MainLoop.h"
+#include "NotificationCenter.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace virlo
+{
+
+namespace
+{
+
+/// So long before its end an item's successor is loaded at the latest, though its own transfer may still go
+/// on.
+constexpr Seconds headStart{10};
+
+bool isOver(const PlaybackFacts& facts)
+{
+    return facts.phase == PlaybackFacts::Phase::Ended || facts.phase == PlaybackFacts::Phase::Failed;
+}
+
+QueuePlayer::Value valueOf(std::optional<bool> flag)
+{
+    return flag ? QueuePlayer::Value(*flag) : QueuePlayer::Value();
+}
+
+QueuePlayer::Value valueOf(const std::shared_ptr<PlayerItem>& item)
+{
+    return item ? QueuePlayer::Value(item) : QueuePlayer::Value();
+}
+
+template <typename T>
+std::vector<std::shared_ptr<T>> living(std::vector<std::weak_ptr<T>>& observers)
+{
+    std::vector<std::shared_ptr<T>> result;
+    observers.erase(std::remove_if(observers.begin(), observers.end(),
+                                   [&](const auto& weak) {
+                                       auto observer = weak.lock();
+                                       if (!observer)
+                                           return true;
+                                       result.push_back(std::move(observer));
+                                       return false;
+                                   }),
+                    observers.end());
+    return result;
+}
+
+} // namespace
+
+PlayerQueue::PlayerQueue(Items items)
+    : m_madeWith(std::make_shared<const Items>(std::move(items)))
+    , m_items(m_madeWith->begin(), m_madeWith->end())
+{
+}
+
+void PlayerQueue::schedule()
+{
+    if (m_scheduled.exchange(true))
+        return;
+    MainLoop::shared().post([weak = weak_from_this()] {
+        if (const auto self = weak.lock())
+            self->step();
+    });
+}
+
+void PlayerQueue::close()
+{
+    std::vector<Playback> released;
+    std::vector<Preroll> prerolls;
+    std::vector<Event> events;
+    const std::lock_guard lock(m_mutex);
+    m_closed = true;
+    for (const auto& item : m_items)
+        released.push_back(item->retire());
+    m_timeObservers.removeAll();
+    prerolls.swap(m_prerolls);
+    events.swap(m_events);
+}
+
+void PlayerQueue::setRate(double rate)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        setRateLocked(rate == 0 ? 0 : 1);
+    }
+    schedule();
+}
+
+void PlayerQueue::setRateLocked(double rate)
+{
+    const double before = std::exchange(m_rate, rate);
+    if (before != rate)
+        noteChange(QueuePlayer::rateKeyPath, before, rate);
+}
+
+void PlayerQueue::setMuted(bool muted)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        if (std::exchange(m_muted, muted) == muted)
+            return;
+        noteChange(QueuePlayer::mutedKeyPath, !muted, muted);
+        for (const auto& item : m_items) {
+            if (const auto playback = item->playback())
+                playback->setMuted(muted);
+        }
+    }
+    schedule();
+}
+
+void PlayerQueue::remove(std::size_t count)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        while (count-- > 0 && !m_items.empty())
+            leave();
+    }
+    schedule();
+}
+
+void PlayerQueue::preroll(std::function<void(bool)> completion)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_prerolls.push_back({std::move(completion), m_items.empty() ? nullptr : m_items.front()});
+    }
+    schedule();
+}
+
+void PlayerQueue::cancelPendingPrerolls()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        for (Preroll& preroll : std::exchange(m_prerolls, {}))
+            m_events.emplace_back([completion = std::move(preroll.completion)] { completion(false); });
+    }
+    schedule();
+}
+
+std::shared_ptr<PlayerItem> PlayerQueue::currentItem() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_items.empty() ? nullptr : m_items.front();
+}
+
+std::shared_ptr<const PlayerQueue::Items> PlayerQueue::items() const
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_items.size() == m_madeWith->size())
+        return m_madeWith;
+    return std::make_shared<const Items>(m_items.begin(), m_items.end());
+}
+
+double PlayerQueue::rate() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_rate;
+}
+
+bool PlayerQueue::isMuted() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_muted;
+}
+
+std::shared_ptr<MediaPlayback> PlayerQueue::playbackOf(const PlayerItem& item) const
+{
+    return item.playback();
+}
+
+// Observers
+
+std::shared_ptr<void> PlayerQueue::addObserver(std::string keyPath, QueuePlayer::Observer observer)
+{
+    auto added = std::make_shared<KeyPathObserver>(KeyPathObserver{std::move(keyPath), std::move(observer)});
+    const std::lock_guard lock(m_mutex);
+    m_observers.push_back(added);
+    return added;
+}
+
+std::shared_ptr<void> PlayerQueue::addTimeObserver(Seconds interval, std::shared_ptr<SerialQueue> queue,
+                                                   PlayerTimeObservers::Block block)
+{
+    std::shared_ptr<void> token;
+    {
+        const std::lock_guard lock(m_mutex);
+        const Seconds now = m_items.empty() ? Seconds(0) : m_items.front()->currentTime();
+        token = m_timeObservers.add(interval, std::move(queue), std::move(block), now);
+    }
+    schedule();
+    return token;
+}
+
+void PlayerQueue::removeTimeObserver(const std::shared_ptr<void>& token)
+{
+    const std::lock_guard lock(m_mutex);
+    m_timeObservers.remove(token);
+}
+
+std::shared_ptr<void> PlayerQueue::addFrameObserver(std::function<void()> arrived)
+{
+    auto added = std::make_shared<std::function<void()>>(std::move(arrived));
+    const std::lock_guard lock(m_mutex);
+    m_frameObservers.push_back(added);
+    return added;
+}
+
+void PlayerQueue::frameArrived()
+{
+    if (m_frameScheduled.exchange(true))
+        return;
+    MainLoop::shared().post([weak = weak_from_this()] {
+        if (const auto self = weak.lock())
+            self->tellFrame();
+    });
+}
+
+void PlayerQueue::tellFrame()
+{
+    m_frameScheduled = false;
+    std::vector<std::weak_ptr<std::function<void()>>> observers;
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_closed)
+            return;
+        static_cast<void>(living(m_frameObservers));
+        observers = m_frameObservers;
+    }
+    for (const auto& weak : observers) {
+        if (const auto observer = weak.lock())
+            (*observer)();
+    }
+}
+
+void PlayerQueue::tell(const std::string& keyPath, const QueuePlayer::Change& change)
+{
+    std::vector<std::weak_ptr<KeyPathObserver>> observers;
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_closed)
+            return;
+        for (const auto& observer : living(m_observers)) {
+            if (observer->keyPath == keyPath)
+                observers.push_back(observer);
+        }
+    }
+    // One may take another's token away, or its own.
+    for (const auto& weak : observers) {
+        if (const auto observer = weak.lock())
+            observer->observer(change);
+    }
+}
+
+void PlayerQueue::noteChange(const char* keyPath, QueuePlayer::Value before, QueuePlayer::Value now)
+{
+    m_events.emplace_back([this, keyPath, change = QueuePlayer::Change{std::move(before), std::move(now)}] {
+        tell(keyPath, change);
+    });
+}
+
+void PlayerQueue::notify(const char* name, const std::shared_ptr<PlayerItem>& item)
+{
+    m_events.emplace_back([name, item] { NotificationCenter::defaultCenter().post(name, item.get()); });
+}
+
+// The step
+
+void PlayerQueue::step()
+{
+    m_scheduled = false;
+    std::vector<Playback> released;
+    std::vector<Event> events;
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_closed)
+            return;
+        conclude();
+        released.swap(m_released);
+        events.swap(m_events);
+    }
+    released.clear();
+    for (const Event& event : events) {
+        {
+            const std::lock_guard lock(m_mutex);
+            if (m_closed)
+                return;
+        }
+        event();
+    }
+}
+
+void PlayerQueue::conclude()
+{
+    PlaybackFacts facts;
+    while (!m_items.empty()) {
+        const auto item = m_items.front();
+        load(*item);
+        facts = item->facts();
+        announce(item, facts);
+        if (m_rate == 0 || !isOver(facts))
+            break;
+        if (facts.phase == PlaybackFacts::Phase::Ended)
+            notify(PlayerItem::didPlayToEndTimeNotification, item);
+        leave();
+        if (m_items.empty())
+            setRateLocked(0);
+    }
+    if (m_items.empty()) {
+        noteKeepUp(std::nullopt);
+        answerPrerolls(nullptr);
+        return;
+    }
+    noteKeepUp(facts.likelyToKeepUp);
+    answerPrerolls(&facts);
+    drive(facts);
+}
+
+void PlayerQueue::load(PlayerItem& item)
+{
+    if (item.isLoaded())
+        return;
+    const std::weak_ptr<PlayerQueue> weak = weak_from_this();
+    item.setPlayback(MediaEngine::shared().playbackOfURL(item.url(), m_muted,
+                                                         {[weak] {
+                                                              if (const auto self = weak.lock())
+                                                                  self->schedule();
+                                                          },
+                                                          [weak] {
+                                                              if (const auto self = weak.lock())
+                                                                  self->frameArrived();
+                                                          }}));
+}
+
+void PlayerQueue::announce(const std::shared_ptr<PlayerItem>& item, const PlaybackFacts& facts)
+{
+    for (; item->m_announcedEvents < facts.accessLog.size(); ++item->m_announcedEvents) {
+        m_events.emplace_back([item, event = facts.accessLog[item->m_announcedEvents]] {
+            item->addToAccessLog(event);
+            NotificationCenter::defaultCenter().post(PlayerItem::newAccessLogEntryNotification, item.get());
+        });
+    }
+    if (facts.phase == PlaybackFacts::Phase::Failed && !std::exchange(item->m_failureAnnounced, true))
+        notify(PlayerItem::failedToPlayToEndTimeNotification, item);
+}
+
+void PlayerQueue::leave()
+{
+    const auto item = m_items.front();
+    m_released.push_back(item->retire());
+    m_items.pop_front();
+    m_timeObservers.restart();
+    noteChange(QueuePlayer::currentItemKeyPath, valueOf(item),
+               valueOf(m_items.empty() ? nullptr : m_items.front()));
+}
+
+void PlayerQueue::noteKeepUp(std::optional<bool> keepUp)
+{
+    const auto before = std::exchange(m_keepUp, keepUp);
+    if (before == keepUp)
+        return;
+    if (before == true && keepUp == false && m_rate != 0)
+        notify(PlayerItem::playbackStalledNotification, m_items.front());
+    noteChange(QueuePlayer::playbackLikelyToKeepUpKeyPath, valueOf(before), valueOf(keepUp));
+}
+
+void PlayerQueue::answerPrerolls(const PlaybackFacts* facts)
+{
+    for (auto preroll = m_prerolls.begin(); preroll != m_prerolls.end();) {
+        const bool isGone = facts == nullptr || preroll->item != m_items.front() ||
+                            facts->phase == PlaybackFacts::Phase::Failed;
+        if (!isGone && !facts->likelyToKeepUp) {
+            ++preroll;
+            continue;
+        }
+        m_events.emplace_back([completion = std::move(preroll->completion), isGone] { completion(!isGone); });
+        preroll = m_prerolls.erase(preroll);
+    }
+}
+
+void PlayerQueue::drive(const PlaybackFacts& facts)
+{
+    const auto& current = m_items.front();
+    const Playback playback = current->playback();
+    if (!playback)
+        return;
+    playback->setPlaying(m_rate != 0);
+    const Seconds now = playback->currentTime();
+    m_timeObservers.tell(now);
+    if (const auto mark = m_timeObservers.next())
+        playback->notifyAt(*mark);
+    const bool endNears = facts.transferred || (facts.duration && now + headStart >= *facts.duration);
+    if (m_items.size() < 2 || facts.phase == PlaybackFacts::Phase::Loading || !endNears)
+        return;
+    load(*m_items[1]);
+    announce(m_items[1], m_items[1]->facts());
+}
+
+} // namespace virlo

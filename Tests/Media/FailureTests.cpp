@@ -1,0 +1,154 @@
+#include "MediaTest.h"
+#include "RowName.h"
+#include "Settle.h"
+
+#include <gmock/gmock.h>
+
+#include <functional>
+
+namespace virlo::test
+{
+
+namespace
+{
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+
+/// The first half of a clip, with all that says where its parts stand.
+std::string firstHalf(const Clip& clip)
+{
+    const std::string bytes = clipBytes(clip);
+    return bytes.substr(0, bytes.size() / 2);
+}
+
+/// A clip whose decoder nobody has.
+std::string undecodable()
+{
+    std::string bytes = clipBytes({.seconds = 1, .sound = false});
+    // The sample's description names its codec; both names stand for nothing.
+    for (const char* const name : {"avc1", "avcC"}) {
+        for (auto at = bytes.find(name); at != std::string::npos; at = bytes.find(name))
+            bytes.replace(at, 4, "zzzz");
+    }
+    return bytes;
+}
+
+struct FailureRow {
+    const char* name;
+    std::function<std::string()> bytes; ///< null: there is no such file
+    MediaEngine::ErrorCode code;
+};
+
+class Failures : public MediaTest, public testing::WithParamInterface<FailureRow>
+{
+};
+
+TEST_P(Failures, AreToldAndTheQueueGoesOn)
+{
+    if (GetParam().bytes)
+        serve(GetParam().name, GetParam().bytes());
+    const auto bad = atServer(GetParam().bytes ? GetParam().name : "nowhere");
+    make({bad, file({.seconds = 0.5})});
+    ASSERT_TRUE(settle([&] { return bad->status() == PlayerItem::Status::Failed; }));
+    ASSERT_TRUE(bad->error());
+    EXPECT_EQ(bad->error()->domain, MediaEngine::errorDomain);
+    EXPECT_EQ(bad->error()->code, GetParam().code) << describe(*bad->error());
+    EXPECT_EQ(bad->error()->userInfo["URL"], bad->url().absoluteString());
+    settleAll();
+    EXPECT_EQ(player->currentItem(), bad) << "it stays until the player plays";
+    player->play();
+    ASSERT_TRUE(runsOut());
+    EXPECT_THAT(ends(), ElementsAre("failed 0", "item 1", "ended 1", "item none"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , Failures,
+    testing::Values(FailureRow{"Missing", nullptr, MediaEngine::unreachable},
+                    FailureRow{"Text", [] { return std::string(5000, 'x'); }, MediaEngine::notMedia},
+                    FailureRow{"Empty", [] { return std::string(); }, MediaEngine::notMedia},
+                    FailureRow{"HeadAlone", [] { return clipBytes({}).substr(0, 200); },
+                               MediaEngine::notMedia},
+                    FailureRow{"NoDecoder", undecodable, MediaEngine::noDecoder}),
+    rowName);
+
+class Endings : public MediaTest
+{
+protected:
+    void expectOneEnd(Seconds limit = Seconds(25))
+    {
+        EXPECT_TRUE(runsOut(limit)) << testing::PrintToString(log);
+        EXPECT_THAT(ends(), testing::Contains(testing::AnyOf("ended 0", "failed 0")).Times(1))
+            << testing::PrintToString(log);
+    }
+};
+
+TEST_F(Endings, AClipWithoutAnyLengthEnds)
+{
+    for (const bool webm : {false, true}) {
+        play({file({.seconds = 0, .sound = false, .webm = webm})});
+        expectOneEnd();
+    }
+}
+
+TEST_F(Endings, AClipThatBreaksOffOnTheDiskEnds)
+{
+    serve("half.mp4", firstHalf({.seconds = 2}));
+    play({atServer("half.mp4")});
+    expectOneEnd();
+}
+
+TEST_F(Endings, AConnectionCutInMidClipEndsTheItem)
+{
+    const auto item = served("cut.mp4", {.seconds = 8, .kilobitsPerSecond = 2000});
+    server().setFault({.path = path("cut.mp4"), .cutBodyAfter = 300'000, .times = 1});
+    server().setFault({.path = path("cut.mp4"), .drop = true});
+    server().setFault({.path = path("cut.mp4"), .cutBodyAfter = 300'000, .times = 1});
+    play({item});
+    expectOneEnd();
+    EXPECT_LT(item->currentTime(), Seconds(7));
+}
+
+TEST_F(Endings, ADroppedConnectionIsMadeAgainAndTheClipPlaysWhole)
+{
+    const auto item = served("again.mp4", {.seconds = 3, .kilobitsPerSecond = 2000});
+    server().setFault({.path = path("again.mp4"), .cutBodyAfter = 200'000, .times = 1});
+    play({item});
+    ASSERT_TRUE(runsOut()) << testing::PrintToString(log);
+    EXPECT_THAT(ends(), ElementsAre("ended 0", "item none"));
+    EXPECT_NEAR(item->currentTime().count(), 3, 0.2);
+}
+
+TEST_F(Endings, AServerThatNeverAnswersIsGivenUp)
+{
+    const auto item = served("silent.mp4", {});
+    server().setFault({.path = path("silent.mp4"), .neverAnswers = true});
+    play({item});
+    expectOneEnd();
+    EXPECT_EQ(item->status(), PlayerItem::Status::Failed);
+}
+
+TEST_F(Endings, ACertificateOfNobodyKnownIsRefused)
+{
+    TemporaryFolder other;
+    adserver::AdServer stranger({.stateFolder = other.path("server"), .campaignsFolder = other.path()});
+    other.write("clip.mp4", clipBytes({}));
+    stranger.start();
+    const auto url = URL::fromString(stranger.baseURL() + path("clip.mp4"));
+    play({PlayerItem::playerItemWithURL(*url)});
+    expectOneEnd();
+    EXPECT_THAT(ends(), ElementsAre("failed 0", "item none"));
+}
+
+TEST(PlayerItems, AreMadeOfNetworkAddressesAlone)
+{
+    for (const char* const address : {"file:///etc/passwd", "/etc/passwd", "ftp://host/clip.mp4", "data:,x",
+                                      "https:///clip.mp4", "playbin://x", "clip.mp4"})
+        EXPECT_EQ(PlayerItem::playerItemWithURL(*URL::fromString(address)), nullptr) << address;
+    EXPECT_NE(PlayerItem::playerItemWithURL(*URL::fromString("HTTPS://host/clip.mp4")), nullptr);
+    EXPECT_EQ(PlayerItem::playerItemWithFile("clip.mp4"), nullptr);
+}
+
+} // namespace
+
+} // namespace virlo::test
