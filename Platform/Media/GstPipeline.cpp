@@ -1,16 +1,13 @@
 #include "GstPipeline.h"
 
-#include "FrameStore.h"
+#include "GstSinks.h"
 #include "MediaAuthorities.h"
 #include "TransferMeter.h"
 #include "URLSession.h"
 
-#include <gst/app/gstappsink.h>
-#include <gst/video/video.h>
-
-#include <atomic>
-#include <chrono>
-#include <string_view>
+#include <map>
+#include <mutex>
+#include <numeric>
 #include <utility>
 
 namespace virlo
@@ -19,7 +16,10 @@ namespace virlo
 /// What GStreamer's threads use; each of its callbacks holds it.
 struct GstPipeline::Shared {
     Options options;
-    GstPointer<GTlsDatabase> authorities;
+    GstPointer<GTlsDatabase> authorities = nullptr;
+    std::mutex mutex = {};
+    std::map<const void*, guint64> dropped =
+        {}; ///< pictures, by the element that left them out; under `mutex`
 };
 
 namespace
@@ -27,18 +27,7 @@ namespace
 
 using SharedPointer = std::shared_ptr<GstPipeline::Shared>;
 
-/// The most that is decoded: above a television's own, and little enough for a frame to be had.
-constexpr int maximumSide = 4096;
-/// Later than this the next picture is due; behind it, on a device that is too slow, pictures are left out so
-/// that they stay with the sound.
-constexpr gint64 maximumLateness = 40 * GST_MSECOND;
 constexpr guint networkTimeoutSeconds = 15;
-
-#if G_BYTE_ORDER == G_LITTLE_ENDIAN
-constexpr const char* pixelFormat = "BGRx";
-#else
-constexpr const char* pixelFormat = "xRGB";
-#endif
 
 gpointer handle(const SharedPointer& shared)
 {
@@ -58,137 +47,6 @@ void dropHandle(gpointer handle)
 void dropClosureHandle(gpointer handle, GClosure*)
 {
     dropHandle(handle);
-}
-
-// Pictures
-
-/// A sample's picture, mapped as long as anybody holds it.
-struct MappedSample {
-    explicit MappedSample(GstSample* taken) : sample(taken) {}
-
-    MappedSample(const MappedSample&) = delete;
-    MappedSample& operator=(const MappedSample&) = delete;
-
-    ~MappedSample()
-    {
-        if (isMapped)
-            gst_video_frame_unmap(&frame);
-        gst_sample_unref(sample);
-    }
-
-    GstSample* sample;
-    GstVideoFrame frame{};
-    bool isMapped = false;
-};
-
-std::shared_ptr<const VideoFrame> pictureOf(GstSample* sample)
-{
-    const auto mapped = std::make_shared<MappedSample>(sample);
-    GstVideoInfo info;
-    GstCaps* const caps = gst_sample_get_caps(sample);
-    if (caps == nullptr || gst_video_info_from_caps(&info, caps) == FALSE)
-        return nullptr;
-    GstBuffer* const buffer = gst_sample_get_buffer(sample);
-    mapped->isMapped = gst_video_frame_map(&mapped->frame, &info, buffer, GST_MAP_READ) != FALSE;
-    if (!mapped->isMapped)
-        return nullptr;
-    auto picture = std::make_shared<VideoFrame>();
-    picture->bits = static_cast<const unsigned char*>(GST_VIDEO_FRAME_PLANE_DATA(&mapped->frame, 0));
-    picture->width = GST_VIDEO_FRAME_WIDTH(&mapped->frame);
-    picture->height = GST_VIDEO_FRAME_HEIGHT(&mapped->frame);
-    picture->bytesPerLine = GST_VIDEO_FRAME_PLANE_STRIDE(&mapped->frame, 0);
-    picture->aspectRatio =
-        static_cast<double>(info.width) * info.par_n / (static_cast<double>(info.height) * info.par_d);
-    picture->memory = mapped;
-    return picture;
-}
-
-GstFlowReturn take(GstSample* sample, gpointer user)
-{
-    if (sample == nullptr)
-        return GST_FLOW_OK;
-    if (auto picture = pictureOf(sample))
-        sharedOf(user).options.frames->put(std::move(picture));
-    return GST_FLOW_OK;
-}
-
-GstFlowReturn takeSample(GstAppSink* sink, gpointer user)
-{
-    return take(gst_app_sink_try_pull_sample(sink, 0), user);
-}
-
-GstFlowReturn takePreroll(GstAppSink* sink, gpointer user)
-{
-    return take(gst_app_sink_try_pull_preroll(sink, 0), user);
-}
-
-GstPointer<GstElement> makeElement(const char* factory)
-{
-    GstElement* const element = gst_element_factory_make(factory, nullptr);
-    return GstPointer<GstElement>(element != nullptr ? static_cast<GstElement*>(gst_object_ref_sink(element))
-                                                     : nullptr);
-}
-
-GstPointer<GstElement> makeAppSink(const SharedPointer& shared)
-{
-    auto sink = makeElement("appsink");
-    if (!sink)
-        return nullptr;
-    GstCaps* const caps =
-        gst_caps_new_simple("video/x-raw", "format", G_TYPE_STRING, pixelFormat, "width", GST_TYPE_INT_RANGE,
-                            1, maximumSide, "height", GST_TYPE_INT_RANGE, 1, maximumSide, nullptr);
-    g_object_set(sink.get(), "caps", caps, "sync", TRUE, "max-buffers", 1U, "drop", TRUE, "qos", TRUE,
-                 "max-lateness", maximumLateness, "enable-last-sample", FALSE, nullptr);
-    gst_caps_unref(caps);
-    GstAppSinkCallbacks callbacks{};
-    callbacks.new_preroll = takePreroll;
-    callbacks.new_sample = takeSample;
-    gst_app_sink_set_callbacks(GST_APP_SINK(sink.get()), &callbacks, handle(shared), dropHandle);
-    return sink;
-}
-
-/// Converts where the decoder gives another format, and only there.
-GstPointer<GstElement> makeVideoSink(GstElement& appSink)
-{
-    const auto convert = makeElement("videoconvert");
-    if (!convert)
-        return nullptr;
-    GstPointer<GstElement> bin(static_cast<GstElement*>(gst_object_ref_sink(gst_bin_new(nullptr))));
-    gst_bin_add_many(GST_BIN(bin.get()), convert.get(), &appSink, nullptr);
-    gst_element_link(convert.get(), &appSink);
-    const GstPointer<GstPad> pad(gst_element_get_static_pad(convert.get(), "sink"));
-    gst_element_add_pad(bin.get(), gst_ghost_pad_new("sink", pad.get()));
-    return bin;
-}
-
-// Sound
-
-/// A device without a way out for the sound is asked again only after a while: asking costs tens of
-/// milliseconds, and the sound libraries complain on the standard error each time.
-constexpr std::chrono::seconds soundlessFor{60};
-
-/// The way out that suits this device best; a clock that takes the sound's pace where there is none.
-GstPointer<GstElement> makeAudioSink(bool soundless)
-{
-    using Instant = std::chrono::steady_clock::time_point;
-    constinit static std::atomic<Instant> foundNone = Instant();
-    const auto now = Instant::clock::now();
-    const Instant last = foundNone;
-    if (!soundless && (last == Instant() || now - last > soundlessFor)) {
-        auto sink = makeElement("autoaudiosink");
-        if (sink && gst_element_set_state(sink.get(), GST_STATE_READY) != GST_STATE_CHANGE_FAILURE) {
-            const GList* const chosen = GST_BIN_CHILDREN(sink.get());
-            if (chosen != nullptr && std::string_view(G_OBJECT_TYPE_NAME(chosen->data)) != "GstFakeSink")
-                return sink;
-        }
-        if (sink)
-            gst_element_set_state(sink.get(), GST_STATE_NULL);
-        foundNone = now;
-    }
-    auto sink = makeElement("fakesink");
-    if (sink)
-        g_object_set(sink.get(), "sync", TRUE, nullptr);
-    return sink;
 }
 
 // Transfer
@@ -266,9 +124,25 @@ bool matters(GstMessage* message)
     }
 }
 
+/// The sink leaves late pictures out, and the decoder those that would be late.
+void noteDropped(GstPipeline::Shared& shared, GstMessage* message)
+{
+    GstFormat format = GST_FORMAT_UNDEFINED;
+    guint64 processed = 0;
+    guint64 dropped = 0;
+    gst_message_parse_qos_stats(message, &format, &processed, &dropped);
+    // Sound counts otherwise.
+    if (format != GST_FORMAT_BUFFERS)
+        return;
+    const std::lock_guard lock(shared.mutex);
+    shared.dropped[GST_MESSAGE_SRC(message)] = dropped;
+}
+
 GstBusSyncReply passMessage(GstBus*, GstMessage* message, gpointer user)
 {
     GstMessagePointer taken(message);
+    if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_QOS)
+        noteDropped(sharedOf(user), message);
     if (matters(message))
         sharedOf(user).options.message(std::move(taken));
     return GST_BUS_DROP;
@@ -279,16 +153,15 @@ GstBusSyncReply passMessage(GstBus*, GstMessage* message, gpointer user)
 std::unique_ptr<GstPipeline> GstPipeline::make(Options options)
 {
     std::unique_ptr<GstPipeline> pipeline(new GstPipeline);
-    const auto shared = pipeline->m_shared = std::make_shared<Shared>(Shared{std::move(options), nullptr});
+    const auto shared = pipeline->m_shared = std::shared_ptr<Shared>(new Shared{std::move(options)});
     shared->authorities =
         mediaAuthorities(URLSessionConfiguration::defaultConfiguration().trustedAuthoritiesFile);
-    pipeline->m_playbin = makeElement("playbin3");
+    // playbin3's decodebin3 (1.22.0) crashes now and then when it is torn down while it still plugs decoders,
+    // and does not end some very short clips; items do not share a pipeline, which is what it would be for.
+    pipeline->m_playbin = makeGstElement("playbin");
     pipeline->m_audioSink = makeAudioSink(shared->options.soundless);
-    pipeline->m_appSink = makeAppSink(shared);
-    if (!pipeline->m_playbin || !pipeline->m_audioSink || !pipeline->m_appSink)
-        return nullptr;
-    const auto videoSink = makeVideoSink(*pipeline->m_appSink);
-    if (!videoSink)
+    const auto videoSink = makeVideoSink(shared->options.frames);
+    if (!pipeline->m_playbin || !pipeline->m_audioSink || !videoSink)
         return nullptr;
     GstElement* const playbin = pipeline->m_playbin.get();
     // The pictures' conversion is our own; the volume is our own too, since a sound server would remember
@@ -355,14 +228,9 @@ std::optional<GstClockTime> GstPipeline::duration() const
 
 long GstPipeline::lateFrames() const
 {
-    GstStructure* statistics = nullptr;
-    g_object_get(m_appSink.get(), "stats", &statistics, nullptr);
-    if (statistics == nullptr)
-        return 0;
-    guint64 dropped = 0;
-    gst_structure_get_uint64(statistics, "dropped", &dropped);
-    gst_structure_free(statistics);
-    return static_cast<long>(dropped);
+    const std::lock_guard lock(m_shared->mutex);
+    return std::accumulate(m_shared->dropped.begin(), m_shared->dropped.end(), 0L,
+                           [](long sum, const auto& one) { return sum + static_cast<long>(one.second); });
 }
 
 bool GstPipeline::isPipeline(const GstMessage& message) const

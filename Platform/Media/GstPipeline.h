@@ -58,7 +58,6 @@ private:
 
     GstPointer<GstElement> m_playbin;
     GstPointer<GstElement> m_audioSink;
-    GstPointer<GstElement> m_appSink;
     std::shared_ptr<Shared> m_shared;
 };
 

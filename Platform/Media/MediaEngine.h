@@ -24,9 +24,9 @@ struct PlaybackFacts {
     bool likelyToKeepUp = false;
     /// Nothing more of the clip comes over the network.
     bool transferred = false;
-    std::optional<Seconds> duration; ///< nothing while unknown
-    OptionalError error;             ///< where Failed
-    PlayerAccessLog accessLog;       ///< only ever grows
+    std::optional<Seconds> duration = {}; ///< nothing while unknown
+    OptionalError error = {};             ///< where Failed
+    PlayerAccessLog accessLog = {};       ///< only ever grows
 };
 
 /// One clip, being loaded from its making, standing at its start until `setPlaying`. A stalled one goes on by

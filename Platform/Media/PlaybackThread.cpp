@@ -2,6 +2,7 @@
 
 #include "DetachedThread.h"
 #include "FrameStore.h"
+#include "GstReport.h"
 #include "MediaRuntime.h"
 #include "SystemLog.h"
 #include "TransferMeter.h"
@@ -25,54 +26,6 @@ Seconds seconds(GstClockTime time)
 constexpr Seconds longestGuess{0.25};
 /// Closer to its end a clip may stand still: sound and picture seldom end together.
 constexpr Seconds nearTheEnd{1};
-
-/// Of a clip's message, as `describe` would show it.
-struct Report {
-    explicit Report(GstMessage& message)
-    {
-        GError* error = nullptr;
-        gchar* debug = nullptr;
-        gst_message_parse_error(&message, &error, &debug);
-        code = codeOf(*error);
-        reason = error->message;
-        // GStreamer's own words are often no more than "internal error"; the cause stands behind them.
-        if (debug != nullptr)
-            reason += std::string(" (") + debug + ")";
-        g_error_free(error);
-        g_free(debug);
-    }
-
-    MediaEngine::ErrorCode code;
-    std::string reason;
-
-private:
-    static MediaEngine::ErrorCode codeOf(const GError& error)
-    {
-        if (error.domain == GST_RESOURCE_ERROR)
-            return MediaEngine::unreachable;
-        if (g_error_matches(&error, GST_CORE_ERROR, GST_CORE_ERROR_MISSING_PLUGIN) != FALSE ||
-            g_error_matches(&error, GST_STREAM_ERROR, GST_STREAM_ERROR_CODEC_NOT_FOUND) != FALSE)
-            return MediaEngine::noDecoder;
-        return error.domain == GST_STREAM_ERROR ? MediaEngine::notMedia : MediaEngine::failed;
-    }
-};
-
-/// The caps, as text, that no decoder was found for; empty for any other kind of part.
-std::string undecodable(GstMessage& message)
-{
-    const GstStructure* const about = gst_message_get_structure(&message);
-    const gchar* const type = gst_structure_get_string(about, "type");
-    if (type == nullptr || std::string_view(type) != "decoder")
-        return {};
-    GstCaps* caps = nullptr;
-    if (gst_structure_get(about, "detail", GST_TYPE_CAPS, &caps, nullptr) == FALSE || caps == nullptr)
-        return {};
-    gchar* const text = gst_caps_to_string(caps);
-    std::string result = text;
-    g_free(text);
-    gst_caps_unref(caps);
-    return result;
-}
 
 } // namespace
 
@@ -276,7 +229,7 @@ void PlaybackThread::handle(GstMessage& message)
         break;
     case GST_MESSAGE_ELEMENT:
         // A sound that cannot be decoded is left out; a video without its picture is none.
-        if (const std::string caps = undecodable(message); caps.starts_with("video/"))
+        if (const std::string caps = undecodableCaps(message); caps.starts_with("video/"))
             fail(MediaEngine::noDecoder, "No decoder for " + caps);
         break;
     default:
@@ -286,7 +239,7 @@ void PlaybackThread::handle(GstMessage& message)
 
 void PlaybackThread::handleError(GstMessage& message)
 {
-    const Report report(message);
+    const GstReport report(message);
     if (m_pipeline->isAudioSink(message) && !m_soundless)
         reopenSoundless(report.reason);
     else

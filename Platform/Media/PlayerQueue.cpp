@@ -308,11 +308,11 @@ void PlayerQueue::conclude()
             setRateLocked(0);
     }
     if (m_items.empty()) {
-        noteKeepUp(std::nullopt);
+        noteKeepUp(nullptr, std::nullopt);
         answerPrerolls(nullptr);
         return;
     }
-    noteKeepUp(facts.likelyToKeepUp);
+    noteKeepUp(m_items.front(), facts.likelyToKeepUp);
     answerPrerolls(&facts);
     drive(facts);
 }
@@ -355,13 +355,15 @@ void PlayerQueue::leave()
                valueOf(m_items.empty() ? nullptr : m_items.front()));
 }
 
-void PlayerQueue::noteKeepUp(std::optional<bool> keepUp)
+void PlayerQueue::noteKeepUp(const std::shared_ptr<PlayerItem>& item, std::optional<bool> keepUp)
 {
+    const bool isSameItem = m_keepUpItem.lock() == item;
+    m_keepUpItem = item;
     const auto before = std::exchange(m_keepUp, keepUp);
     if (before == keepUp)
         return;
-    if (before == true && keepUp == false && m_rate != 0)
-        notify(PlayerItem::playbackStalledNotification, m_items.front());
+    if (isSameItem && keepUp == false && m_rate != 0)
+        notify(PlayerItem::playbackStalledNotification, item);
     noteChange(QueuePlayer::playbackLikelyToKeepUpKeyPath, valueOf(before), valueOf(keepUp));
 }
 

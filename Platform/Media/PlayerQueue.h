@@ -69,7 +69,7 @@ private:
     void leave();
     void drive(const PlaybackFacts& facts);
     void answerPrerolls(const PlaybackFacts* facts);
-    void noteKeepUp(std::optional<bool> keepUp);
+    void noteKeepUp(const std::shared_ptr<PlayerItem>& item, std::optional<bool> keepUp);
     void noteChange(const char* keyPath, QueuePlayer::Value before, QueuePlayer::Value now);
     void notify(const char* name, const std::shared_ptr<PlayerItem>& item);
     void setRateLocked(double rate);
@@ -85,6 +85,7 @@ private:
     bool m_muted = false;
     bool m_closed = false;
     std::optional<bool> m_keepUp; ///< as last told
+    std::weak_ptr<PlayerItem> m_keepUpItem;
     std::vector<Event> m_events;
     std::vector<Playback> m_released; ///< let go of without the lock
     std::vector<Preroll> m_prerolls;

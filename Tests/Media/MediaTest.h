@@ -29,7 +29,7 @@ protected:
     /// A clip on the disk.
     [[nodiscard]] std::shared_ptr<PlayerItem> file(const Clip& clip);
     /// A clip on the server, at `path(name)`.
-    [[nodiscard]] std::shared_ptr<PlayerItem> served(const std::string& name, const Clip& clip);
+    std::shared_ptr<PlayerItem> served(const std::string& name, const Clip& clip);
     /// Whatever is on the server under that name.
     [[nodiscard]] static std::shared_ptr<PlayerItem> atServer(const std::string& name);
     static void serve(const std::string& name, const std::string& bytes);

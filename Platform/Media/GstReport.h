@@ -1,0 +1,24 @@
+#pragma once
+
+#include "MediaEngine.h"
+
+#include <gst/gst.h>
+
+#include <string>
+
+namespace virlo
+{
+
+/// What a pipeline's error message says, in the engine's terms.
+struct GstReport {
+    explicit GstReport(GstMessage& message);
+
+    MediaEngine::ErrorCode code = MediaEngine::failed;
+    std::string reason;
+};
+
+/// From a message that a part of GStreamer is missing: the caps, as text, that no decoder was found for;
+/// empty where it is any other kind of part.
+[[nodiscard]] std::string undecodableCaps(GstMessage& message);
+
+} // namespace virlo

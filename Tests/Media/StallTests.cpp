@@ -1,0 +1,126 @@
+#include "MediaTest.h"
+#include "SerialQueue.h"
+#include "Settle.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <mutex>
+
+namespace virlo::test
+{
+
+namespace
+{
+
+using namespace std::chrono_literals;
+using Instant = std::chrono::steady_clock::time_point;
+
+Instant now()
+{
+    return Instant::clock::now();
+}
+
+class Stalls : public MediaTest
+{
+protected:
+    [[nodiscard]] bool waitsFor(const std::string& line, Seconds limit = Seconds(20))
+    {
+        return settle([&] { return std::find(log.begin(), log.end(), line) != log.end(); }, limit);
+    }
+
+    [[nodiscard]] static double megabits(const PlayerAccessLogEvent& event)
+    {
+        return event.observedBitrate / 1e6;
+    }
+};
+
+TEST_F(Stalls, AreToldWithinHalfASecondAndEndByThemselves)
+{
+    // The clip takes 2 Mbit/s, the line gives 1.2: the buffer fills, and runs dry on the way.
+    const auto item = served("slow.mp4", {.seconds = 12, .kilobitsPerSecond = 2000});
+    server().setFault({.path = path("slow.mp4"), .bytesPerSecond = 150'000});
+    make({item});
+    Instant lastFrame;
+    Instant told;
+    const auto frames = player->addFrameObserver([&] { lastFrame = now(); });
+    const auto keepUp =
+        player->addObserverForKeyPath(QueuePlayer::playbackLikelyToKeepUpKeyPath, [&](const auto& change) {
+            if (change.oldValue == QueuePlayer::Value(true) && told == Instant())
+                told = now();
+        });
+    ASSERT_TRUE(waitsFor("keepup true"));
+    player->play();
+    ASSERT_TRUE(waitsFor("stalled 0"));
+    EXPECT_LT(told - lastFrame, 500ms);
+    EXPECT_EQ(player->rate(), 1);
+    EXPECT_FALSE(item->isPlaybackLikelyToKeepUp());
+    const Seconds stoodAt = player->currentTime();
+    log.clear();
+    ASSERT_TRUE(waitsFor("keepup true"));
+    EXPECT_TRUE(settle([&] { return player->currentTime() > stoodAt + Seconds(0.5); }));
+    ASSERT_GE(item->accessLog().size(), 1U);
+    EXPECT_NEAR(megabits(item->accessLog().front()), 1.2, 0.3);
+}
+
+TEST_F(Stalls, APauseDuringOneHolds)
+{
+    const auto item = served("slow.mp4", {.seconds = 12, .kilobitsPerSecond = 2000});
+    server().setFault({.path = path("slow.mp4"), .bytesPerSecond = 150'000});
+    make({item});
+    ASSERT_TRUE(waitsFor("keepup true"));
+    player->play();
+    ASSERT_TRUE(waitsFor("stalled 0"));
+    player->pause();
+    log.clear();
+    ASSERT_TRUE(waitsFor("keepup true"));
+    const Seconds before = player->currentTime();
+    static_cast<void>(settle([] { return false; }, Seconds(0.5)));
+    EXPECT_NEAR(player->currentTime().count(), before.count(), 0.01);
+}
+
+TEST_F(Stalls, DoNotBefallAClipThatComesFastEnough)
+{
+    const auto item = served("even.mp4", {.seconds = 3, .kilobitsPerSecond = 600});
+    server().setFault({.path = path("even.mp4"), .bytesPerSecond = 150'000});
+    play({item});
+    ASSERT_TRUE(runsOut());
+    EXPECT_THAT(log, testing::Not(testing::Contains("stalled 0")));
+    EXPECT_EQ(std::count(log.begin(), log.end(), "keepup true"), 1);
+    std::uint64_t bytes = 0;
+    for (const PlayerAccessLogEvent& event : item->accessLog()) {
+        bytes += event.numberOfBytesTransferred;
+        EXPECT_NEAR(megabits(event), 1.2, 0.3);
+    }
+    EXPECT_EQ(bytes, clipBytes({.seconds = 3, .kilobitsPerSecond = 600}).size());
+}
+
+class Ticks : public MediaTest
+{
+};
+
+TEST_F(Ticks, ComeAtEachSecondOfEachItemOnTheirQueue)
+{
+    const auto queue = std::make_shared<SerialQueue>("ticks");
+    std::mutex mutex;
+    std::vector<double> times;
+    make({file({.seconds = 2.5}), file({.seconds = 1.5})});
+    const auto token = player->addPeriodicTimeObserver(Seconds(1), queue, [&](Seconds time) {
+        EXPECT_TRUE(queue->isCurrent());
+        const std::lock_guard lock(mutex);
+        times.push_back(time.count());
+    });
+    player->play();
+    ASSERT_TRUE(runsOut());
+    queue->sync([] {});
+    const std::lock_guard lock(mutex);
+    ASSERT_EQ(times.size(), 3U) << testing::PrintToString(times);
+    for (const auto& [index, second] : {std::pair(0U, 1.0), std::pair(1U, 2.0), std::pair(2U, 1.0)}) {
+        EXPECT_GE(times[index], second);
+        EXPECT_LT(times[index], second + 0.25);
+    }
+}
+
+} // namespace
+
+} // namespace virlo::test
