@@ -2,6 +2,7 @@
 
 #include "GstMediaEngine.h"
 #include "Settle.h"
+#include "TestSound.h"
 #include "URLSession.h"
 
 #include <fstream>
@@ -18,6 +19,7 @@ class MediaServer : public testing::Environment
 public:
     void SetUp() override
     {
+        TestSound::install();
         m_folder.emplace();
         m_folder->write("clips/placeholder.txt", "");
         server.emplace(adserver::AdServerOptions{.stateFolder = m_folder->path("server"),

@@ -1,0 +1,48 @@
+#include "LogCapture.h"
+#include "MediaTest.h"
+#include "Settle.h"
+#include "TestSound.h"
+
+#include <gmock/gmock.h>
+
+namespace virlo::test
+{
+
+namespace
+{
+
+class Sound : public MediaTest
+{
+};
+
+TEST_F(Sound, IsHeardUnlessMuted)
+{
+    const int before = TestSound::heard();
+    play({file({.seconds = 0.5})});
+    ASSERT_TRUE(runsOut());
+    const int heard = TestSound::heard();
+    EXPECT_GT(heard, before);
+    make({file({.seconds = 0.5}), file({.seconds = 0.5})});
+    player->setMuted(true);
+    player->play();
+    ASSERT_TRUE(runsOut());
+    // What was found at the start may have come before the wish.
+    EXPECT_LE(TestSound::heard(), heard + 1);
+}
+
+TEST_F(Sound, ThatLosesItsDeviceLeavesThePictureGoingOn)
+{
+    expectLog("No sound, the video goes on without: The sound device is gone");
+    const auto item = file({.seconds = 2});
+    play({item});
+    ASSERT_TRUE(settle([&] { return player->currentTime() > Seconds(0.6); }));
+    TestSound::pullOut();
+    ASSERT_TRUE(runsOut());
+    EXPECT_THAT(ends(), testing::Contains("ended 0"));
+    EXPECT_GT(item->videoFrameCounts().arrived, 55);
+    EXPECT_EQ(item->currentTime(), *item->duration());
+}
+
+} // namespace
+
+} // namespace virlo::test
