@@ -74,7 +74,9 @@ QRectF PlayerLayerView::videoRect() const
 QSGNode* PlayerLayerView::updateContentNode(QSGNode* old)
 {
     auto* node = static_cast<QSGImageNode*>(old);
-    const auto frame = std::exchange(m_hasNewFrame, false) ? m_player->takeFrame() : nullptr;
+    // A window that comes and goes takes the nodes with it.
+    const bool isWanted = std::exchange(m_hasNewFrame, false) || node == nullptr;
+    const auto frame = isWanted && m_player ? m_player->takeFrame() : nullptr;
     if (frame)
         m_aspectRatio = frame->aspectRatio;
     if (m_aspectRatio <= 0 || (node == nullptr && !frame)) {

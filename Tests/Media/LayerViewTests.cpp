@@ -118,6 +118,17 @@ TEST_F(LayerView, FitsThePictureBetweenBarsOfTheBackground)
     expectColour(window.picture(), {100, 180}, Qt::darkBlue);
 }
 
+TEST_F(LayerView, ShowsAStandingPictureInAnotherWindowToo)
+{
+    show(file({.pattern = "red", .sound = false}));
+    expectColour(window.picture(), {320, 180}, Qt::red);
+    HostWindow other({640, 360});
+    view->setParentItem(other.contentItem());
+    expectColour(window.picture(), {320, 180}, Qt::darkBlue);
+    expectColour(other.picture(), {320, 180}, Qt::red);
+    view->setParentItem(nullptr);
+}
+
 TEST_F(LayerView, KeepsAPictureUntilTheNextItemHasOne)
 {
     make({file({.seconds = 0.4, .pattern = "red", .sound = false}),
