@@ -186,9 +186,9 @@ bool PlaybackThread::turn()
     while (!messages.empty() && !m_closed && !isFinal(m_next.phase)) {
         const GstMessagePointer message = std::move(messages.front());
         messages.pop_front();
-        const GstPipeline* const posting = m_pipeline.get();
+        const bool wasSoundless = m_soundless;
         handle(*message);
-        if (m_pipeline.get() != posting)
+        if (m_soundless != wasSoundless)
             messages.clear(); // of the pipeline before
     }
     if (m_closed || isFinal(m_next.phase))
