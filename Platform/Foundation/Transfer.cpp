@@ -88,8 +88,10 @@ void Transfer::setTimeout()
 
 bool Transfer::isOwedFreshConnection(CURLcode result)
 {
-    const bool broke =
-        result == CURLE_SEND_ERROR || result == CURLE_RECV_ERROR || result == CURLE_GOT_NOTHING;
+    // A report that went out whole may have been counted, answered or not; it must not go out again.
+    const bool repeats = m_request.method == "GET" || m_request.method == "HEAD";
+    const bool broke = result == CURLE_SEND_ERROR ||
+                       (repeats && (result == CURLE_RECV_ERROR || result == CURLE_GOT_NOTHING));
     if (!broke || m_cancelled || m_head.status() != 0 || m_head.isArriving())
         return false;
     long made = 0;
