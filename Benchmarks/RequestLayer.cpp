@@ -1,3 +1,4 @@
+#include "BareHead.h"
 #include "Benchmarks.h"
 #include "ChildProcess.h"
 
@@ -82,7 +83,11 @@ private:
 class BareRound
 {
 public:
-    BareRound(const std::string& url, const std::string& authority) : m_multi(curl_multi_init())
+    BareRound(const std::string& url, const std::string& authority, const std::string& userAgent)
+        : m_multi(curl_multi_init())
+        , m_head({{"User-Agent", userAgent},
+                  {"Accept", "application/json"},
+                  {"Content-Type", "application/json"}})
     {
         curl_multi_setopt(m_multi, CURLMOPT_MAX_HOST_CONNECTIONS, long{connections});
         for (Transfer& transfer : m_transfers) {
@@ -93,6 +98,7 @@ public:
             curl_easy_setopt(transfer.handle, CURLOPT_WRITEDATA, &transfer.body);
             curl_easy_setopt(transfer.handle, CURLOPT_PRIVATE, &transfer);
             curl_easy_setopt(transfer.handle, CURLOPT_NOSIGNAL, 1L);
+            m_head.put(transfer.handle);
         }
     }
 
@@ -145,6 +151,7 @@ private:
     }
 
     CURLM* m_multi;
+    BareHead m_head;
     Transfer m_transfers[connections];
 };
 
@@ -166,7 +173,7 @@ void benchRequestLayer(Results& results)
     const std::string base = "https://localhost:" + server.readLine();
     const auto api = VIRLOAdServerAPI::initWithBaseURL(*virlo::URL::fromString(base));
     const virlo::URL url = api->entryPoint().appendingPathComponent("answer");
-    BareRound bare(url.absoluteString(), authority);
+    BareRound bare(url.absoluteString(), authority, api->generateUserAgent());
 
     const Pair rate = alternate(
         rounds, [&] { return requests / timed([&] { OurRound(api, url).run(); }); },

@@ -1,3 +1,4 @@
+#include "BareHead.h"
 #include "Benchmarks.h"
 #include "ChildProcess.h"
 
@@ -38,6 +39,7 @@ public:
         curl_easy_setopt(m_handle, CURLOPT_WRITEDATA, &m_body);
         curl_easy_setopt(m_handle, CURLOPT_NOSIGNAL, 1L);
         curl_easy_setopt(m_handle, CURLOPT_TIMEOUT, long{longestWait.count()});
+        m_head.put(m_handle);
     }
 
     ~BareClient() { curl_easy_cleanup(m_handle); }
@@ -56,6 +58,7 @@ public:
 
 private:
     CURL* m_handle;
+    BareHead m_head;
     std::string m_body;
 };
 
@@ -113,13 +116,16 @@ void benchChain(Results& results, const std::string& base)
 class BarePings
 {
 public:
-    explicit BarePings(const std::string& url) : m_multi(curl_multi_init())
+    explicit BarePings(const std::string& url)
+        : m_multi(curl_multi_init())
+        , m_head(VIRLOVASTTrackingManager::sessionConfiguration().additionalHeaders)
     {
         curl_multi_setopt(m_multi, CURLMOPT_MAX_HOST_CONNECTIONS, long{connections});
         for (CURL*& handle : m_handles) {
             handle = curl_easy_init();
             curl_easy_setopt(handle, CURLOPT_URL, url.c_str());
             curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
+            m_head.put(handle);
         }
     }
 
@@ -166,6 +172,7 @@ public:
 
 private:
     CURLM* m_multi;
+    BareHead m_head;
     CURL* m_handles[connections] = {};
 };
 

@@ -3,6 +3,7 @@
 #include "DetachedThread.h"
 #include "SessionState.h"
 #include "Transfer.h"
+#include "WorkerPool.h"
 
 #include <openssl/crypto.h>
 #include <unistd.h>
@@ -21,6 +22,12 @@ constexpr long maximumConnections = 64; // of the whole process; what comes beyo
 constexpr long maximumIdleConnections = 32;
 constexpr int maximumStreamsPerHost = 100; // over one HTTP/2 connection
 constexpr std::chrono::seconds longestHalt{1};
+
+bool startLeader(std::function<void()> body)
+{
+    return startDetachedThread("virlo-io", std::move(body));
+}
+
 } // namespace
 
 TransferLoop& TransferLoop::shared()
@@ -106,14 +113,18 @@ bool TransferLoop::launch()
     // before us and it will be, our handler, the younger, runs before its own.
     OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
     static const bool registered = std::atexit([] { shared().halt(); }) == 0;
-    m_launched = registered && m_sockets.open() && startDetachedThread("virlo-io", [this] { run(); });
+    m_launched = registered && m_sockets.open() && startLeader([this] {
+                     setUp();
+                     lead();
+                 });
     return m_launched;
 }
 
-void TransferLoop::run()
+void TransferLoop::lead()
 {
-    setUp();
-    for (;;) {
+    WorkerPool::Helper helper([this] { return startLeader([this] { lead(); }); });
+    do {
+        waitForEvents();
         for (const Command& command : m_taken)
             execute(command);
         m_taken.clear();
@@ -125,8 +136,7 @@ void TransferLoop::run()
         }
         reap();
         deliverFinished();
-        waitForEvents();
-    }
+    } while (helper.work());
 }
 
 void TransferLoop::setUp()

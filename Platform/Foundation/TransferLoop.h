@@ -23,10 +23,12 @@ namespace virlo
 class Transfer;
 
 /// The process's I/O thread, 'virlo-io': it runs every session's transfers over one libcurl multi handle,
-/// sleeps in epoll while nothing moves, and is started by the first use. There is one for the process and it
-/// is never destroyed; at the process's exit the thread is halted where it stands, so that nothing of libcurl
-/// or OpenSSL runs while their own exit handlers tear them down. The public operations may be called from any
-/// thread and wait for nothing.
+/// sleeps in epoll while nothing moves, and is started by the first use. Between its rounds it does the work
+/// that the answers give rise to, as one of the pool's helpers; where a piece of it takes long, another
+/// thread leads the loop from there on. There is one loop for the process and it is never destroyed; at the
+/// process's exit the thread is halted where it stands, so that nothing of libcurl or OpenSSL runs while
+/// their own exit handlers tear them down. The public operations may be called from any thread and wait for
+/// nothing.
 class TransferLoop
 {
 public:
@@ -60,8 +62,9 @@ private:
     [[nodiscard]] bool launch();
     void halt();
 
-    void run();
     void setUp();
+    /// Until another thread leads.
+    void lead();
     void waitForEvents();
     void execute(const Command& command);
 
@@ -92,10 +95,10 @@ private:
     std::size_t m_exchanges = 0;
     std::condition_variable m_exchangesChanged;
 
-    // I/O thread, but for the waking
+    // The leading thread, but for the waking
     SocketPoll m_sockets;
 
-    // I/O thread
+    // The leading thread
     CURLM* m_multi = nullptr;
     HandlePool m_handles;
     TrustedAuthorities m_authorities;

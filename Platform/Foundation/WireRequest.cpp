@@ -1,6 +1,7 @@
 #include "WireRequest.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace virlo
 {
@@ -13,14 +14,17 @@ std::string wireText(const std::string& url, std::size_t serverLength)
 {
     static constexpr char digits[] = "0123456789ABCDEF";
     static constexpr std::string_view unsafe = "\"<>\\^`{|}";
-    std::string text(url, 0, serverLength);
-    text.reserve(url.size() + 16);
-    for (const char character : std::string_view(url).substr(serverLength)) {
-        const auto code = static_cast<unsigned char>(character);
-        if (code < 0x80 && unsafe.find(character) == std::string_view::npos)
-            text += character;
-        else
+    const auto isUnsafe = [](char character) {
+        return static_cast<unsigned char>(character) >= 0x80 || unsafe.find(character) != unsafe.npos;
+    };
+    auto from = std::find_if(url.begin() + static_cast<std::ptrdiff_t>(serverLength), url.end(), isUnsafe);
+    std::string text(url.begin(), from);
+    for (; from != url.end(); ++from) {
+        const auto code = static_cast<unsigned char>(*from);
+        if (isUnsafe(*from))
             text += {'%', digits[code >> 4], digits[code & 0xF]};
+        else
+            text += *from;
     }
     return text;
 }
@@ -91,14 +95,15 @@ std::optional<std::string> WireRequest::apply(CURL* easy, const URLRequest& requ
 {
     if (!isToken(request.method))
         return "The method is no HTTP method.";
-    m_headers.reset();
-    if (!append(additional, request.headers) || !append(request.headers, {}))
-        return "A header's name is none.";
-    append("Expect:"); // no waiting for "100 Continue"
     const bool isForm = request.body || request.method == "POST";
-    if (isForm && !has(additional, "Content-Type") && !has(request.headers, "Content-Type"))
-        append("Content-Type:"); // libcurl would call any body a form
-    curl_easy_setopt(easy, CURLOPT_HTTPHEADER, m_headers.get());
+    const bool same = m_lines && m_head.isForm == isForm && m_head.own == request.headers &&
+                      m_head.additional == additional;
+    if (!same) {
+        m_head = {additional, request.headers, isForm};
+        if (!makeLines())
+            return "A header's name is none.";
+    }
+    curl_easy_setopt(easy, CURLOPT_HTTPHEADER, m_lines.get());
 
     const std::string_view server = serverOf(request.url);
     curl_easy_setopt(easy, CURLOPT_URL, wireText(request.url.absoluteString(), server.size()).c_str());
@@ -106,6 +111,20 @@ std::optional<std::string> WireRequest::apply(CURL* easy, const URLRequest& requ
     curl_easy_setopt(easy, CURLOPT_PROXY, isLoopback(server) ? "" : nullptr);
     setMethodAndBody(easy, request.method, request.body);
     return std::nullopt;
+}
+
+bool WireRequest::makeLines()
+{
+    m_lines.reset();
+    const auto& [additional, own, isForm] = m_head;
+    if (!append(additional, own) || !append(own, {})) {
+        m_lines.reset();
+        return false;
+    }
+    append("Expect:"); // no waiting for "100 Continue"
+    if (isForm && !has(additional, "Content-Type") && !has(own, "Content-Type"))
+        append("Content-Type:"); // libcurl would call any body a form
+    return true;
 }
 
 // A header that `stronger` has as well is left out.
@@ -130,7 +149,7 @@ bool WireRequest::append(const Headers& headers, const Headers& stronger)
 
 void WireRequest::append(const std::string& line)
 {
-    m_headers.reset(curl_slist_append(m_headers.release(), line.c_str()));
+    m_lines.reset(curl_slist_append(m_lines.release(), line.c_str()));
 }
 
 } // namespace virlo

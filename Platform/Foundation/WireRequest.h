@@ -34,10 +34,19 @@ private:
         void operator()(curl_slist* list) const { curl_slist_free_all(list); }
     };
 
+    /// What the lines of a head come from.
+    struct Head {
+        Headers additional;
+        Headers own;
+        bool isForm = false;
+    };
+
+    [[nodiscard]] bool makeLines();
     [[nodiscard]] bool append(const Headers& headers, const Headers& stronger);
     void append(const std::string& line);
 
-    std::unique_ptr<curl_slist, FreeList> m_headers;
+    Head m_head;
+    std::unique_ptr<curl_slist, FreeList> m_lines; ///< of `m_head`: most requests have the head of the last
 };
 
 } // namespace virlo

@@ -2,6 +2,7 @@
 
 #include "DetachedThread.h"
 #include "Guarded.h"
+#include "SystemClock.h"
 
 #include <algorithm>
 #include <memory>
@@ -13,6 +14,12 @@ namespace
 {
 
 thread_local bool isWorker = false;
+thread_local WorkerPool::Helper* helperHere = nullptr;
+
+/// A helper's piece is left alone for one to two of them.
+constexpr Seconds tickLength{0.001};
+/// Ticks go on for so long after the last piece: a loop that is busy would have to ask for them all the time.
+constexpr int quietTicksToTheEnd = 10;
 
 /// How many workers a level and those below it may hold together.
 constexpr std::array<int, 4> share{GlobalQueue::maximumThreads - 3, GlobalQueue::maximumThreads - 2,
@@ -36,29 +43,43 @@ void WorkerPool::submit(Level level, std::function<void()> work)
 {
     std::unique_lock lock(m_mutex);
     ++m_pending;
-    const bool canStart = mayRun(level) && (!m_idle.empty() || m_threads < GlobalQueue::maximumThreads);
-    if (!canStart) {
+    if (helperHere != nullptr && !std::exchange(helperHere->m_keepsOne, true)) {
+        m_waiting[static_cast<std::size_t>(level)].push_back(std::move(work));
+        watch();
+        return;
+    }
+    if (!mayRun(level) || !hasRoomForWorker()) {
         m_waiting[static_cast<std::size_t>(level)].push_back(std::move(work));
         return;
     }
-    if (!m_idle.empty()) {
-        Worker& worker = *m_idle.back();
-        m_idle.pop_back();
-        if (isWorker) {
-            // A worker that is about to end its own piece gets there before another one has woken up.
-            m_waiting[static_cast<std::size_t>(level)].push_back(std::move(work));
-        } else {
-            ++m_running[static_cast<std::size_t>(level)];
-            worker.task = {level, std::move(work)};
-        }
-        worker.assigned = true;
-        worker.wake.notify_one(); // under the lock: the worker lives on its thread's stack
+    if (isWorker && !m_idle.empty()) {
+        // A worker that is about to end its own piece gets there before another one has woken up.
+        m_waiting[static_cast<std::size_t>(level)].push_back(std::move(work));
+        wakeIdle({});
         return;
     }
     ++m_running[static_cast<std::size_t>(level)];
+    giveToWorker(lock, {level, std::move(work)});
+}
+
+void WorkerPool::giveToWorker(std::unique_lock<std::mutex>& lock, Task task)
+{
+    if (!m_idle.empty()) {
+        wakeIdle(std::move(task));
+        return;
+    }
     ++m_threads;
     lock.unlock();
-    startWorker({level, std::move(work)});
+    startWorker(std::move(task));
+}
+
+void WorkerPool::wakeIdle(Task task)
+{
+    Worker& worker = *m_idle.back();
+    m_idle.pop_back();
+    worker.task = std::move(task);
+    worker.assigned = true;
+    worker.wake.notify_one(); // under the lock: the worker lives on its thread's stack
 }
 
 void WorkerPool::startWorker(Task task)
@@ -99,6 +120,11 @@ void WorkerPool::runWorker(Task task)
     }
 }
 
+bool WorkerPool::hasRoomForWorker() const
+{
+    return !m_idle.empty() || m_threads < GlobalQueue::maximumThreads;
+}
+
 bool WorkerPool::mayRun(Level level) const
 {
     int held = 0;
@@ -121,6 +147,7 @@ bool WorkerPool::takeNext(Task& task)
         task.work = std::move(waiting.front());
         waiting.pop_front();
         ++m_running[index];
+        ++m_taken;
         return true;
     }
     return false;
@@ -130,6 +157,71 @@ void WorkerPool::finishLocked(Level level)
 {
     --m_running[static_cast<std::size_t>(level)];
     leaveLocked();
+}
+
+WorkerPool::Helper::Helper(std::function<bool()> relief) : m_relief(std::move(relief))
+{
+    isWorker = true;
+    helperHere = this;
+}
+
+WorkerPool::Helper::~Helper()
+{
+    helperHere = nullptr;
+    isWorker = false;
+}
+
+bool WorkerPool::Helper::work()
+{
+    return WorkerPool::shared().help(*this);
+}
+
+bool WorkerPool::help(Helper& helper)
+{
+    std::unique_lock lock(m_mutex);
+    for (Task task; takeNext(task);) {
+        helper.m_keepsOne = false;
+        if (!helper.m_relieved) {
+            helper.m_busySince = m_ticks;
+            m_busyHelper = &helper;
+            watch();
+        }
+        lock.unlock();
+        runGuarded(task.work, "queued work");
+        task.work = nullptr;
+        lock.lock();
+        if (!helper.m_relieved)
+            m_busyHelper = nullptr;
+        finishLocked(task.level);
+    }
+    helper.m_keepsOne = false;
+    return !helper.m_relieved;
+}
+
+// Called with m_mutex held.
+void WorkerPool::watch()
+{
+    m_quietTicks = 0;
+    if (!std::exchange(m_watching, true))
+        SystemClock::shared().schedule(tickLength, [this] { tick(); });
+}
+
+void WorkerPool::tick()
+{
+    std::unique_lock lock(m_mutex);
+    ++m_ticks;
+    if (m_busyHelper != nullptr && m_ticks - m_busyHelper->m_busySince >= 2 && m_busyHelper->m_relief())
+        std::exchange(m_busyHelper, nullptr)->m_relieved = true;
+
+    m_watching = m_busyHelper != nullptr || ++m_quietTicks < quietTicksToTheEnd;
+    if (m_watching)
+        SystemClock::shared().schedule(tickLength, [this] { tick(); });
+
+    // What a helper keeps for itself and does not get to.
+    const bool stands = std::exchange(m_takenAtTick, m_taken) == m_taken;
+    Task task;
+    if (stands && hasRoomForWorker() && takeNext(task))
+        giveToWorker(lock, std::move(task));
 }
 
 void WorkerPool::enter()

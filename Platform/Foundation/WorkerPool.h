@@ -5,6 +5,7 @@
 
 #include <array>
 #include <condition_variable>
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <mutex>
@@ -26,6 +27,33 @@ public:
     static constexpr std::chrono::seconds idleLife{5};
 
     [[nodiscard]] static WorkerPool& shared();
+
+    /// A thread that runs a loop of its own and does, between two rounds, the pieces that the round gave rise
+    /// to, so that no worker has to be woken for them. Made, used and destroyed on that thread, one a thread.
+    ///
+    /// A piece that takes longer than a moment does not hold the loop up: `relief` is called on another
+    /// thread and has to see to it that somebody else runs the loop from there on; false where it cannot. It
+    /// must not use the pool.
+    class Helper
+    {
+    public:
+        explicit Helper(std::function<bool()> relief);
+        ~Helper();
+        Helper(const Helper&) = delete;
+        Helper& operator=(const Helper&) = delete;
+
+        /// Does what waits. False where the thread was relieved meanwhile: the loop is not its own any more.
+        [[nodiscard]] bool work();
+
+    private:
+        friend class WorkerPool;
+
+        const std::function<bool()> m_relief;
+        // Guarded by the pool's lock:
+        bool m_keepsOne = false; ///< a piece that nobody was woken for
+        bool m_relieved = false;
+        std::uint64_t m_busySince = 0; ///< in ticks
+    };
 
     void submit(Level level, std::function<void()> work);
 
@@ -49,10 +77,18 @@ private:
 
     [[nodiscard]] bool mayRun(Level level) const;
     [[nodiscard]] bool takeNext(Task& task);
+    [[nodiscard]] bool hasRoomForWorker() const;
+    /// `task` counts as running. Gives the lock up where a worker has to be made.
+    void giveToWorker(std::unique_lock<std::mutex>& lock, Task task);
+    void wakeIdle(Task task);
     void startWorker(Task task);
     void runWorker(Task task);
     void finishLocked(Level level);
     void leaveLocked();
+    bool help(Helper& helper);
+    /// Sees to it that `tick` comes while a helper works or keeps a piece.
+    void watch();
+    void tick();
 
     std::mutex m_mutex;
     std::condition_variable m_atRest;
@@ -62,6 +98,12 @@ private:
         m_idle; ///< the one idle for the shortest last: it is taken first, so the others can end
     int m_threads = 0;
     std::size_t m_pending = 0;
+    Helper* m_busyHelper = nullptr; ///< until it has done its piece, or was relieved
+    std::uint64_t m_taken = 0;
+    std::uint64_t m_ticks = 0;
+    std::uint64_t m_takenAtTick = 0;
+    int m_quietTicks = 0;
+    bool m_watching = false;
 };
 
 } // namespace virlo

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <latch>
 #include <random>
 #include <set>
 #include <thread>
@@ -114,6 +115,37 @@ TEST_F(SessionLifeTest, CompletionsRunOneAtATimeAndInNoCallersStack)
     }
     EXPECT_TRUE(URLSession::drain(Seconds(5)));
     EXPECT_EQ(done, 60);
+}
+
+TEST_F(SessionLifeTest, CompletionsThatBlockHoldUpOnlyTheirOwnSessions)
+{
+    std::latch held(3);
+    std::latch free(1);
+    std::vector<std::shared_ptr<URLSession>> blocked;
+    for (int index = 0; index < 3; ++index) {
+        blocked.push_back(makeSession(m_authority.file()));
+        blocked.back()
+            ->dataTask(request(m_server.url("/")),
+                       [&](const auto&, const auto&, const auto&) {
+                           held.count_down();
+                           free.wait();
+                       })
+            ->resume();
+    }
+    held.wait();
+    const auto session = makeSession(m_authority.file());
+    for (int index = 0; index < 20; ++index) {
+        Outcome outcome;
+        session->dataTask(request(m_server.url("/")), outcome.completion())->resume();
+        ASSERT_EQ(outcome.wait().status(), 200);
+    }
+    Outcome behind;
+    blocked.front()->dataTask(request(m_server.url("/")), behind.completion())->resume();
+    EXPECT_FALSE(URLSession::drain(Seconds(0.05)));
+    EXPECT_FALSE(behind.arrived());
+    free.count_down();
+    EXPECT_EQ(behind.wait().status(), 200);
+    EXPECT_TRUE(URLSession::drain(Seconds(5)));
 }
 
 TEST_F(SessionLifeTest, CancelAtAnyMomentCompletesExactlyOnce)
