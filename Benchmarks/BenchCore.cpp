@@ -1,5 +1,6 @@
-// bench-core idle|started URL: a process that links the core; "idle" does nothing with it, "started" has a
-// session. Says "ready" and waits to be measured.
+// bench-core idle|exchange|started URL AUTHORITY: a process that links the core; "idle" does nothing with it,
+// "exchange" has made one request with libcurl alone, "started" has a session. Says "ready" and waits to be
+// measured.
 
 #include "Bundle.h"
 #include "MainLoop.h"
@@ -9,9 +10,31 @@
 #include "VIRLOAppRequestStore.h"
 #include "VIRLOTrackingManager.h"
 
+#include <curl/curl.h>
+
 #include <cstdio>
 #include <cstring>
 #include <unistd.h>
+
+namespace
+{
+
+std::size_t pass(char*, std::size_t size, std::size_t count, void*)
+{
+    return size * count;
+}
+
+/// Keeps its connection, as the core does.
+bool exchangeBare(const char* url, const char* authority)
+{
+    CURL* const handle = curl_easy_init();
+    curl_easy_setopt(handle, CURLOPT_URL, url);
+    curl_easy_setopt(handle, CURLOPT_CAINFO, authority);
+    curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, &pass);
+    return curl_easy_perform(handle) == CURLE_OK;
+}
+
+} // namespace
 
 int main(int count, char** arguments)
 {
@@ -19,6 +42,8 @@ int main(int count, char** arguments)
         return 2;
     std::shared_ptr<VIRLOAdController> ads;
     const auto network = virlo::makeFixedNetworkFlags(virlo::NetworkFlagReachable);
+    if (std::strcmp(arguments[1], "exchange") == 0 && !exchangeBare(arguments[2], arguments[3]))
+        return 1;
     if (std::strcmp(arguments[1], "started") == 0) {
         virlo::NetworkFlagsSource::setShared(network.get());
         virlo::Bundle::setMainBundle("com.example.bench-core", "Bench Core", "1.0");
