@@ -13,6 +13,8 @@ set_target_properties(VIRLOAdFramework PROPERTIES
 target_link_libraries(VIRLOAdFramework
   PUBLIC nlohmann_json::nlohmann_json
   PRIVATE virlo-screens-static)
+target_link_options(VIRLOAdFramework PRIVATE "-Wl,--version-script=${CMAKE_CURRENT_SOURCE_DIR}/Exports.map")
+set_property(TARGET VIRLOAdFramework APPEND PROPERTY LINK_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/Exports.map")
 target_compile_features(VIRLOAdFramework INTERFACE cxx_std_20)
 
 # Hosts write <VIRLOAdFramework/VIRLOAdController.h>, in the build as after the installation.

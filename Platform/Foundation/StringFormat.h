@@ -50,7 +50,7 @@ requires(!std::convertible_to<const Range&, std::string_view> && !std::same_as<R
 
 /// One argument of `format`: a number as itself (a boolean as 1 or 0), anything else by its description;
 /// "(null)" for an absent one. Pointers and optional values stand for what they hold.
-class FormatArgument
+class VIRLO_EXPORT FormatArgument
 {
 public:
     template <typename Value>
