@@ -55,6 +55,7 @@ set(VIRLO_CONFIG_FOLDER "${CMAKE_INSTALL_LIBDIR}/cmake/VIRLOAdFramework")
 configure_package_config_file(VIRLOAdFrameworkConfig.cmake.in VIRLOAdFrameworkConfig.cmake
   INSTALL_DESTINATION "${VIRLO_CONFIG_FOLDER}")
 write_basic_package_version_file(VIRLOAdFrameworkConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+file(RELATIVE_PATH VIRLO_PREFIX_FROM_PKGCONFIG "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 configure_file(virloadframework.pc.in virloadframework.pc @ONLY)
 install(TARGETS VIRLOAdFramework EXPORT VIRLOAdFrameworkTargets)
 install(EXPORT VIRLOAdFrameworkTargets NAMESPACE VIRLOAdFramework:: DESTINATION "${VIRLO_CONFIG_FOLDER}")
