@@ -10,6 +10,12 @@ Rectangle {
 
     color: "#0b1026"
 
+    // Menu leaves the game. Where it is held down to close an ad, the repeats do not.
+    Keys.onPressed: event => {
+        if ((event.key === Qt.Key_Escape || event.key === Qt.Key_Back) && !event.isAutoRepeat)
+            Qt.quit()
+    }
+
     Item {
         width: 1920
         height: 1080
@@ -72,6 +78,7 @@ Rectangle {
             orientation: ListView.Horizontal
             spacing: 36
             interactive: false
+            keyNavigationEnabled: true // which goes with the line above unless it is said
             highlightMoveDuration: 0
             model: menu.game.tiles
             delegate: Tile {
@@ -91,7 +98,7 @@ Rectangle {
         Text {
             x: 100
             y: 940
-            text: "◀ ▶  choose      OK  open      Menu  back"
+            text: "◀ ▶  choose      OK  open      Menu  leave"
             color: "#d5dcff"
             font.pixelSize: 32
         }

@@ -9,6 +9,9 @@ FocusScope {
     required property color tint
     signal chosen
 
+    // The same with the focus as without it, so that no line breaks anew.
+    readonly property real textWidth: width - 100
+
     width: 405
     height: 420
     Accessible.role: Accessible.Button
@@ -22,7 +25,8 @@ FocusScope {
         border { color: tile.activeFocus ? "white" : "transparent"; width: 8 }
 
         Text {
-            anchors { left: parent.left; right: parent.right; bottom: note.top; margins: 32; bottomMargin: 12 }
+            anchors { left: parent.left; bottom: note.top; margins: 32; bottomMargin: 12 }
+            width: tile.textWidth
             text: tile.title
             color: "white"
             wrapMode: Text.WordWrap
@@ -31,7 +35,8 @@ FocusScope {
 
         Text {
             id: note
-            anchors { left: parent.left; right: parent.right; bottom: parent.bottom; margins: 32 }
+            anchors { left: parent.left; bottom: parent.bottom; margins: 32 }
+            width: tile.textWidth
             text: tile.hint
             color: "white"
             wrapMode: Text.WordWrap

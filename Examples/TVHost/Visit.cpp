@@ -45,6 +45,8 @@ bool Visit::watchAdAndLeave()
 
 bool Visit::followAdToAppPage()
 {
+    press(Qt::Key_Right);
+    press(Qt::Key_Right);
     press(Qt::Key_Return);
     if (!await("the second ad", [this] { return m_ads.adStands(); }) || !shoot("second-ad"))
         return false;

@@ -11,6 +11,7 @@
 #include <QGuiApplication>
 #include <QQmlEngine>
 #include <QQuickView>
+#include <QScreen>
 #include <QTimer>
 
 int main(int count, char** arguments)
@@ -37,15 +38,20 @@ int main(int count, char** arguments)
     window.engine()->addImportPath("qrc:/qt/qml");
     window.setInitialProperties({{"game", QVariant::fromValue(&game)}});
     window.setSource(QUrl("qrc:/qt/qml/TVHost/HostMenu.qml"));
-    window.resize(1920, 1080);
+    QObject::connect(window.engine(), &QQmlEngine::quit, &application, &QGuiApplication::quit);
 
     const auto ads = std::make_shared<AdIntegration>(window, game);
     ads->start();
+    if (!options.isSet("visit")) {
+        // The whole screen, also where no window manager stands that would see to it.
+        window.setGeometry(window.screen()->geometry());
+        window.showFullScreen();
+        window.requestActivate();
+        return QGuiApplication::exec();
+    }
+    window.resize(1920, 1080);
     window.show();
     window.requestActivate();
-
-    if (!options.isSet("visit"))
-        return QGuiApplication::exec();
 
     AppPages pages;
     virlo::Application::setURLOpener(&pages);
