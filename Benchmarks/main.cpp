@@ -9,7 +9,8 @@
 #include <exception>
 #include <string>
 
-// Runs the benchmarks named on the command line, or all of them, and writes what they found.
+// Runs the benchmarks named on the command line, or all of them, and writes what they found. One that fails
+// is named at the end and takes nothing from the others.
 int main(int count, char** arguments)
 {
     const QTemporaryDir folder;
@@ -35,6 +36,7 @@ int main(int count, char** arguments)
             return 2;
         }
     }
+    std::string failed;
     for (const Benchmark& benchmark : benchmarks()) {
         if (!wanted.empty() && std::find(wanted.begin(), wanted.end(), benchmark.name) == wanted.end())
             continue;
@@ -43,9 +45,12 @@ int main(int count, char** arguments)
             benchmark.run(results);
         } catch (const std::exception& error) {
             std::fprintf(stderr, "bench: %s: %s\n", benchmark.name, error.what());
-            return 1;
+            failed += std::string(" ") + benchmark.name;
         }
     }
     results.print();
-    return results.write(output) ? 0 : 1;
+    const bool written = results.write(output);
+    if (!failed.empty())
+        std::fprintf(stderr, "bench: failed:%s\n", failed.c_str());
+    return written && failed.empty() ? 0 : 1;
 }
