@@ -49,8 +49,9 @@ struct XMLReader::Callbacks {
         if (reader.m_error)
             return;
         // Of the rest a small document type can give any number to any number of elements.
-        const auto parser = static_cast<XML_Parser>(reader.m_parser.get());
-        attributes[XML_GetSpecifiedAttributeCount(parser)] = nullptr;
+        if (reader.m_declarations > 0)
+            attributes[XML_GetSpecifiedAttributeCount(static_cast<XML_Parser>(reader.m_parser.get()))] =
+                nullptr;
         reader.m_delegate.didStartElement(name, XMLAttributes(attributes));
         reader.listen();
     }
@@ -163,9 +164,17 @@ bool XMLReader::read(std::string_view bytes)
     return !m_error;
 }
 
-bool XMLReader::finish()
+// After each piece but the last expat goes over its bytes once more to count lines.
+bool XMLReader::finish(std::string_view lastBytes)
 {
-    return !m_error && feed(std::exchange(m_held, {}), true);
+    const std::size_t before = lastBytes.size() - std::min(lastBytes.size(), slice);
+    if (!read(lastBytes.substr(0, before)))
+        return false;
+    lastBytes.remove_prefix(before);
+    if (m_held.empty())
+        return feed(lastBytes, true);
+    m_held += lastBytes;
+    return feed(std::exchange(m_held, {}), true);
 }
 
 bool XMLReader::feed(std::string_view bytes, bool isFinal)

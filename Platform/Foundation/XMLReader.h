@@ -47,8 +47,9 @@ public:
 
     /// The document's next bytes. False once there is an error; what comes after it is passed over.
     bool read(std::string_view bytes);
-    /// The document has ended. False where it is not whole and well formed.
-    bool finish();
+    /// The document has ended, with these bytes as its last: reading them here costs less than in a `read`
+    /// before. False where it is not whole and well formed.
+    bool finish(std::string_view lastBytes = {});
     /// Ends the reading with an error, from inside a call to the delegate too.
     void fail(ErrorCode code, const std::string& reason);
 

@@ -32,9 +32,10 @@ std::string contentOf(const std::filesystem::path& path)
 AdsReport::JSON recordsRead(const std::string& document, std::size_t piece)
 {
     VIRLOVASTDocumentReader reader;
-    for (std::size_t at = 0; at < document.size(); at += piece)
-        EXPECT_TRUE(reader.read(std::string_view(document).substr(at, piece)));
-    EXPECT_TRUE(reader.finish());
+    std::string_view rest = document;
+    for (; rest.size() > piece; rest.remove_prefix(piece))
+        EXPECT_TRUE(reader.read(rest.substr(0, piece)));
+    EXPECT_TRUE(reader.finish(rest));
     return AdsReport::ads(reader.advertisements());
 }
 

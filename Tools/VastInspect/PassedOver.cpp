@@ -41,8 +41,7 @@ PassedOver::PassedOver() : m_reader(*this) {}
 
 std::vector<PassedOver::Note> PassedOver::notes(std::string_view document)
 {
-    if (m_reader.read(document))
-        m_reader.finish();
+    m_reader.finish(document);
     return std::move(m_notes);
 }
 

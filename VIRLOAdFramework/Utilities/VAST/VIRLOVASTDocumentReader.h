@@ -31,7 +31,7 @@ public:
     /// As of XMLReader.
     bool read(std::string_view bytes) { return m_xmlParser.read(bytes); }
 
-    bool finish() { return m_xmlParser.finish(); }
+    bool finish(std::string_view lastBytes = {}) { return m_xmlParser.finish(lastBytes); }
 
     [[nodiscard]] const virlo::OptionalError& error() const noexcept { return m_xmlParser.error(); }
 

@@ -88,7 +88,7 @@ void VIRLOVASTXMLParser::readPending()
     OptionalError error;
     {
         const std::lock_guard reading(m_readingMutex);
-        if (!m_document || readPendingLocked())
+        if (!m_document || m_document->read(takePending()))
             return;
         error = m_document->error();
         const std::lock_guard lock(m_mutex);
@@ -97,15 +97,11 @@ void VIRLOVASTXMLParser::readPending()
     parseErrorOccurred(error);
 }
 
-bool VIRLOVASTXMLParser::readPendingLocked()
+std::string VIRLOVASTXMLParser::takePending()
 {
-    std::string bytes;
-    {
-        const std::lock_guard lock(m_mutex);
-        bytes.swap(m_pending);
-        m_readingPosted = false;
-    }
-    return m_document->read(bytes);
+    const std::lock_guard lock(m_mutex);
+    m_readingPosted = false;
+    return std::exchange(m_pending, {});
 }
 
 void VIRLOVASTXMLParser::didFetch(const std::optional<virlo::HTTPURLResponse>& response, OptionalError error)
@@ -121,7 +117,8 @@ void VIRLOVASTXMLParser::finish(OptionalError failure)
     Advertisements advertisements;
     {
         const std::lock_guard reading(m_readingMutex);
-        if (!readPendingLocked() || (!failure && !m_document->finish()))
+        const std::string rest = takePending();
+        if (!(failure ? m_document->read(rest) : m_document->finish(rest)))
             failure = m_document->error(); // an exchange that it ended itself has another one
         advertisements = m_document->advertisements();
         m_document.reset();

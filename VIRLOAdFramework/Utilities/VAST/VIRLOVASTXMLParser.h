@@ -63,7 +63,7 @@ private:
 
     [[nodiscard]] bool take(std::string_view piece);
     void readPending();
-    [[nodiscard]] bool readPendingLocked();
+    [[nodiscard]] std::string takePending();
     void didFetch(const std::optional<virlo::HTTPURLResponse>& response, virlo::OptionalError error);
     void finish(virlo::OptionalError failure);
     void didEndDocument(const Advertisements& advertisements);
