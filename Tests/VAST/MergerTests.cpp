@@ -10,6 +10,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <map>
+#include <set>
+
 namespace virlo::test
 {
 namespace
@@ -35,7 +38,34 @@ std::vector<std::string> filesOf(const VIRLOVASTCreative& creative)
 
 std::string trackingOf(const VIRLOVASTCreative& creative)
 {
-    return creative.trackingEvents() ? describe(*creative.trackingEvents()) : "(none)";
+    if (!creative.trackingEvents())
+        return "(none)";
+    std::map<std::string, std::set<URL>> sorted;
+    for (const auto& [event, urls] : *creative.trackingEvents())
+        sorted[event].insert(urls.begin(), urls.end());
+    return describe(sorted);
+}
+
+TEST(Merger, KeepsEachAddressAndEventOnceHoweverManyThereAre)
+{
+    std::string own;
+    std::string more;
+    for (int number = 60; number-- > 0;) {
+        const std::string name = std::to_string(number);
+        own += tracking("start", "http://x/" + name) + tracking("event" + name, "http://e/");
+        more += tracking("start", "http://x/" + std::to_string(number + 30)) +
+                tracking("event" + name, "http://e/");
+    }
+    const auto ad = merged(inlineAd("a", creative("", own + more)), creative("", more + own));
+    const auto& events = *ad->creatives().front()->trackingEvents();
+    EXPECT_EQ(std::distance(events.begin(), events.end()), 61);
+    const auto* const started = events.urls("start");
+    ASSERT_NE(started, nullptr);
+    EXPECT_EQ(started->size(), 90U);
+    EXPECT_EQ(std::set<URL>(started->begin(), started->end()).size(), 90U);
+    ASSERT_NE(events.urls("event59"), nullptr);
+    EXPECT_EQ(events.urls("event59")->size(), 1U);
+    EXPECT_EQ(events.urls("event60"), nullptr);
 }
 
 TEST(Merger, AppendsTheWrappersImpressionsAndKeepsDuplicates)

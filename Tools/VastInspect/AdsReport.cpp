@@ -5,6 +5,10 @@
 #include "VIRLOVASTMediaFile.h"
 #include "VIRLOVASTWrapperAd.h"
 
+#include <map>
+#include <set>
+#include <string_view>
+
 namespace AdsReport
 {
 
@@ -26,11 +30,13 @@ JSON trackingEvents(const std::optional<VIRLOVASTCreative::TrackingEvents>& even
     if (!events)
         return nullptr;
     JSON result = JSON::object();
+    std::map<std::string_view, std::set<std::string_view>> sorted;
     for (const auto& [event, urls] : *events) {
-        JSON& list = result[event] = JSON::array();
         for (const virlo::URL& url : urls)
-            list.push_back(url.absoluteString());
+            sorted[event].insert(url.absoluteString());
     }
+    for (const auto& [event, urls] : sorted)
+        result[std::string(event)] = urls;
     return result;
 }
 

@@ -113,10 +113,7 @@ void VIRLOVASTDocumentReader::addTracking(std::string_view text)
     auto url = URL::fromString(text);
     if (!event || !url)
         return;
-    auto urls = events->lower_bound(*event);
-    if (urls == events->end() || urls->first != *event)
-        urls = events->try_emplace(urls, std::string(*event));
-    urls->second.insert(std::move(*url));
+    events->add(*event, std::move(*url));
     countRecord();
 }
 

@@ -91,10 +91,10 @@ void VIRLOVASTTrackingManager::reportEventForCreative(const std::string& event,
     VIRLOAdFrameworkLogger::logInfoWithFormat("Reporting Event %@ for Creative: %@", event, creative);
     if (!creative.trackingEvents())
         return;
-    const auto urls = creative.trackingEvents()->find(event);
-    if (urls == creative.trackingEvents()->end())
+    const auto* const urls = creative.trackingEvents()->urls(event);
+    if (urls == nullptr)
         return;
-    for (const virlo::URL& url : urls->second)
+    for (const virlo::URL& url : *urls)
         reportAtURL(url);
 }
 

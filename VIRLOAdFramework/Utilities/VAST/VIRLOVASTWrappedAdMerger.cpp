@@ -8,6 +8,8 @@
 #include "VIRLOVASTXMLParser.h"
 
 #include <algorithm>
+#include <set>
+#include <string_view>
 #include <utility>
 
 VIRLOVASTWrappedAdMerger::VIRLOVASTWrappedAdMerger(const std::shared_ptr<VIRLOVASTWrapperAd>& ad,
@@ -103,8 +105,10 @@ void VIRLOVASTWrappedAdMerger::mergeCreativeWithCreative(VIRLOVASTCreative& targ
     // Without a table of its own the target takes none of the wrapper's addresses: deliberate as well.
     if (!source.trackingEvents() || !target.trackingEvents())
         return;
-    for (const auto& [event, urls] : *source.trackingEvents())
-        (*target.trackingEvents())[event].insert(urls.begin(), urls.end());
+    for (const auto& [event, urls] : *source.trackingEvents()) {
+        for (const virlo::URL& url : urls)
+            target.trackingEvents()->add(event, url);
+    }
 }
 
 bool VIRLOVASTWrappedAdMerger::arrayContainsObjectWithSequence(const VIRLOVASTAd::Creatives& creatives,

@@ -1,14 +1,12 @@
 #pragma once
 
-#include "URL.h"
+#include "VIRLOVASTTrackingEvents.h"
 #include "XMLAttributes.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,8 +18,7 @@ class VIRLOVASTMediaFile;
 class VIRLOVASTCreative
 {
 public:
-    /// By the name of the event ("start", "firstQuartile").
-    using TrackingEvents = std::map<std::string, std::set<virlo::URL>, std::less<>>;
+    using TrackingEvents = VIRLOVASTTrackingEvents;
     using MediaFiles = std::vector<std::shared_ptr<VIRLOVASTMediaFile>>;
 
     /// `properties` are those of the element "Creative".
