@@ -5,9 +5,7 @@ namespace virlo
 
 XMLAttributeStore::XMLAttributeStore()
 {
-    m_text.reserve(128);
-    m_pairs.reserve(16);
-    pointIntoText();
+    m_pairs.push_back(nullptr);
 }
 
 XMLAttributeStore::XMLAttributeStore(std::initializer_list<std::pair<const char*, const char*>> attributes)
@@ -21,42 +19,33 @@ XMLAttributeStore::XMLAttributeStore(std::initializer_list<std::pair<const char*
 
 void XMLAttributeStore::assign(const XMLAttributes& attributes)
 {
-    m_text.clear();
-    m_pairs.clear();
-    for (const char* const* each = attributes.pairs(); *each != nullptr; ++each) {
-        m_text.append(*each).push_back('\0');
-        m_pairs.push_back(nullptr);
-    }
-    pointIntoText();
+    std::size_t count = 0;
+    while (attributes.pairs()[count] != nullptr)
+        ++count;
+    makeRoom(count);
+    for (std::size_t each = 0; each < count; ++each)
+        m_pairs.push_back(m_texts[each].assign(attributes.pairs()[each]).c_str());
+    m_pairs.push_back(nullptr);
 }
 
 void XMLAttributeStore::assign(const XMLAttributes& attributes, std::span<const char* const> names)
 {
-    m_text.clear();
-    m_pairs.clear();
-    if (*attributes.pairs() == nullptr)
-        return m_pairs.push_back(nullptr);
-    for (const char* const name : names) {
-        if (const auto value = attributes.value(name)) {
-            m_text.append(*value).push_back('\0');
-            m_pairs.push_back(name);
-            m_pairs.push_back(nullptr);
+    makeRoom(names.size());
+    for (std::size_t each = 0; each < names.size(); ++each) {
+        if (const auto value = attributes.value(names[each])) {
+            m_pairs.push_back(names[each]);
+            m_pairs.push_back(m_texts[each].assign(*value).c_str());
         }
     }
-    pointIntoText();
+    m_pairs.push_back(nullptr);
 }
 
-// Last, since the text moves while it grows.
-void XMLAttributeStore::pointIntoText()
+// First, since texts move where their list grows.
+void XMLAttributeStore::makeRoom(std::size_t texts)
 {
-    const char* next = m_text.data();
-    for (const char*& each : m_pairs) {
-        if (each != nullptr)
-            continue;
-        each = next;
-        next += std::strlen(next) + 1;
-    }
-    m_pairs.push_back(nullptr);
+    m_pairs.clear();
+    if (m_texts.size() < texts)
+        m_texts.resize(texts);
 }
 
 } // namespace virlo

@@ -2,6 +2,7 @@
 
 #include "XMLAttributes.h"
 
+#include <cstddef>
 #include <initializer_list>
 #include <span>
 #include <string>
@@ -29,9 +30,9 @@ public:
     [[nodiscard]] XMLAttributes attributes() const { return XMLAttributes(m_pairs.data()); }
 
 private:
-    void pointIntoText();
+    void makeRoom(std::size_t texts);
 
-    std::string m_text; ///< what `m_pairs` points to, in its order, each text closed by a null
+    std::vector<std::string> m_texts; ///< what `m_pairs` points to
     std::vector<const char*> m_pairs;
 };
 

@@ -199,6 +199,12 @@ TEST(XMLAttributeStore, OutlivesWhatItWasGivenAndCanBeUsedAgain)
     store.assign(XMLAttributeStore{{"c", "2"}}.attributes());
     EXPECT_FALSE(store.attributes().value("a"));
     EXPECT_EQ(store.attributes().value("c"), "2");
+    const XMLAttributeStore others{{"a", "1"}, {"b", std::string(100, 'x').c_str()}, {"c", "3"}};
+    const char* const wanted[] = {"c", "d", "b"};
+    store.assign(others.attributes(), wanted);
+    EXPECT_FALSE(store.attributes().value("a"));
+    EXPECT_EQ(store.attributes().value("b"), std::string(100, 'x'));
+    EXPECT_EQ(store.attributes().value("c"), "3");
 }
 
 } // namespace

@@ -54,33 +54,6 @@ VIRLOVASTPath::Node VIRLOVASTPath::start(std::string_view name)
     return node;
 }
 
-void VIRLOVASTPath::end()
-{
-    if (m_depthBelowKnown > 0)
-        --m_depthBelowKnown;
-    else
-        --m_depth;
-}
-
-bool VIRLOVASTPath::takesCDATA(Node node)
-{
-    switch (node) {
-    case Node::AdTitle:
-    case Node::Impression:
-    case Node::VASTAdTagURI:
-    case Node::Tracking:
-    case Node::MediaFile:
-        return true;
-    default:
-        return false;
-    }
-}
-
-bool VIRLOVASTPath::takesCharacters(Node node)
-{
-    return node == Node::AdSystem || node == Node::Duration;
-}
-
 std::span<const char* const> VIRLOVASTPath::attributes(Node node)
 {
     static constexpr const char* named[] = {"id"};

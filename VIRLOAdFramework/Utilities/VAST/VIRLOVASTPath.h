@@ -33,7 +33,14 @@ public:
     };
 
     Node start(std::string_view name);
-    void end();
+
+    void end()
+    {
+        if (m_depthBelowKnown > 0)
+            --m_depthBelowKnown;
+        else
+            --m_depth;
+    }
 
     [[nodiscard]] Node current() const { return m_depthBelowKnown > 0 ? Node::Other : m_nodes[m_depth]; }
 
@@ -46,9 +53,17 @@ public:
     // Text is taken in one form only, by element. That split is deliberate: documents are written to it.
 
     /// The title and all addresses.
-    [[nodiscard]] static bool takesCDATA(Node node);
+    [[nodiscard]] static constexpr bool takesCDATA(Node node)
+    {
+        return node == Node::AdTitle || node == Node::Impression || node == Node::VASTAdTagURI ||
+               node == Node::Tracking || node == Node::MediaFile;
+    }
+
     /// The ad system and the duration.
-    [[nodiscard]] static bool takesCharacters(Node node);
+    [[nodiscard]] static constexpr bool takesCharacters(Node node)
+    {
+        return node == Node::AdSystem || node == Node::Duration;
+    }
 
     /// The attributes that are read of an element.
     [[nodiscard]] static std::span<const char* const> attributes(Node node);
