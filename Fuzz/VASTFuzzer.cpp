@@ -3,6 +3,7 @@
 // pieces.
 
 #include "AdsReport.h"
+#include "DroppedAds.h"
 #include "PassedOver.h"
 #include "VIRLOVASTDocumentReader.h"
 #include "VIRLOVASTWrappedAdMerger.h"
@@ -24,11 +25,11 @@ struct Reading {
 Reading read(std::string_view document, std::size_t piece)
 {
     VIRLOVASTDocumentReader reader;
-    for (std::size_t at = 0; at < document.size(); at += piece) {
-        if (!reader.read(document.substr(at, piece)))
+    for (; document.size() > piece; document.remove_prefix(piece)) {
+        if (!reader.read(document.substr(0, piece)))
             return {};
     }
-    if (!reader.finish())
+    if (!reader.finish(document))
         return {};
     return {true, reader.advertisements()};
 }
@@ -77,5 +78,6 @@ extern "C" __attribute__((visibility("default"))) int LLVMFuzzerTestOneInput(con
     check(text(whole.ads) == text(pieces.ads));
     mergeAll(whole.ads, document);
     check(PassedOver().notes(document).size() <= PassedOver::maximumNotes);
+    check(DroppedAds::notes(document, true).size() <= PassedOver::maximumNotes);
     return 0;
 }

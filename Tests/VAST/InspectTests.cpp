@@ -1,3 +1,4 @@
+#include "DroppedAds.h"
 #include "PassedOver.h"
 #include "ToolRun.h"
 #include "VASTServer.h"
@@ -84,7 +85,7 @@ TEST_F(InspectTest, RefusesAWrongCommandLine)
 
 TEST_F(InspectTest, ExplainsEveryDocumentOfAChain)
 {
-    serve("/end.xml", vast(inlineAd("end", "<AdTitle>Plain</AdTitle>")));
+    serve("/end.xml", vast(inlineAd("end", "<AdTitle>Plain</AdTitle>") + inlineAd("second", "")));
     serve("/w.xml", vast(wrapperAd("w", url("/end.xml"), "<Extensions/>")));
     const ToolRun run({"--explain", url("/w.xml")});
     EXPECT_EQ(run.exitStatus, 0);
@@ -92,6 +93,8 @@ TEST_F(InspectTest, ExplainsEveryDocumentOfAChain)
     ASSERT_EQ(documents.size(), 2U);
     EXPECT_EQ(documents[0]["passedOver"][0]["path"], "VAST/Ad/Wrapper/Extensions");
     EXPECT_EQ(documents[1]["passedOver"][0]["path"], "VAST/Ad/InLine/AdTitle");
+    EXPECT_EQ(documents[0]["dropped"], json::array());
+    EXPECT_EQ(documents[1]["dropped"][0]["path"], "VAST/Ad[2]");
     EXPECT_FALSE(documents[0].contains("milliseconds"));
 }
 
@@ -152,6 +155,46 @@ INSTANTIATE_TEST_SUITE_P(
                 "Creative@sequence: the value is no number and counts 0"},
         NoteRow{"ShortDuration", creative("", "<Duration>30</Duration>"),
                 "Duration: the length is read as hours, minutes and seconds from the left"}),
+    [](const auto& row) { return row.param.name; });
+
+struct DropRow {
+    const char* name;
+    std::string ads;
+    bool isBehindWrapper;
+    std::vector<std::string> dropped;
+};
+
+class DropTest : public testing::TestWithParam<DropRow>
+{
+};
+
+TEST_P(DropTest, NamesTheAdsThatMergingLeavesOut)
+{
+    std::vector<std::string> dropped;
+    for (const auto& note : DroppedAds::notes(vast(GetParam().ads), GetParam().isBehindWrapper))
+        dropped.push_back(note.path);
+    EXPECT_EQ(dropped, GetParam().dropped);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, DropTest,
+    testing::Values(
+        DropRow{"NoneOfADocumentAskedFor", inlineAd("a", "") + inlineAd("b", ""), false, {}},
+        DropRow{"AllButTheFirstBehindAWrapper",
+                inlineAd("a", "") + inlineAd("b", "") + inlineAd("c", ""),
+                true,
+                {"VAST/Ad[2]", "VAST/Ad[3]"}},
+        DropRow{"TheFirstForALaterWrapper",
+                inlineAd("a", "") + wrapperAd("b", "http://x/"),
+                false,
+                {"VAST/Ad[1]"}},
+        DropRow{"NoneForAWrapperThatLeadsNowhere", inlineAd("a", "") + wrapperAd("b", ""), false, {}},
+        DropRow{"NoneForTheWrapperInItsOwnPlace", wrapperAd("a", "http://x/") + inlineAd("b", ""), false, {}},
+        DropRow{"BothBehindAWrapper",
+                inlineAd("a", "") + wrapperAd("b", "http://x/") + inlineAd("c", ""),
+                true,
+                {"VAST/Ad[1]", "VAST/Ad[3]"}},
+        DropRow{"NoneOfABrokenDocument", inlineAd("a", "") + inlineAd("b", "") + "<", true, {}}),
     [](const auto& row) { return row.param.name; });
 
 } // namespace

@@ -7,7 +7,8 @@ Reads a VAST document as the library does, follows its wrappers and prints
 what comes out as one JSON object.
   --no-merge  shows wrappers as they stand and fetches nothing for them
   --timing    adds the milliseconds that each document took
-  --explain   adds what was passed over in each document, and why
+  --explain   adds what was passed over in each document and which of its ads
+              were dropped in merging, and why
 Exits with 1 where an error is reported, with 2 for wrong usage.
 )";
 

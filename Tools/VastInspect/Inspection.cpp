@@ -1,5 +1,6 @@
 #include "Inspection.h"
 
+#include "DroppedAds.h"
 #include "InspectSession.h"
 #include "PassedOver.h"
 
@@ -8,6 +9,7 @@
 #include <memory>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 namespace Inspection
 {
@@ -34,12 +36,12 @@ struct Result {
     virlo::OptionalError error;
 };
 
-AdsReport::JSON explanation(const InspectSession::Hop& hop)
+AdsReport::JSON list(const std::vector<PassedOver::Note>& notes)
 {
-    AdsReport::JSON notes = AdsReport::JSON::array();
-    for (const auto& note : PassedOver().notes(hop.document))
-        notes.push_back({{"path", note.path}, {"reason", note.reason}});
-    return notes;
+    AdsReport::JSON list = AdsReport::JSON::array();
+    for (const auto& note : notes)
+        list.push_back({{"path", note.path}, {"reason", note.reason}});
+    return list;
 }
 
 } // namespace
@@ -72,7 +74,9 @@ Outcome run(const InspectOptions& options)
         if (options.times)
             document["milliseconds"] = hop.milliseconds;
         if (options.explains)
-            document["passedOver"] = explanation(hop);
+            document["passedOver"] = list(PassedOver().notes(hop.document));
+        if (options.explains && options.merges)
+            document["dropped"] = list(DroppedAds::notes(hop.document, hop.url != source.url));
         documents.push_back(std::move(document));
     }
     return outcome;
