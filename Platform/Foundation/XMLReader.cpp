@@ -24,6 +24,20 @@ constexpr float maximumAmplification = 2;
 constexpr unsigned long long freeExpansion = 1ULL << 20;
 constexpr std::size_t commonText = 512;
 
+/// A parser that has read a small document and waits for the next: making one anew costs a fifth of reading
+/// such a document. One at most, for the process's life.
+std::atomic<XML_Parser> spareParser{nullptr};
+constexpr std::size_t smallDocument = std::size_t{64} << 10; // what its parser has grown to is worth keeping
+
+XML_Parser takeParser()
+{
+    const XML_Parser spare = spareParser.exchange(nullptr);
+    if (spare == nullptr)
+        return XML_ParserCreate(nullptr);
+    XML_ParserReset(spare, nullptr); // forgets all but its memory: handlers, limits and salt are set anew
+    return spare;
+}
+
 /// Keys the parser's tables so that no document can foresee them. The system is asked once for the process:
 /// asking costs as much as making a parser.
 unsigned long newSalt()
@@ -123,7 +137,7 @@ void XMLReader::ParserDeleter::operator()(void* parser) const
     XML_ParserFree(static_cast<XML_Parser>(parser));
 }
 
-XMLReader::XMLReader(XMLReaderDelegate& delegate) : m_delegate(delegate), m_parser(XML_ParserCreate(nullptr))
+XMLReader::XMLReader(XMLReaderDelegate& delegate) : m_delegate(delegate), m_parser(takeParser())
 {
     if (!m_parser)
         throw std::bad_alloc();
@@ -142,7 +156,14 @@ XMLReader::XMLReader(XMLReaderDelegate& delegate) : m_delegate(delegate), m_pars
     XML_SetBillionLaughsAttackProtectionActivationThreshold(parser, freeExpansion);
 }
 
-XMLReader::~XMLReader() = default;
+XMLReader::~XMLReader()
+{
+    XML_Parser none = nullptr;
+    // A parser keeps what memory it had to take: that of a document of entities may be much.
+    if (!m_error && m_declarations == 0 && m_fed <= smallDocument &&
+        spareParser.compare_exchange_strong(none, static_cast<XML_Parser>(m_parser.get())))
+        static_cast<void>(m_parser.release());
+}
 
 bool XMLReader::read(std::string_view bytes)
 {

@@ -186,6 +186,27 @@ TEST(XMLReader, IsStoppedFromInsideACall)
     EXPECT_EQ(reader.error()->code, XMLReader::refused);
 }
 
+TEST(XMLReader, BringsNothingOfADocumentIntoTheNext)
+{
+    const auto heard = [](const std::string& document) {
+        Listener listener;
+        XMLReader reader(listener);
+        return reader.finish(document) ? listener.heard : "refused";
+    };
+    EXPECT_EQ(heard("<!DOCTYPE a [<!ENTITY e 'text'><!ATTLIST a b CDATA 'c'>]><a>&e;</a>"), "<a>'text'</a>");
+    EXPECT_EQ(heard("<a>&e;</a>"), "refused");
+    EXPECT_EQ(heard("<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>"), "<a>'\xC3\xA9'</a>");
+    EXPECT_EQ(heard("<a>\xC3\xA9</a>"), "<a>'\xC3\xA9'</a>");
+    EXPECT_EQ(heard("<a>\xE9</a>"), "refused");
+    {
+        Listener listener;
+        XMLReader unfinished(listener);
+        EXPECT_TRUE(unfinished.read("<a><b>text"));
+        EXPECT_EQ(heard("<c/>"), "<c></c>") << "beside one that is still at work";
+    }
+    EXPECT_EQ(heard("<d/>"), "<d></d>");
+}
+
 TEST(XMLAttributeStore, OutlivesWhatItWasGivenAndCanBeUsedAgain)
 {
     XMLAttributeStore store;
