@@ -4,8 +4,9 @@
 
 namespace
 {
-// Most creatives name a dozen events.
+// Most creatives name a dozen events, of an address or two each.
 constexpr std::size_t commonEvents = 12;
+constexpr std::size_t commonAddresses = 2;
 } // namespace
 
 void VIRLOVASTTrackingEvents::add(std::string_view event, virlo::URL url)
@@ -15,9 +16,8 @@ void VIRLOVASTTrackingEvents::add(std::string_view event, virlo::URL url)
         if (m_events.size() == 0)
             m_events.reserve(commonEvents);
         known = &m_events.insert({std::string(event), {}});
+        known->urls.reserve(commonAddresses);
     }
-    if (known->urls.size() == 0)
-        known->urls.reserve(2);
     known->urls.insert(std::move(url));
 }
 
