@@ -28,8 +28,8 @@ int main(int count, char** arguments)
     virlo::URLSessionConfiguration::setDefaultTrustedAuthoritiesFile(
         options.value("authority").toStdString());
     // The ad server of this demo is on the loopback, so the box counts as connected without any other route.
-    const auto network = virlo::makeFixedNetworkFlags(virlo::NetworkFlagReachable);
-    virlo::NetworkFlagsSource::setShared(network.get());
+    // The library may ask for them until the process is gone, so they are never destroyed.
+    virlo::NetworkFlagsSource::setShared(virlo::makeFixedNetworkFlags(virlo::NetworkFlagReachable).release());
 
     Game game;
     QQuickView window;

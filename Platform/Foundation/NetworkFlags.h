@@ -51,7 +51,8 @@ public:
     [[nodiscard]] virtual std::unique_ptr<Watch> watch(std::function<void()> changed) = 0;
 
     [[nodiscard]] static NetworkFlagsSource& shared();
-    /// Null puts the system's back. Not owned; set before the library starts.
+    /// Null puts the system's back. Not owned; set before the library starts. Workers may ask it after
+    /// `main`, so it lives as long as the process.
     static void setShared(NetworkFlagsSource* source);
 };
 

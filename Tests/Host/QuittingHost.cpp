@@ -3,6 +3,7 @@
 // inside it, "close" destroys the window first.
 
 #include "Bundle.h"
+#include "MainLoop.h"
 #include "NetworkFlags.h"
 #include "URLSession.h"
 #include "VIRLOAdController.h"
@@ -26,10 +27,10 @@ int main(int count, char** arguments)
     QGuiApplication application(count, arguments);
     virlo::Bundle::setMainBundle("com.example.quitting-host", "Quitting Host", "1.0");
     virlo::URLSessionConfiguration::setDefaultTrustedAuthoritiesFile(arguments[2]);
-    const auto network = virlo::makeFixedNetworkFlags(virlo::NetworkFlagReachable);
-    virlo::NetworkFlagsSource::setShared(network.get());
+    // Workers go on after main: what they may still come to is never destroyed.
+    virlo::NetworkFlagsSource::setShared(virlo::makeFixedNetworkFlags(virlo::NetworkFlagReachable).release());
+    static auto& window = *new std::unique_ptr<QQuickWindow>(new QQuickWindow);
 
-    auto window = std::make_unique<QQuickWindow>();
     window->resize(640, 360);
     window->show();
 
@@ -39,8 +40,8 @@ int main(int count, char** arguments)
         VIRLOTrackingManager::initWithDirectoryPath(std::string(std::getenv("XDG_DATA_HOME")) + "/tracking"),
         VIRLOAppRequestStore::sharedStore());
     ads->startWithAppIdentifier("quitting-host");
-    ads->adViewControllerForPlacementWithCompletion("AppLaunch", [&](const auto& screen, const auto&) {
-        QMetaObject::invokeMethod(&application, [&window, screen] {
+    ads->adViewControllerForPlacementWithCompletion("AppLaunch", [](const auto& screen, const auto&) {
+        virlo::MainLoop::performOnMain([screen] {
             if (window)
                 VIRLOAdPresenter::present(screen, window.get());
         });
@@ -54,5 +55,7 @@ int main(int count, char** arguments)
             window.reset();
         QGuiApplication::quit();
     });
-    return QGuiApplication::exec();
+    const int status = QGuiApplication::exec();
+    window.reset();
+    return status;
 }

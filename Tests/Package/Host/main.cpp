@@ -57,8 +57,7 @@ int main(int count, char** arguments)
     virlo::setSystemLogSink([](std::string_view line) { std::printf("%s\n", std::string(line).c_str()); });
     virlo::URLSessionConfiguration::setDefaultTrustedAuthoritiesFile("");
     virlo::AdvertisingIdentifier::withhold();
-    const auto unplugged = virlo::makeFixedNetworkFlags(0);
-    virlo::NetworkFlagsSource::setShared(unplugged.get());
+    virlo::NetworkFlagsSource::setShared(virlo::makeFixedNetworkFlags(0).release());
     NoPages pages;
     virlo::Application::setURLOpener(&pages);
 
