@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <filesystem>
 #include <string>
 
 // Runs the benchmarks named on the command line, or all of them, and writes what they found. One that fails
@@ -27,6 +28,8 @@ int main(int count, char** arguments)
             wanted.emplace_back(arguments[index]);
     }
 
+    // Benchmarks may go to folders of their own.
+    output = std::filesystem::absolute(output).string();
     Results results;
     for (const std::string& name : wanted) {
         if (!benchmarkNamed(name)) {
@@ -50,6 +53,8 @@ int main(int count, char** arguments)
     }
     results.print();
     const bool written = results.write(output);
+    if (!written)
+        std::fprintf(stderr, "bench: cannot write %s\n", output.c_str());
     if (!failed.empty())
         std::fprintf(stderr, "bench: failed:%s\n", failed.c_str());
     return written && failed.empty() ? 0 : 1;
