@@ -34,6 +34,9 @@ private:
 
 /// Seconds that `work` took.
 [[nodiscard]] double timed(const std::function<void()>& work);
+/// Seconds of the processor that `work` took on this thread: what else the machine does meanwhile does not
+/// count.
+[[nodiscard]] double timedOnThread(const std::function<void()>& work);
 [[nodiscard]] double median(std::vector<double> values);
 /// The value that `share` of all values do not exceed.
 [[nodiscard]] double percentile(std::vector<double> values, double share);
