@@ -8,7 +8,7 @@ target_include_directories(virlo-screens-static PUBLIC
   "${CMAKE_CURRENT_SOURCE_DIR}/ViewControllers"
   "${CMAKE_CURRENT_SOURCE_DIR}/ViewControllers/Fullscreen"
 )
-target_link_libraries(virlo-screens-static PUBLIC virlo-core virlo-platform-ui Qt6::Quick)
+target_link_libraries(virlo-screens-static PUBLIC virlo-core virlo-platform-ui virlo-platform-media Qt6::Quick)
 target_sources(virlo-screens-static PRIVATE
   Storage/VIRLOAdFullscreenImageStore.cpp
   Storage/VIRLOAdInterstitialImageStore.cpp

@@ -12,6 +12,7 @@ namespace virlo
 class GstMediaEngine : public MediaEngine
 {
 public:
+    void prepare() override;
     [[nodiscard]] std::shared_ptr<MediaPlayback> playbackOfURL(const URL& url, bool muted,
                                                                Callbacks callbacks) override;
 

@@ -72,15 +72,25 @@ public:
         std::function<void()> frameArrived; ///< a newer picture is due
     };
 
+    using Maker = MediaEngine* (*)();
+
     virtual ~MediaEngine() = default;
+
+    /// Does what takes time before a first clip. May take as long as the disk likes: not on the main thread.
+    /// A clip that was not prepared for does it itself.
+    virtual void prepare() {}
 
     [[nodiscard]] virtual std::shared_ptr<MediaPlayback> playbackOfURL(const URL& url, bool muted,
                                                                        Callbacks callbacks) = 0;
 
-    /// The engine in force: GStreamer's unless one was set.
+    /// The engine in force: the usual one unless one was set. The first call for the usual one makes it, for
+    /// which the disk may be read: who is about to play something calls it from a worker first.
     [[nodiscard]] static MediaEngine& shared();
-    /// Puts `engine` in force for what is made from here on, or GStreamer's again for null. Not owned.
+    /// Puts `engine` in force for what is made from here on, or the usual one again for null. Not owned.
     static void setShared(MediaEngine* engine);
+    /// Says who makes the usual engine; without a maker it is one whose clips all fail. For static
+    /// initialisers.
+    static void setMaker(Maker maker);
 };
 
 } // namespace virlo

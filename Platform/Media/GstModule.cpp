@@ -1,0 +1,13 @@
+#include "GstMediaEngine.h"
+#include "MediaModule.h"
+
+#include "Export.h"
+
+#include <string_view>
+
+/// What `MediaModule` asks for. Null where the library that asks is not the one that this was built with:
+/// they share classes.
+extern "C" VIRLO_EXPORT virlo::MediaEngine* virloMakeMediaEngine(const char* version)
+{
+    return std::string_view(version) == VIRLO_VERSION ? new virlo::GstMediaEngine : nullptr;
+}
