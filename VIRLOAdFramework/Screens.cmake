@@ -7,6 +7,7 @@ set_target_properties(virlo-screens-static PROPERTIES AUTOMOC ON)
 target_include_directories(virlo-screens-static PUBLIC
   "${CMAKE_CURRENT_SOURCE_DIR}/ViewControllers"
   "${CMAKE_CURRENT_SOURCE_DIR}/ViewControllers/Fullscreen"
+  "${CMAKE_CURRENT_SOURCE_DIR}/ViewControllers/Video"
 )
 target_link_libraries(virlo-screens-static PUBLIC virlo-core virlo-platform-ui virlo-platform-media Qt6::Quick)
 target_sources(virlo-screens-static PRIVATE
@@ -27,6 +28,11 @@ target_sources(virlo-screens-static PRIVATE
   Utilities/VIRLOTimerButton.cpp
   Utilities/VIRLOTimerProgress.cpp
   ViewControllers/Fullscreen/VIRLOAdFullscreenViewController.cpp
+  ViewControllers/Video/VIRLOAdVideoView.cpp
+  ViewControllers/Video/VIRLOAdVideoView.h
+  ViewControllers/Video/VIRLOAdVideoViewController.cpp
+  ViewControllers/Video/VIRLOAdVideoViewController+Playback.cpp
+  ViewControllers/Video/VIRLOAdVideoViewController+Reporting.cpp
   ViewControllers/VIRLOAdPresenter.cpp
   ViewControllers/VIRLOAdStoryboardScreens.cpp
   ViewControllers/VIRLOAdViewController.cpp

@@ -11,7 +11,8 @@ enum class PressType {
     RightArrow = 3,
     Select = 4,
     Menu = 5,
-    PlayPause = 6
+    PlayPause = 6,
+    Mute = 7
 };
 
 /// One press of a button, from key down to key up.

@@ -34,6 +34,8 @@ std::optional<PressType> pressTypeOfKey(int key, Qt::KeyboardModifiers modifiers
     case Qt::Key_MediaTogglePlayPause:
     case Qt::Key_Play:
         return PressType::PlayPause;
+    case Qt::Key_VolumeMute:
+        return PressType::Mute;
     default:
         return std::nullopt;
     }

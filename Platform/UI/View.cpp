@@ -142,6 +142,19 @@ void View::pinToEdges(View& view)
         QQuickItemPrivate::get(&view)->anchors()->setFill(this);
 }
 
+void View::pinToLowerLeadingCorner(View& view, const QSizeF& size, double margin)
+{
+    view.setSize(size);
+    if (view.parentItem() != this)
+        return;
+    QQuickItemPrivate* const own = QQuickItemPrivate::get(this);
+    QQuickAnchors& anchors = *QQuickItemPrivate::get(&view)->anchors();
+    anchors.setLeft(own->left());
+    anchors.setLeftMargin(margin);
+    anchors.setBottom(own->bottom());
+    anchors.setBottomMargin(margin);
+}
+
 // Focus
 
 void View::setFocusable(bool focusable)
@@ -247,6 +260,7 @@ void View::itemChange(ItemChange change, const ItemChangeData& data)
             std::remove_if(m_held.begin(), m_held.end(),
                            [&](const std::shared_ptr<View>& view) { return view.get() == data.item; }),
             m_held.end());
+        revalidateFocus(); // what it covered may be chosen again
         break;
     case ItemVisibleHasChanged:
     case ItemEnabledHasChanged:

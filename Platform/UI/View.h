@@ -65,6 +65,9 @@ public:
 
     /// Makes `view`, a subview of this one, fill it at whatever size this view has.
     void pinToEdges(View& view);
+    /// Keeps `view`, a subview of this one, at its size and `margin` away from this view's leading and lower
+    /// edges.
+    void pinToLowerLeadingCorner(View& view, const QSizeF& size, double margin);
 
     // Focus
     /// What `focusable` says, unless overridden; who overrides it calls `focusabilityDidChange` when its

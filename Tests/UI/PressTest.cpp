@@ -83,6 +83,7 @@ TEST(RemoteKeys, StandForTheRemotesButtons)
                                    {Qt::Key_MediaPlay, PressType::PlayPause},
                                    {Qt::Key_MediaPause, PressType::PlayPause},
                                    {Qt::Key_MediaTogglePlayPause, PressType::PlayPause},
+                                   {Qt::Key_VolumeMute, PressType::Mute},
                                    {Qt::Key_A, std::nullopt},
                                    {Qt::Key_Tab, std::nullopt}};
     for (const KeyRow& row : rows) {

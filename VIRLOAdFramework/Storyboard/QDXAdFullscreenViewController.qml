@@ -62,6 +62,17 @@ View {
         height: screen.height
     }
 
+    VIRLOButton {
+        id: action
+        x: Math.max(screen.safeMargin, Math.min(actionLeft.constant, screen.width - screen.safeMargin - width))
+        y: Math.max(screen.safeMargin, Math.min(actionTop.constant, screen.height - screen.safeMargin - height))
+        width: Math.min(Math.max(420, implicitWidth + 96), 1680)
+        height: 96
+        fontSize: 38
+        iconHeight: 48
+        focusRingWidth: 6
+    }
+
     // The ring and its number read on any picture.
     ImageView {
         id: halo
@@ -108,16 +119,5 @@ View {
         width: 99
         height: 99
         accessibleName: qsTr("Close")
-    }
-
-    VIRLOButton {
-        id: action
-        x: Math.max(screen.safeMargin, Math.min(actionLeft.constant, screen.width - screen.safeMargin - width))
-        y: Math.max(screen.safeMargin, Math.min(actionTop.constant, screen.height - screen.safeMargin - height))
-        width: Math.min(Math.max(420, implicitWidth + 96), 1680)
-        height: 96
-        fontSize: 38
-        iconHeight: 48
-        focusRingWidth: 6
     }
 }

@@ -4,6 +4,7 @@
 #include "Storyboard.h"
 #include "VIRLOAdFullscreenViewController.h"
 #include "VIRLOAdServerAPI.h"
+#include "VIRLOAdVideoViewController.h"
 #include "VIRLOAdViewControllerBase.h"
 #include "VIRLOAdvertisement.h"
 #include "VIRLOFrameworkImages.h"
@@ -32,6 +33,8 @@ std::shared_ptr<VIRLOAdViewControllerBase> sceneNamed(const char* identifier)
 std::shared_ptr<VIRLOAdViewControllerBase> screenForType(VIRLOAdvertisementType type)
 {
     switch (type) {
+    case VIRLOAdvertisementType::Video:
+        return virlo::ViewController::make<VIRLOAdVideoViewController>();
     case VIRLOAdvertisementType::Engagement:
         return sceneNamed(fullscreenScene);
     default:

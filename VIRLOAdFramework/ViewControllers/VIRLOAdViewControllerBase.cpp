@@ -8,6 +8,7 @@
 #include "VIRLOAdFrameworkLogger.h"
 #include "VIRLOAdItem.h"
 #include "VIRLOAdServerAPI.h"
+#include "VIRLOAdVideoViewController.h"
 #include "VIRLOAppRequestStore.h"
 
 #include <utility>
@@ -149,8 +150,46 @@ void VIRLOAdViewControllerBase::closeAd()
     const auto controller = VIRLOAdController::sharedAdController();
     controller->checkAvailableCurrencyAfterTimeInterval(soonAfterClosing);
     controller->checkAvailableCurrencyAfterTimeInterval(longAfterClosing);
-    if (!closeOverlay())
+    if (closeOverlay())
+        return;
+    const auto& children = childViewControllers();
+    const auto video =
+        children.empty() ? nullptr : std::dynamic_pointer_cast<VIRLOAdVideoViewController>(children.front());
+    if (video)
+        video->completeAd();
+    else
         completeAd();
+}
+
+std::vector<std::shared_ptr<VIRLOAdVideoViewController>> VIRLOAdViewControllerBase::videos() const
+{
+    std::vector<std::shared_ptr<VIRLOAdVideoViewController>> result;
+    for (const auto& child : childViewControllers()) {
+        if (auto video = std::dynamic_pointer_cast<VIRLOAdVideoViewController>(child))
+            result.push_back(std::move(video));
+    }
+    return result;
+}
+
+void VIRLOAdViewControllerBase::pauseVideos()
+{
+    for (const auto& video : videos())
+        video->pause();
+}
+
+void VIRLOAdViewControllerBase::resumeVideos()
+{
+    for (const auto& video : videos())
+        video->resume();
+}
+
+void VIRLOAdViewControllerBase::pressesEnded(const std::vector<virlo::Press>& presses)
+{
+    std::vector<virlo::Press> others = presses;
+    for (const auto& video : videos())
+        others = video->handlePresses(others);
+    if (!others.empty())
+        ViewController::pressesEnded(others);
 }
 
 bool VIRLOAdViewControllerBase::closeOverlay()

@@ -4,9 +4,11 @@
 #include "ViewController.h"
 
 #include <memory>
+#include <vector>
 
 class VIRLOAdItem;
 class VIRLOAdServerAPI;
+class VIRLOAdVideoViewController;
 class VIRLOAdvertisement;
 
 namespace virlo
@@ -43,9 +45,13 @@ public:
     /// that. The ad stays behind the content: `adCompleted` is not called.
     void openContentForItem(const std::shared_ptr<VIRLOAdItem>& item);
 
-    /// Menu, or a close button. Each time it also has rewards looked for in 5 and in 30 seconds, for quick
-    /// servers and for slow ones.
+    /// Menu, or a close button: ends what lies over the ad, else a video that is its first child, else the ad
+    /// itself. Each time it also has rewards looked for in 5 and in 30 seconds, for quick servers and for
+    /// slow ones.
     void closeAd();
+
+    /// Play/pause and mute go to a video that is a child; the rest is passed on.
+    void pressesEnded(const std::vector<virlo::Press>& presses) override;
 
     /// Present while the screen can be seen, unless it is a part of another ad screen, which has Menu then.
     [[nodiscard]] const std::shared_ptr<virlo::TapRecognizer>& menuButtonRecognizer() const noexcept
@@ -61,6 +67,10 @@ protected:
     /// stays. The base has nothing of the kind.
     [[nodiscard]] virtual bool closeOverlay();
 
+    /// For the time in which something lies over the ad.
+    void pauseVideos();
+    void resumeVideos();
+
     /// This object as its own class, for work that comes back after it may have gone.
     template <typename Self>
     [[nodiscard]] static std::weak_ptr<Self> weakSelf(Self& self)
@@ -70,6 +80,7 @@ protected:
 
 private:
     void completeAd() const;
+    [[nodiscard]] std::vector<std::shared_ptr<VIRLOAdVideoViewController>> videos() const;
     void appDownloadDidResolve(const VIRLOAdItem& item) const;
 
     std::shared_ptr<VIRLOAdvertisement> m_ad;

@@ -17,6 +17,7 @@
 #include "VIRLOAdServerAPI.h"
 #include "VIRLOAdServerApiImageDownloader.h"
 #include "VIRLOAdStoryboardScreens.h"
+#include "VIRLOAdVideoViewController.h"
 #include "VIRLOAdvertisement.h"
 #include "VIRLOColorSampling.h"
 #include "VIRLOFocusPreference.h"
@@ -80,6 +81,7 @@ void VIRLOAdFullscreenViewController::preloadAdElementsWithCompletion(Completion
     DispatchGroup group;
     preloadView(group);
     preloadPicture(group);
+    preloadVideo(group);
     // Holds the screen: the downloader that the picture comes through is the screen's.
     group.notify(GlobalQueue::high(), [self = shared_from_this(), completion = std::move(completion)] {
         completion(std::nullopt);
@@ -118,6 +120,42 @@ void VIRLOAdFullscreenViewController::preloadPicture(DispatchGroup group)
         downloader->retrieveImageForItemWithCompletion(
             item, [hand, item, store](const OptionalError&) { hand(store->imageForItem(*item)); });
     });
+}
+
+void VIRLOAdFullscreenViewController::preloadVideo(DispatchGroup group)
+{
+    if (!m_adItem || !m_adItem->markupURL())
+        return;
+    group.enter();
+    const auto video = virlo::ViewController::make<VIRLOAdVideoViewController>();
+    video->setApi(api());
+    video->setAd(ad());
+    video->setAdCompleted([weak = std::weak_ptr(video)] {
+        MainLoop::shared().post([weak] {
+            const auto ended = weak.lock();
+            if (!ended)
+                return;
+            ended->view().removeFromSuperview();
+            ended->removeFromParentViewController();
+        });
+    });
+    video->preloadAdElementsWithCompletion(
+        [weak = weakSelf(*this), video, group](const OptionalError& error) {
+            MainLoop::shared().post([weak, video, group, failed = error.has_value()]() mutable {
+                const auto self = weak.lock();
+                if (self && !failed)
+                    self->layOver(video);
+                group.leave();
+            });
+        });
+}
+
+void VIRLOAdFullscreenViewController::layOver(const std::shared_ptr<VIRLOAdVideoViewController>& video)
+{
+    addChildViewController(video);
+    video->view().setFrame(view().bounds());
+    // The close button is the uppermost of the scene: the video covers everything.
+    view().insertSubviewAbove(video->view(), *m_closeButton);
 }
 
 void VIRLOAdFullscreenViewController::pictureDidPreload(Picture picture)

@@ -6,6 +6,7 @@
 #include <memory>
 
 class VIRLOAdServerApiImageDownloader;
+class VIRLOAdVideoViewController;
 class VIRLOTimerButton;
 
 namespace virlo
@@ -24,6 +25,9 @@ class LayoutConstraint;
 /// The preload makes the views on the main thread while a worker fetches and decodes the picture, so that
 /// presenting has nothing left to do. A picture that has not come by then is asked for again when the screen
 /// appears, under a spinning wheel.
+///
+/// An item with a video shows that first, over everything, until it has ended or Menu was pressed; the close
+/// button counts meanwhile. A video whose document cannot be read is left out.
 ///
 /// First focus: the action button. Back: Menu, at any time; the close button once it has counted down.
 class VIRLOAdFullscreenViewController : public VIRLOAdViewControllerBase,
@@ -59,6 +63,8 @@ private:
     enum class PictureState { Awaited, Shown, Missing, AskedAgain };
 
     void preloadPicture(virlo::DispatchGroup group);
+    void preloadVideo(virlo::DispatchGroup group);
+    void layOver(const std::shared_ptr<VIRLOAdVideoViewController>& video);
     void preloadView(virlo::DispatchGroup group);
     void setUpCloseButton();
     void setUpActionButton();

@@ -1,0 +1,271 @@
+#include "LogCapture.h"
+#include "NotificationCenter.h"
+#include "Settle.h"
+#include "VIRLOAdItem.h"
+#include "VIRLOAdPresenter.h"
+#include "VIRLOAppRequestStore.h"
+#include "VIRLOConnectionQualityMonitor.h"
+#include "VIRLOTimerProgress.h"
+#include "VIRLOVASTMediaFile.h"
+#include "VideoTest.h"
+
+namespace virlo::test
+{
+
+namespace
+{
+
+/// What a film reports, and when.
+class Films : public FakeVideoTest
+{
+};
+
+TEST_F(Films, ReportsEachMomentOnceAndClosesItselfAtTheEnd)
+{
+    const auto video = made(videoAd({{"a", 8}}));
+    ready("a");
+    EXPECT_EQ(pings(), Pings()) << "nothing before it is shown";
+    show(video);
+    EXPECT_EQ(pings(), (Pings{"a creativeView", "a start", "impression"}));
+    EXPECT_TRUE(engine.at(clip("a")).isPlaying);
+    const std::vector<Pings> due{{}, {"a firstQuartile"}, {}, {"a midpoint"}, {}, {"a thirdQuartile"}, {}};
+    for (int second = 1; second <= 7; ++second) {
+        playTo("a", second);
+        EXPECT_EQ(pings(), due.at(static_cast<std::size_t>(second) - 1)) << "at " << second;
+    }
+    end("a");
+    EXPECT_EQ(pings(), (Pings{"a complete"})) << "no close without a film";
+    EXPECT_TRUE(isOver());
+    EXPECT_FALSE(engine.at(clip("a")).isLoaded);
+}
+
+struct Thresholds {
+    int duration;
+    int first;
+    int middle;
+    int third;
+};
+
+TEST_F(Films, ReportsQuartilesAtWholeSecondsOneATick)
+{
+    for (const Thresholds& row : {Thresholds{30, 7, 15, 22}, Thresholds{10, 2, 5, 7}, Thresholds{3, 1, 2, 3},
+                                  Thresholds{0, 1, 2, 3}}) {
+        SCOPED_TRACE(row.duration);
+        const std::string name = "d" + std::to_string(row.duration);
+        const auto video = playing(videoAd({{name, row.duration}}), name, 40);
+        for (const auto& [second, event] :
+             {std::pair(row.first, " firstQuartile"), std::pair(row.middle, " midpoint"),
+              std::pair(row.third, " thirdQuartile")}) {
+            playTo(name, second - 1);
+            EXPECT_EQ(pings(), Pings());
+            playTo(name, second);
+            EXPECT_EQ(pings(), (Pings{name + event}));
+        }
+        click(Qt::Key_Escape);
+        EXPECT_EQ(pings(), (Pings{name + " close"}));
+    }
+}
+
+TEST_F(Films, AJumpReportsWhatItPassedOneATick)
+{
+    const auto video = playing(videoAd({{"a", 8}}), "a");
+    for (const auto& [second, event] :
+         {std::pair(6, "a firstQuartile"), std::pair(7, "a midpoint"), std::pair(8, "a thirdQuartile")}) {
+        engine.moveTo(clip("a"), Seconds(second));
+        EXPECT_EQ(pings(), (Pings{event}));
+    }
+}
+
+TEST_F(Films, FollowEachOtherEachWithItsOwnReports)
+{
+    const auto video = playing(videoAd({{"a", 8}, {"b", 4}}), "a");
+    playTo("a", 7);
+    EXPECT_EQ(pings(), (Pings{"a firstQuartile", "a midpoint", "a thirdQuartile"}));
+    ready("b", 4);
+    end("a");
+    EXPECT_EQ(pings(), (Pings{"a complete", "b start"}));
+    for (const auto& [second, event] :
+         {std::pair(1, "b firstQuartile"), std::pair(2, "b midpoint"), std::pair(3, "b thirdQuartile")}) {
+        playTo("b", second);
+        EXPECT_EQ(pings(), (Pings{event}));
+    }
+    EXPECT_FALSE(isOver());
+    end("b");
+    EXPECT_EQ(pings(), (Pings{"b complete"}));
+    EXPECT_TRUE(isOver());
+}
+
+TEST_F(Films, ThatFailLeaveAsCompleteAndTheLastClosesTheScreen)
+{
+    const auto video = playing(videoAd({{"a"}, {"b"}}), "a");
+    end("a", PlaybackFacts::Phase::Failed);
+    EXPECT_EQ(pings(), (Pings{"a complete", "b start"}));
+    EXPECT_TRUE(isBusy(video)) << "the next one has not come yet";
+    end("b", PlaybackFacts::Phase::Failed);
+    EXPECT_EQ(pings(), (Pings{"b complete"}));
+    EXPECT_TRUE(isOver());
+}
+
+TEST_F(Films, AreMutedByTheRemoteAndSayEachChangeOnce)
+{
+    const auto video = playing(videoAd({{"a"}}), "a");
+    click(Qt::Key_VolumeMute);
+    EXPECT_TRUE(engine.at(clip("a")).isMuted);
+    EXPECT_EQ(pings(), (Pings{"a mute"}));
+    video->videoPlayer()->setMuted(true);
+    EXPECT_EQ(pings(), Pings());
+    click(Qt::Key_VolumeMute);
+    EXPECT_FALSE(engine.at(clip("a")).isMuted);
+    EXPECT_EQ(pings(), (Pings{"a unmute"}));
+}
+
+TEST_F(Films, PauseAndGoOnByTheRemoteAndWithTheHost)
+{
+    const auto video = playing(videoAd({{"a"}}), "a");
+    const auto post = [](const char* name) {
+        NotificationCenter::defaultCenter().post(name);
+        pumpMainLoop();
+    };
+    post(ApplicationDidBecomeActiveNotification);
+    click(Qt::Key_MediaTogglePlayPause);
+    EXPECT_FALSE(engine.at(clip("a")).isPlaying);
+    EXPECT_FALSE(isBusy(video));
+    EXPECT_EQ(pings(), (Pings{"a pause"}));
+    // Whoever paused it by hand finds it paused when the host comes back.
+    post(ApplicationDidEnterBackgroundNotification);
+    post(ApplicationDidBecomeActiveNotification);
+    EXPECT_EQ(pings(), Pings());
+    click(Qt::Key_MediaTogglePlayPause);
+    EXPECT_TRUE(engine.at(clip("a")).isPlaying);
+    EXPECT_EQ(pings(), (Pings{"a resume"}));
+    post(ApplicationDidEnterBackgroundNotification);
+    EXPECT_FALSE(engine.at(clip("a")).isPlaying);
+    EXPECT_EQ(pings(), (Pings{"a pause"}));
+    post(ApplicationDidBecomeActiveNotification);
+    EXPECT_TRUE(engine.at(clip("a")).isPlaying);
+    EXPECT_EQ(pings(), (Pings{"a resume"}));
+}
+
+TEST_F(Films, ThatWaitShowTheWheelUntilTheyCanGoOn)
+{
+    const auto video = made(videoAd({{"a"}}));
+    show(video);
+    EXPECT_TRUE(isBusy(video)) << "no first picture yet";
+    ready("a");
+    EXPECT_FALSE(isBusy(video));
+    EXPECT_TRUE(engine.at(clip("a")).isPlaying);
+    engine.set(clip("a"), {.phase = PlaybackFacts::Phase::Ready, .duration = Seconds(8)});
+    pumpMainLoop();
+    EXPECT_TRUE(isBusy(video));
+    ready("a");
+    EXPECT_FALSE(isBusy(video));
+    EXPECT_TRUE(engine.at(clip("a")).isPlaying);
+    EXPECT_EQ(pings(), (Pings{"a creativeView", "a start", "impression"})) << "a stall is nobody's pause";
+}
+
+TEST_F(Films, ThatSomebodyElseStopsGoOn)
+{
+    const auto video = playing(videoAd({{"a"}}), "a");
+    video->videoPlayer()->pause();
+    settleAll();
+    EXPECT_TRUE(engine.at(clip("a")).isPlaying);
+    EXPECT_EQ(pings(), Pings());
+}
+
+TEST_F(Films, AreCountedDownAndTheNextOneGivesItsPredecessorsSecondsBack)
+{
+    const auto video = made(videoAd({{"a", 8}, {"b", 4}}));
+    EXPECT_EQ(countOf(video), "12");
+    ready("a");
+    show(video);
+    playTo("a", 3);
+    EXPECT_EQ(countOf(video), "9");
+    playTo("a", 7);
+    EXPECT_EQ(countOf(video), "5");
+    ready("b", 4);
+    end("a");
+    playTo("b", 1);
+    EXPECT_EQ(countOf(video), "11");
+}
+
+TEST_F(Films, LongerThanTheirDocumentSaysStandAtZero)
+{
+    const auto video = playing(videoAd({{"a", 3}}), "a", 8);
+    playTo("a", 5);
+    EXPECT_EQ(countOf(video), "0");
+    EXPECT_FALSE(isOver());
+}
+
+TEST_F(Films, ThatCannotBePlayedShiftTheReportsOfThoseAfter)
+{
+    const auto video =
+        playing(videoAd({{"a", 8, mediaFile("file:///a.mp4", 1280, 720)}, {"b", 8}, {"c", 8}}), "b");
+    EXPECT_EQ(countOf(video), "16");
+    playTo("b", 2);
+    EXPECT_EQ(pings(), (Pings{"a firstQuartile"}));
+    end("b");
+    EXPECT_EQ(pings(), (Pings{"a complete", "b start"}));
+}
+
+TEST_F(Films, AreTakenInTheScreensWidthElseWithTheMostPixels)
+{
+    struct Row {
+        std::vector<std::pair<int, int>> sizes;
+        std::string chosen;
+    };
+
+    const auto chosen = [](const std::vector<std::pair<int, int>>& sizes) {
+        VIRLOVASTCreative::MediaFiles files;
+        for (const auto& [width, height] : sizes) {
+            const std::string wide = std::to_string(width);
+            const std::string high = std::to_string(height);
+            const char* const attributes[] = {"width", wide.c_str(), "height", high.c_str(), nullptr};
+            files.push_back(VIRLOVASTMediaFile::initWithURLAndProperties(
+                URL::fromString("https://a/" + std::to_string(files.size())), XMLAttributes(attributes)));
+        }
+        const auto file = VIRLOAdVideoViewController::bestMEdiaFileForCurrentViewFromCollection(files);
+        return file ? file->url()->absoluteString().substr(10) : "none";
+    };
+    for (const Row& row : {Row{{{3840, 2160}, {1920, 800}, {1920, 1080}}, "1"},
+                           Row{{{640, 480}, {1280, 720}, {720, 1280}}, "1"}, Row{{{0, 0}, {1280, 0}}, "none"},
+                           Row{{{0, 0}, {2, 1}}, "1"}, Row{{}, "none"}})
+        EXPECT_EQ(chosen(row.sizes), row.chosen);
+}
+
+TEST_F(Films, EarnTheirRewardEachTimeOneIsComplete)
+{
+    const auto ad = videoAd({{"a"}, {"b"}}, {{"pollingUrl", url("/poll/film")}});
+    const std::string click = "/click/" + identifier();
+    const auto video = playing(ad, "a");
+    const auto isOwed = [this] {
+        const auto items = VIRLOAppRequestStore::sharedStore()->items();
+        return std::find(items.begin(), items.end(), *URL::fromString(url("/poll/film"))) != items.end();
+    };
+    EXPECT_FALSE(isOwed());
+    end("a");
+    EXPECT_TRUE(awaitRequests(click));
+    EXPECT_TRUE(settle(isOwed));
+    end("b");
+    EXPECT_TRUE(awaitRequests(click, 2));
+    VIRLOAppRequestStore::sharedStore()->removeItem(*URL::fromString(url("/poll/film")));
+}
+
+TEST_F(Films, TellTheSpeedOfTheLine)
+{
+    const auto video = playing(videoAd({{"a"}}), "a");
+    const auto monitor = VIRLOConnectionQualityMonitor::sharedMonitor();
+    const std::size_t before = monitor->measurementsDownload().size();
+    engine.log(clip("a"), {.numberOfBytesTransferred = 0, .observedBitrate = 8000});
+    engine.log(clip("a"), {.numberOfBytesTransferred = 500'000, .observedBitrate = 0});
+    pumpMainLoop();
+    EXPECT_EQ(monitor->measurementsDownload().size(), before);
+    engine.log(clip("a"), {.numberOfBytesTransferred = 500'000, .observedBitrate = 2'000'000});
+    pumpMainLoop();
+    ASSERT_EQ(monitor->measurementsDownload().size(), before + 1);
+    EXPECT_EQ(monitor->measurementsDownload().back()->bitsTransmitted(), 4'000'000U);
+    EXPECT_DOUBLE_EQ(monitor->measurementsDownload().back()->timeInterval(), 2.0);
+}
+
+} // namespace
+
+} // namespace virlo::test

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "FakeMediaEngine.h"
+#include "ScreenTest.h"
+#include "VIRLOAdVideoViewController.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace virlo::test
+{
+
+/// A creative of a test's document. Its clip's address is `clip`, below "/clip/" on the test's server; its
+/// pings go to "/ping/NAME/EVENT".
+struct Film {
+    std::string name;
+    int seconds = 8;
+    std::string mediaFiles = {}; ///< elements in place of one clip of 1280×720
+};
+
+/// Video ads over a host's window, with pings that are answered and counted.
+class VideoTest : public ScreenTest
+{
+protected:
+    using Pings = std::vector<std::string>;
+    using Video = std::shared_ptr<VIRLOAdVideoViewController>;
+
+    VideoTest();
+    /// What stands is left, and its pings are waited for.
+    ~VideoTest() override;
+
+    [[nodiscard]] static std::string clip(const std::string& name) { return url("/clip/" + name); }
+
+    /// A media file's element.
+    [[nodiscard]] static std::string mediaFile(const std::string& address, int width, int height);
+    /// A document with one ad that has one impression, "/ping/impression".
+    [[nodiscard]] static std::string document(const std::vector<Film>& films);
+    /// A video ad whose document is that one; `item` as for `ad`.
+    [[nodiscard]] JSON videoAd(const std::vector<Film>& films, const JSON& item = {});
+    /// A full-screen picture with that document's film over it.
+    [[nodiscard]] JSON pictureAd(const std::vector<Film>& films);
+
+    struct Made {
+        std::shared_ptr<VIRLOAdViewController> screen;
+        OptionalError error;
+    };
+
+    /// What the library hands to a host for the ad; nothing where that takes longer than `limit`.
+    [[nodiscard]] std::optional<Made> make(const JSON& ad, Seconds limit = Seconds(10));
+    [[nodiscard]] Video made(const JSON& ad);
+    /// Presents over the window and waits for the first frame.
+    void show(const std::shared_ptr<VIRLOAdViewController>& screen);
+    [[nodiscard]] Video shownVideo(const JSON& ad);
+
+    [[nodiscard]] bool isOver() { return window.left().hasActiveFocus(); }
+
+    /// What was pinged since the last call, as "NAME EVENT" or "impression", in the order of the alphabet.
+    [[nodiscard]] static Pings pings();
+    [[nodiscard]] static bool isBusy(const Video& video);
+    [[nodiscard]] static std::string countOf(const Video& video);
+
+private:
+    void serveDocument(const std::vector<Film>& films);
+};
+
+/// The same with clips that do what the test says.
+class FakeVideoTest : public VideoTest
+{
+protected:
+    /// The clip's first picture stands.
+    void ready(const std::string& name, int seconds = 8);
+    /// The clip's time passes up to `second`, each second told.
+    void playTo(const std::string& name, int second);
+    void end(const std::string& name, PlaybackFacts::Phase phase = PlaybackFacts::Phase::Ended);
+    /// Ready and shown, with the pings of the start taken away.
+    [[nodiscard]] Video playing(const JSON& ad, const std::string& name, int seconds = 8);
+
+    FakeMediaEngine engine;
+    Seconds m_time{0};
+};
+
+} // namespace virlo::test

@@ -1,0 +1,28 @@
+#include "VIRLOAdVideoView.h"
+
+#include "QueuePlayer.h"
+
+#include <utility>
+
+const char* const VIRLOAdVideoView::kAdVideoViewPlayerAccessQueue =
+    "com.virlohq.VIRLOAdVideoViewPlayerAccessQueue";
+
+VIRLOAdVideoView::VIRLOAdVideoView(QQuickItem* superview)
+    : PlayerLayerView(superview)
+    , m_playerAccess(kAdVideoViewPlayerAccessQueue)
+{
+    setBackgroundColor(Qt::black);
+    setObscuresFocus(true);
+}
+
+std::shared_ptr<virlo::QueuePlayer> VIRLOAdVideoView::player() const
+{
+    return m_playerAccess.read([this] { return PlayerLayerView::player(); });
+}
+
+void VIRLOAdVideoView::setPlayer(std::shared_ptr<virlo::QueuePlayer> player)
+{
+    // The old one goes after the queue was left.
+    const auto before = this->player();
+    m_playerAccess.sync([&] { PlayerLayerView::setPlayer(std::move(player)); });
+}
