@@ -1,0 +1,152 @@
+#include "GstMediaEngine.h"
+#include "RealVideoTest.h"
+#include "Settle.h"
+#include "VIRLOAdPresenter.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <malloc.h>
+#include <random>
+
+namespace virlo::test
+{
+
+namespace
+{
+
+using namespace std::chrono_literals;
+
+constexpr bool freedMemoryGoesBack =
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    false;
+#else
+    true;
+#endif
+
+struct Footprint {
+    long kibibytes = 0;
+    long threads = 0;
+    long descriptors = 0;
+};
+
+long entriesOf(const char* folder)
+{
+    return static_cast<long>(
+        std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()));
+}
+
+/// Videos shown and left again and again.
+class ManyVideos : public RealVideoTest
+{
+protected:
+    ManyVideos()
+    {
+        serveClip("film", "helion-720p.mp4");
+        serveClip("silent", "wildgrove-silent-720p.mp4");
+        serveClip("slow", "wildgrove-silent-720p.mp4", {.bytesPerSecond = 60'000});
+        server().setFault({.path = "/clip/hung", .neverAnswers = true});
+        server().setFault({.path = "/clip/late", .delay = 200ms, .status = 404, .body = ""});
+    }
+
+    [[nodiscard]] static std::vector<Film> films(unsigned round)
+    {
+        switch (round % 5) {
+        case 0:
+            return {{"film"}, {"silent", 4}};
+        case 1:
+            return {{"silent", 4}};
+        case 2:
+            return {{"slow", 4}, {"film"}};
+        case 3:
+            return {{"hung"}};
+        default:
+            return {{"late"}, {"late"}, {"film"}};
+        }
+    }
+
+    [[nodiscard]] Footprint footprint()
+    {
+        settleAll();
+        EXPECT_TRUE(GstMediaEngine::drain(Seconds(20)));
+        static_cast<void>(window.picture());
+        clock.advance(Seconds(31));
+        settleAll();
+        // Threads of GStreamer's own that have nothing to do leave a little later.
+        static_cast<void>(settle([] { return false; }, Seconds(0.3)));
+        malloc_trim(0);
+        Footprint now{0, entriesOf("/proc/self/task"), entriesOf("/proc/self/fd")};
+        std::ifstream rollup("/proc/self/smaps_rollup");
+        for (std::string word; rollup >> word;) {
+            if (word == "Pss:")
+                rollup >> now.kibibytes;
+        }
+        return now;
+    }
+
+    static bool soaks() { return std::getenv("VIRLO_SOAK") != nullptr; }
+};
+
+TEST_F(ManyVideos, AreLeftAtAnyMomentWithoutAnybodyWaiting)
+{
+    const unsigned rounds = soaks() ? 500 : 40;
+    std::mt19937 random(1895);
+    const auto upTo = [&](int most) { return std::uniform_int_distribution<int>(0, most)(random); };
+    Seconds longest{0};
+    for (unsigned round = 0; round < rounds; ++round) {
+        SCOPED_TRACE(round);
+        const bool overPicture = upTo(3) == 0;
+        const auto ad = overPicture ? pictureAd(films(round)) : videoAd(films(round));
+        auto result = make(ad);
+        ASSERT_TRUE(result && result->screen);
+        if (upTo(9) != 0) // else it goes without having been seen
+            VIRLOAdPresenter::present(result->screen, &window);
+        result.reset();
+        const int most = upTo(3) == 0 ? 1500 : 120;
+        static_cast<void>(settle([] { return false; }, std::chrono::milliseconds(upTo(most))));
+        if (upTo(4) == 0)
+            window.click(Qt::Key_VolumeMute);
+        if (upTo(4) == 0)
+            window.click(Qt::Key_MediaTogglePlayPause);
+        const auto before = std::chrono::steady_clock::now();
+        window.click(Qt::Key_Escape);
+        longest = std::max<Seconds>(longest, std::chrono::steady_clock::now() - before);
+        for (int presses = 0; presses < 2 && !isOver(); ++presses)
+            click(Qt::Key_Escape);
+        ASSERT_TRUE(isOver());
+    }
+    RecordProperty("longest_close_us", static_cast<int>(longest.count() * 1e6));
+    EXPECT_LT(longest, Seconds(0.25));
+}
+
+TEST_F(ManyVideos, LeaveNothingBehind)
+{
+    const int rounds = soaks() ? 200 : 20;
+    const auto showAndLeave = [this] {
+        const auto video = shownVideo(videoAd({{"silent", 4}}));
+        EXPECT_TRUE(settle([&] { return video->videoPlayer()->currentTime() > Seconds(0.1); }));
+        click(Qt::Key_Escape);
+        EXPECT_TRUE(isOver());
+    };
+    for (int i = 0; i < 10; ++i)
+        showAndLeave();
+    const Footprint before = footprint();
+    for (int i = 0; i < rounds; ++i) {
+        showAndLeave();
+        if (i % 10 == 9) {
+            clock.advance(Seconds(31));
+            server().clearExchanges();
+        }
+    }
+    const Footprint after = footprint();
+    RecordProperty("pss_growth_kib", static_cast<int>(after.kibibytes - before.kibibytes));
+    if (freedMemoryGoesBack) {
+        EXPECT_LT(after.kibibytes - before.kibibytes, 4096);
+    }
+    EXPECT_LE(after.threads, before.threads + 2);         // workers come and go
+    EXPECT_LE(after.descriptors, before.descriptors + 6); // as do kept connections
+}
+
+} // namespace
+
+} // namespace virlo::test
