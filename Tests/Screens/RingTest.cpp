@@ -1,5 +1,6 @@
 #include "ScreenTest.h"
 
+#include "Animation.h"
 #include "Image.h"
 #include "ImageView.h"
 #include "Label.h"
@@ -69,6 +70,29 @@ TEST(Ring, FillsItsShareFromTheTopOn)
     const Drawn reversed(layer);
     EXPECT_TRUE(alike(reversed.at(10), filled));
     EXPECT_TRUE(alike(reversed.at(2), track));
+}
+
+TEST(Ring, MayGoAndMayMoveAgainInTheTurnInWhichItArrives)
+{
+    TestAnimations animations;
+    auto gone = std::make_unique<VIRLOCircularProgressLayer>();
+    VIRLOCircularProgressLayer moved;
+    // Runs as long as a ring's way, and so is told of its end just before the rings are.
+    static_cast<void>(Animation::run(
+        Seconds(1.1), Animation::Curve::Linear, [](double) {},
+        [&](bool) {
+            gone.reset();
+            moved.addProgressAnimation(0.5, 0.25);
+        }));
+    gone->addProgressAnimation(1, 0.5);
+    moved.addProgressAnimation(1, 0.5);
+    animations.advance(Seconds(1.2));
+    EXPECT_EQ(gone, nullptr);
+    animations.advance(Seconds(0.5));
+    EXPECT_GT(moved.presentedProgress(), 0.25) << "on its second way";
+    EXPECT_LT(moved.presentedProgress(), 0.5);
+    animations.advance(Seconds(1));
+    EXPECT_EQ(moved.presentedProgress(), 0) << "at rest";
 }
 
 TEST(Ring, IsClosedWhenFullAndAllTrackWhenEmptyOrNoNumber)

@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QPainterPath>
+#include <QPointer>
 
 #include <algorithm>
 #include <cmath>
@@ -43,11 +44,12 @@ void VIRLOCircularProgressLayer::addProgressAnimation(double from, double to)
         m_animated = now;
         setNeedsDisplay();
     };
-    const auto ended = [this](bool finished) {
-        if (!finished)
+    // Told in a later turn of the loop, when the layer may have gone or another way have begun.
+    const auto ended = [layer = QPointer(this), way = ++m_way](bool finished) {
+        if (!finished || !layer || layer->m_way != way)
             return;
-        m_animation.reset();
-        setNeedsDisplay();
+        layer->m_animation.reset();
+        layer->setNeedsDisplay();
     };
     m_animation = virlo::Animation::run(whole, virlo::Animation::Curve::Linear, step, ended);
     setNeedsDisplay();
@@ -58,6 +60,7 @@ void VIRLOCircularProgressLayer::removeProgressAnimation()
     if (const auto animation = std::move(m_animation))
         animation->cancel();
     m_animation.reset();
+    ++m_way;
 }
 
 void VIRLOCircularProgressLayer::setTrackTintColor(const QColor& color)

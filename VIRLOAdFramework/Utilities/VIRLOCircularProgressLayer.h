@@ -56,6 +56,7 @@ private:
     double m_progress = 0;
     double m_animated = 0;
     std::shared_ptr<virlo::Animation> m_animation;
+    unsigned m_way = 0; ///< counts the ways begun and removed
     QColor m_trackTintColor = QColor::fromRgbF(0, 0, 0, 0.25F);
     QColor m_progressTintColor = Qt::white;
     double m_thicknessRatio = 0.15;
