@@ -223,7 +223,8 @@ std::optional<PlaybackThread::Instant> PlaybackThread::nextLook() const
 void PlaybackThread::look()
 {
     const auto now = Instant::clock::now();
-    const auto position = m_prerolled ? m_pipeline->position() : std::nullopt;
+    const auto told = m_prerolled ? m_pipeline->position() : std::nullopt;
+    const Seconds position = seconds(told.value_or(0));
     if (m_prerolled && !m_next.duration) {
         if (const auto duration = m_pipeline->duration(); duration && *duration > 0)
             m_next.duration = seconds(*duration);
@@ -235,9 +236,9 @@ void PlaybackThread::look()
     look.isReadInVain = !m_prerolled && m_meter->isFinished();
     {
         const std::lock_guard lock(m_mutex);
-        if (position) {
-            m_time.moves = look.shouldMove && seconds(*position) > m_time.position;
-            m_time.position = std::max(m_time.position, seconds(*position));
+        if (told) {
+            m_time.moves = look.shouldMove && position > m_time.position;
+            m_time.position = std::max(m_time.position, position);
             m_time.at = now;
         }
         m_time.moves = m_time.moves && look.shouldMove;

@@ -260,7 +260,6 @@ void View::itemChange(ItemChange change, const ItemChangeData& data)
             std::remove_if(m_held.begin(), m_held.end(),
                            [&](const std::shared_ptr<View>& view) { return view.get() == data.item; }),
             m_held.end());
-        revalidateFocus(); // what it covered may be chosen again
         break;
     case ItemVisibleHasChanged:
     case ItemEnabledHasChanged:

@@ -104,6 +104,8 @@ TEST_F(PlayedAds, ThatAreNoFilmsGiveWayToTheNext)
 {
     server().setFault({.path = "/clip/missing", .status = 404, .body = ""});
     server().setFault({.path = "/clip/text", .status = 200, .body = "no film", .contentType = "video/mp4"});
+    expectLog("Video failed: Error Domain=com.virlohq.error.media Code=2");
+    expectLog("Video failed: Error Domain=com.virlohq.error.media Code=3");
     const auto video = shownVideo(videoAd({{"missing"}, {"text"}}));
     EXPECT_TRUE(closesItself());
     EXPECT_EQ(pings(), (Pings{"impression", "missing complete", "missing creativeView", "missing start",

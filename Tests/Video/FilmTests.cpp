@@ -98,6 +98,7 @@ TEST_F(Films, FollowEachOtherEachWithItsOwnReports)
 TEST_F(Films, ThatFailLeaveAsCompleteAndTheLastClosesTheScreen)
 {
     const auto video = playing(videoAd({{"a"}, {"b"}}), "a");
+    expectLog("Video failed: Error Domain=com.virlohq.error.media Code=2");
     end("a", PlaybackFacts::Phase::Failed);
     EXPECT_EQ(pings(), (Pings{"a complete", "b start"}));
     EXPECT_TRUE(isBusy(video)) << "the next one has not come yet";

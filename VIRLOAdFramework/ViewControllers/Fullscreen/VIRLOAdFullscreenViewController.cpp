@@ -130,13 +130,17 @@ void VIRLOAdFullscreenViewController::preloadVideo(DispatchGroup group)
     const auto video = virlo::ViewController::make<VIRLOAdVideoViewController>();
     video->setApi(api());
     video->setAd(ad());
-    video->setAdCompleted([weak = std::weak_ptr(video)] {
-        MainLoop::shared().post([weak] {
-            const auto ended = weak.lock();
-            if (!ended)
+    video->setAdCompleted([weak = weakSelf(*this), weakVideo = std::weak_ptr(video)] {
+        MainLoop::shared().post([weak, weakVideo] {
+            const auto self = weak.lock();
+            const auto ended = weakVideo.lock();
+            if (!self || !ended)
                 return;
             ended->view().removeFromSuperview();
             ended->removeFromParentViewController();
+            // What it covered may be chosen now.
+            self->setNeedsFocusUpdate();
+            self->updateFocusIfNeeded();
         });
     });
     video->preloadAdElementsWithCompletion(

@@ -2,6 +2,7 @@
 
 #include "MainLoop.h"
 #include "VIRLOActivityIndicator.h"
+#include "VIRLOAdFrameworkLogger.h"
 #include "VIRLOAdVideoView.h"
 #include "VIRLOConnectionQualityMonitor.h"
 #include "VIRLOTimerProgress.h"
@@ -223,6 +224,8 @@ void VIRLOAdVideoViewController::observeValueForKeyPathOfObjectChangeContext(
 void VIRLOAdVideoViewController::currentItemDidChange(const Item& before, const Item& now)
 {
     // A film that failed has left as well, and counts as complete.
+    if (before && before->error())
+        VIRLOAdFrameworkLogger::logWarningWithFormat("Video failed: %@", before->error());
     if (before)
         reportComplete(before);
     if (now)

@@ -99,6 +99,11 @@ std::shared_ptr<QueuePlayer> VIRLOAdVideoViewController::videoPlayer()
     return m_videoView->player();
 }
 
+const VIRLOTimerProgress& VIRLOAdVideoViewController::videoProgress() const
+{
+    return *m_videoProgress;
+}
+
 // The view and the player
 
 std::unique_ptr<virlo::View> VIRLOAdVideoViewController::loadView()

@@ -56,7 +56,7 @@ public:
 
     [[nodiscard]] bool playerON() const noexcept { return m_playerON; }
 
-    [[nodiscard]] const VIRLOTimerProgress& videoProgress() const { return *m_videoProgress; }
+    [[nodiscard]] const VIRLOTimerProgress& videoProgress() const;
 
     [[nodiscard]] const VIRLOActivityIndicator& activityIndicator() const { return *m_activityIndicator; }
 
