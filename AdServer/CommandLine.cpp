@@ -50,6 +50,7 @@ CommandLine CommandLine::read(const std::vector<std::string>& words)
         {"--campaigns", [&](const auto& word) { line.options.campaignsFolder = word; }},
         {"--log", [&](const auto& word) { line.options.logFile = word; }},
         {"--ready-file", [&](const auto& word) { line.readyFile = word; }},
+        {"--faults", [&](const auto& word) { line.faultsFile = word; }},
         {"--ping-interval",
          [&](const auto& word) { line.options.pingInterval = seconds("--ping-interval", word); }},
         {"--session-lifetime",
@@ -88,6 +89,7 @@ A development ad server on 127.0.0.1. Runs until SIGINT or SIGTERM.
   --state DIR            keep the certificate authority in DIR
                          (default $XDG_STATE_HOME/virlo-ad-server or ~/.local/state/virlo-ad-server)
   --log FILE             append one JSON line for each exchange to FILE
+  --faults FILE          set the faults of FILE, a JSON array of them
   --ready-file FILE      write the base URL to FILE once connections are taken
   --ping-interval S      tell clients to ping every S seconds (default 60)
   --session-lifetime S   a session expires S seconds after its last ping (default 180)

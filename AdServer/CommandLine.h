@@ -14,6 +14,8 @@ struct CommandLine {
     AdServerOptions options;
     /// Gets the base URL once connections are taken.
     std::filesystem::path readyFile;
+    /// Faults from the start on, in the form of the control path; empty: none.
+    std::filesystem::path faultsFile;
     bool help = false;
     bool checkCampaigns = false;
 

@@ -1,6 +1,8 @@
 #include "AdServer.h"
 #include "CommandLine.h"
 
+#include <nlohmann/json.hpp>
+
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -46,10 +48,21 @@ void announce(const adserver::AdServer& server, const adserver::CommandLine& lin
     std::cout << "listening on " << server.baseURL() << std::endl;
 }
 
+void setFaults(adserver::AdServer& server, const std::filesystem::path& file)
+{
+    std::ifstream stream(file);
+    if (!stream)
+        throw std::runtime_error("cannot read the faults in " + file.string());
+    for (const nlohmann::json& fault : nlohmann::json::parse(stream))
+        server.setFault(adserver::AdServerFault::fromJSON(fault));
+}
+
 int serve(const adserver::CommandLine& line)
 {
     const auto signals = holdSignalsBack();
     adserver::AdServer server(line.options);
+    if (!line.faultsFile.empty())
+        setFaults(server, line.faultsFile);
     server.start();
     complain(server.campaignErrors());
     announce(server, line);

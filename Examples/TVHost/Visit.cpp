@@ -23,7 +23,9 @@ Visit::Visit(QQuickWindow& window, Game& game, AdIntegration& ads, const AppPage
 
 bool Visit::play()
 {
-    return watchAdAndLeave() && followAdToAppPage() && earnReward() && leaveAndReturn();
+    const int coins = m_game.coins();
+    return watchAdAndLeave() && followAdToAppPage() && watchQueueOfFilms(coins) && watchFilmForReward() &&
+           leaveAndReturn();
 }
 
 bool Visit::watchAdAndLeave()
@@ -55,12 +57,42 @@ bool Visit::followAdToAppPage()
            await("the menu behind it", [this] { return !m_ads.adStands(); }) && shoot("app-page");
 }
 
-bool Visit::earnReward()
+bool Visit::watchQueueOfFilms(int coinsBefore)
+{
+    if (!ask("FilmQueue"))
+        return false;
+    pass(1500);
+    press(Qt::Key_VolumeMute);
+    if (!shoot("film-muted"))
+        return false;
+    press(Qt::Key_VolumeMute);
+    pass(8600); // the first film's end, and the second one's stall at the 190,000th byte
+    return shoot("film-stalled") && await("the end of the films", [this] { return !m_ads.adStands(); }) &&
+           awaitCoins(coinsBefore) && shoot("reward");
+}
+
+bool Visit::watchFilmForReward()
 {
     const int before = m_game.coins();
-    return await(
-               "the reward", [this, before] { return m_game.coins() > before; }, 35) &&
-           shoot("reward");
+    if (!ask("Film"))
+        return false;
+    pass(3000);
+    return shoot("film") && await("the end of the film", [this] { return !m_ads.adStands(); }) &&
+           watchFilmOverPicture() && awaitCoins(before) && shoot("film-reward");
+}
+
+bool Visit::watchFilmOverPicture()
+{
+    if (!ask("FilmOverPicture"))
+        return false;
+    pass(1800); // into the second quarter
+    if (!shoot("film-over-picture"))
+        return false;
+    press(Qt::Key_Escape);
+    if (!shoot("picture-below-film"))
+        return false;
+    press(Qt::Key_Escape);
+    return await("the menu after the picture", [this] { return !m_ads.adStands(); });
 }
 
 bool Visit::leaveAndReturn()
@@ -102,6 +134,18 @@ bool Visit::await(const char* what, const std::function<bool()>& condition, int 
     }
     pass(600);
     return true;
+}
+
+bool Visit::ask(const char* placement)
+{
+    m_ads.showAd(placement);
+    return await(placement, [this] { return m_ads.adStands(); });
+}
+
+bool Visit::awaitCoins(int before)
+{
+    return await(
+        "the reward", [this, before] { return m_game.coins() > before; }, 35);
 }
 
 bool Visit::shoot(const char* step)

@@ -24,12 +24,18 @@ public:
 private:
     [[nodiscard]] bool watchAdAndLeave();
     [[nodiscard]] bool followAdToAppPage();
-    [[nodiscard]] bool earnReward();
+    /// The reward of the second ad comes meanwhile.
+    [[nodiscard]] bool watchQueueOfFilms(int coinsBefore);
+    [[nodiscard]] bool watchFilmForReward();
+    [[nodiscard]] bool watchFilmOverPicture();
     [[nodiscard]] bool leaveAndReturn();
 
     void press(Qt::Key key);
     void pass(int milliseconds);
     [[nodiscard]] bool await(const char* what, const std::function<bool()>& condition, int seconds = 15);
+    /// Asks for an ad at that moment of the game and waits until it stands.
+    [[nodiscard]] bool ask(const char* placement);
+    [[nodiscard]] bool awaitCoins(int before);
     [[nodiscard]] bool shoot(const char* step);
 
     QQuickWindow& m_window;

@@ -3,15 +3,19 @@
 // EXPECTED is an array of {"what", "method", "path", "query"?, "session"?, "body"?, "status"?, "times"}:
 // path, query and body are regular expressions for the whole text; "session" tells whether the session header
 // is due; "times" is a count or [least, most]. Each exchange counts for the first entry that fits it; one
-// that fits none is unexpected. Prints a line for each entry and exits 0 only if all were seen as often as
-// due and nothing else was.
+// that fits none is unexpected. An entry {"what", "order"} is about order instead: of the exchanges that one
+// client's round of the same query made, each that fits one of its regular expressions for the path must not
+// come before one that fits an earlier expression. Prints a line for each entry and exits 0 only if all were
+// seen as often as due and nothing else was.
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <climits>
 #include <cstdio>
 #include <exception>
 #include <fstream>
+#include <map>
 #include <regex>
 #include <string>
 #include <vector>
@@ -77,11 +81,50 @@ private:
     int m_seen = 0;
 };
 
+class Order
+{
+public:
+    explicit Order(const json& entry) : m_what(text(entry.at("what")))
+    {
+        for (const json& stage : entry.at("order"))
+            m_stages.emplace_back(text(stage));
+    }
+
+    void see(const json& exchange)
+    {
+        const std::string path = text(exchange.at("path"));
+        for (std::size_t stage = 0; stage < m_stages.size(); ++stage) {
+            if (!std::regex_match(path, m_stages[stage]))
+                continue;
+            m_seen = true;
+            std::size_t& reached = m_reached[text(exchange.value("query", json()))];
+            m_holds = m_holds && stage >= reached;
+            reached = std::max(reached, stage);
+        }
+    }
+
+    bool holds() const { return m_holds && m_seen; }
+
+    void print() const { std::printf("%-9s %s\n", holds() ? "in order" : "disorder", m_what.c_str()); }
+
+private:
+    std::string m_what;
+    std::vector<std::regex> m_stages;
+    std::map<std::string, std::size_t> m_reached;
+    bool m_holds = true;
+    bool m_seen = false;
+};
+
 bool check(const char* expectedPath, const char* exchangesPath)
 {
     std::vector<Expected> due;
-    for (const json& entry : json::parse(std::ifstream(expectedPath)))
-        due.emplace_back(entry);
+    std::vector<Order> orders;
+    for (const json& entry : json::parse(std::ifstream(expectedPath))) {
+        if (entry.contains("order"))
+            orders.emplace_back(entry);
+        else
+            due.emplace_back(entry);
+    }
 
     std::ifstream log(exchangesPath);
     if (!log)
@@ -90,6 +133,8 @@ bool check(const char* expectedPath, const char* exchangesPath)
     std::vector<std::string> unexpected;
     for (std::string line; std::getline(log, line);) {
         const json exchange = json::parse(line);
+        for (Order& order : orders)
+            order.see(exchange);
         const auto found =
             std::find_if(due.begin(), due.end(), [&](const Expected& entry) { return entry.fits(exchange); });
         if (found != due.end())
@@ -100,6 +145,10 @@ bool check(const char* expectedPath, const char* exchangesPath)
     for (const Expected& entry : due) {
         entry.print();
         good = good && entry.holds();
+    }
+    for (const Order& order : orders) {
+        order.print();
+        good = good && order.holds();
     }
     for (const std::string& line : unexpected)
         std::printf("unexpected  %s\n", line.c_str());
