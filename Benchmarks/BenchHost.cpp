@@ -1,7 +1,7 @@
-// bench-host AUTHORITY: a host with nothing in it but ads, for measuring from outside. Reads commands from
-// standard input: "show PLACEMENT" asks for an ad, presents it and answers "painted MILLISECONDS STALL", the
-// time from the question to the first frame and the longest time that the main thread was not free meanwhile;
-// "close" presses Menu and answers "closed".
+// bench-host AUTHORITY [WIDTHxHEIGHT]: a host with nothing in it but ads, for measuring from outside. Reads
+// commands from standard input: "show PLACEMENT" asks for an ad, presents it and answers "painted
+// MILLISECONDS STALL", the time from the question to the first frame and the longest time that the main
+// thread was not free meanwhile; "close" presses Menu and answers "closed".
 
 #include <VIRLOAdFramework/Bundle.h>
 #include <VIRLOAdFramework/NetworkFlags.h>
@@ -122,7 +122,10 @@ private:
 int main(int count, char** arguments)
 {
     QGuiApplication application(count, arguments);
-    if (count != 2)
+    QSize size(1920, 1080);
+    if (count != 2 && count != 3)
+        return 2;
+    if (count == 3 && std::sscanf(arguments[2], "%dx%d", &size.rwidth(), &size.rheight()) != 2)
         return 2;
     virlo::Bundle::setMainBundle("com.example.bench-host", "Bench Host", "1.0");
     virlo::URLSessionConfiguration::setDefaultTrustedAuthoritiesFile(arguments[1]);
@@ -131,7 +134,7 @@ int main(int count, char** arguments)
 
     QQuickWindow window;
     window.setColor(QColor(20, 30, 60));
-    window.resize(1920, 1080);
+    window.resize(size);
     window.show();
     window.requestActivate();
     BenchHost host(window);

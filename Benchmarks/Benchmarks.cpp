@@ -16,6 +16,8 @@ constexpr std::array all{
     Benchmark{"vast-reading", benchVASTReading},
     Benchmark{"vast-network", benchVASTNetwork},
     Benchmark{"vast-inspect", benchVASTInspect},
+    Benchmark{"video-screen", benchVideoScreen},
+    Benchmark{"video-process", benchVideoProcess},
 };
 
 } // namespace

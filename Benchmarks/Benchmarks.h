@@ -23,3 +23,5 @@ void benchCoreMemory(Results& results);
 void benchVASTReading(Results& results);
 void benchVASTNetwork(Results& results);
 void benchVASTInspect(Results& results);
+void benchVideoScreen(Results& results);
+void benchVideoProcess(Results& results);

@@ -1,0 +1,128 @@
+#include "Benchmarks.h"
+#include "ChildProcess.h"
+
+#include "AdServer.h"
+
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <stdexcept>
+#include <thread>
+
+namespace
+{
+
+using namespace std::chrono_literals;
+
+constexpr int rounds = 3;
+constexpr std::uint16_t builtInPort = 8443; ///< of the base URL that the presets compile in
+constexpr auto afterTheStart = 1s;
+constexpr auto watched = 5s;
+
+std::filesystem::path workFolder()
+{
+    return std::filesystem::temp_directory_path() / "virlo-bench-video-process";
+}
+
+nlohmann::json campaign()
+{
+    return {{"rules", {{{"placement", "bench-film"}}}},
+            {"advertisement",
+             {{"type", "video"},
+              {"ads",
+               {{{"cid", "bench-film"},
+                 {"type", "content"},
+                 {"title", "Film"},
+                 {"markupUrl", "/vast/bench-film?tx={txid}"}}}}}},
+            {"vast",
+             {{"bench-film",
+               {{"ads",
+                 {{{"id", "bench"},
+                   {"creatives",
+                    {{{"id", "film"},
+                      {"duration", 8},
+                      {"mediaFiles",
+                       {{{"url", "clips/helion-720p.mp4"},
+                         {"type", "video/mp4"},
+                         {"width", 1280},
+                         {"height", 720}}}}}}}}}}}}}}};
+}
+
+struct Playing {
+    double processorSeconds; ///< in `watched`
+    double pss;
+    double resident;
+};
+
+Playing watch(const ChildProcess& process)
+{
+    std::this_thread::sleep_for(afterTheStart);
+    const double before = process.processorSeconds();
+    std::this_thread::sleep_for(watched);
+    return {process.processorSeconds() - before, process.pssMiB(), process.residentMiB()};
+}
+
+Playing ours(const adserver::AdServer& server)
+{
+    ChildProcess host({programFolder() + "/bench-host", server.authorityFile().string(), "1280x720"},
+                      {{"XDG_DATA_HOME", (workFolder() / "data").string()},
+                       {"XDG_CACHE_HOME", (workFolder() / "cache").string()},
+                       {"QT_QPA_PLATFORM", "offscreen"},
+                       {"QT_QUICK_BACKEND", "software"}});
+    host.writeLine("show bench-film");
+    if (!host.readLine().starts_with("painted"))
+        throw std::runtime_error("the bench host shows no video");
+    const Playing result = watch(host);
+    host.writeLine("close");
+    if (host.readLine() != "closed")
+        throw std::runtime_error("the bench host does not close its video");
+    return result;
+}
+
+Playing bare()
+{
+    ChildProcess pipeline({programFolder() + "/bench-pipeline", VIRLO_CAMPAIGNS "/clips/helion-720p.mp4"});
+    if (pipeline.readLine() != "playing")
+        throw std::runtime_error("the bare pipeline does not play");
+    return watch(pipeline);
+}
+
+} // namespace
+
+/// A film of 1280×720 in a window of that size, on Qt Quick's software backend, its ring and reports
+/// included, beside GStreamer alone with the same film.
+void benchVideoProcess(Results& results)
+{
+    std::filesystem::remove_all(workFolder());
+    adserver::AdServerOptions options;
+    options.port = builtInPort;
+    options.stateFolder = workFolder() / "server";
+    adserver::AdServer server(options);
+    server.addCampaign("bench-film", campaign().dump(), VIRLO_CAMPAIGNS);
+    server.start();
+
+    std::vector<double> pss;
+    std::vector<double> resident;
+    std::vector<double> bareResident;
+    const Pair processor = alternate(
+        rounds,
+        [&] {
+            const Playing playing = ours(server);
+            pss.push_back(playing.pss);
+            resident.push_back(playing.resident);
+            return playing.processorSeconds;
+        },
+        [&] {
+            const Playing playing = bare();
+            bareResident.push_back(playing.resident);
+            return playing.processorSeconds;
+        });
+    const double tenSeconds = 10s / watched;
+    results.addRatio("processor time of playing a 720p film", processor.ours, processor.bare, "s in 5 s", 1.6,
+                     true);
+    results.addLimit("processor time of playing a 720p film", processor.ours * tenSeconds, "s in 10 s", 2);
+    results.addLimit("memory (PSS) with a 720p film playing", median(pss), "MiB", 90);
+    results.addLimit("resident memory of that over the bare pipeline",
+                     median(resident) - median(bareResident), "MiB", 40);
+    std::filesystem::remove_all(workFolder());
+}
