@@ -85,7 +85,7 @@ bool Visit::watchFilmOverPicture()
 {
     if (!ask("FilmOverPicture"))
         return false;
-    pass(1800); // into the second quarter
+    pass(2300); // to the middle of the second quarter
     if (!shoot("film-over-picture"))
         return false;
     press(Qt::Key_Escape);

@@ -188,9 +188,9 @@ GstPipeline::~GstPipeline()
     gst_object_unref(bus);
 }
 
-void GstPipeline::setState(GstState state)
+bool GstPipeline::setState(GstState state)
 {
-    gst_element_set_state(m_playbin.get(), state);
+    return gst_element_set_state(m_playbin.get(), state) != GST_STATE_CHANGE_ASYNC;
 }
 
 void GstPipeline::setMuted(bool muted)

@@ -37,7 +37,8 @@ public:
     GstPipeline(const GstPipeline&) = delete;
     GstPipeline& operator=(const GstPipeline&) = delete;
 
-    void setState(GstState state);
+    /// False where the state comes with a later ASYNC_DONE, once a picture and a piece of sound stand.
+    bool setState(GstState state);
     void setMuted(bool muted);
     void seek(GstClockTime time);
     void recalculateLatency();

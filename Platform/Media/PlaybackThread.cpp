@@ -260,12 +260,14 @@ void PlaybackThread::look()
         return;
     case PlaybackWatch::Verdict::Stalled:
         // Stopped until the next picture is there, which `handlePrerolled` is told: a clock that ran on would
-        // make it late.
-        m_stalled = true;
+        // make it late. Where the next one waits already, it was the machine that stood still, and nobody
+        // tells; the next look at the wishes goes on.
         m_state = GST_STATE_PAUSED;
-        m_pipeline->setState(GST_STATE_PAUSED);
-        m_meter->ranDry();
-        logTransfer();
+        m_stalled = !m_pipeline->setState(GST_STATE_PAUSED);
+        if (m_stalled) {
+            m_meter->ranDry();
+            logTransfer();
+        }
         break;
     case PlaybackWatch::Verdict::Fine:
         break;
