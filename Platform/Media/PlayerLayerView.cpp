@@ -7,6 +7,7 @@
 #include <QSGImageNode>
 #include <private/qsgplaintexture_p.h>
 
+#include <cmath>
 #include <utility>
 
 namespace virlo
@@ -28,6 +29,16 @@ QImage imageOf(std::shared_ptr<const VideoFrame> frame)
             QImage::Format_RGB32,
             [](void* kept) { delete static_cast<Holder*>(kept); },
             holder};
+}
+
+/// A picture that fills its pixels one by one is copied. Smoothing would change nothing in it and costs the
+/// software backend several times as much as the copy.
+QSGTexture::Filtering filteringFor(const QSizeF& pixels, const QSize& picture)
+{
+    constexpr double sameSize = 0.01;
+    const bool fits = std::abs(pixels.width() - picture.width()) < sameSize &&
+                      std::abs(pixels.height() - picture.height()) < sameSize;
+    return fits ? QSGTexture::Nearest : QSGTexture::Linear;
 }
 
 /// Belongs to its node, as the node's texture.
@@ -86,7 +97,6 @@ QSGNode* PlayerLayerView::updateContentNode(QSGNode* old)
     if (node == nullptr) {
         node = window()->createImageNode();
         node->setOwnsTexture(true);
-        node->setFiltering(QSGTexture::Linear);
     }
     if (frame) {
         auto* texture = static_cast<QSGPlainTexture*>(node->texture());
@@ -99,7 +109,10 @@ QSGNode* PlayerLayerView::updateContentNode(QSGNode* old)
         node->setSourceRect(QRectF(0, 0, frame->width, frame->height));
         node->markDirty(QSGNode::DirtyMaterial);
     }
-    node->setRect(videoRect());
+    const QRectF rect = videoRect();
+    node->setRect(rect);
+    const QSizeF pixels = mapRectToScene(rect).size() * window()->effectiveDevicePixelRatio();
+    node->setFiltering(filteringFor(pixels, node->sourceRect().size().toSize()));
     return node;
 }
 

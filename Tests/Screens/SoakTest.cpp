@@ -1,15 +1,12 @@
 #include "ScreenTest.h"
 
 #include "Application.h"
+#include "Footprint.h"
 #include "Settle.h"
 #include "VIRLOAdPresenter.h"
 #include "VIRLOTimerButton.h"
 
 #include <array>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <malloc.h>
 #include <random>
 
 namespace virlo::test
@@ -18,32 +15,6 @@ namespace virlo::test
 namespace
 {
 
-bool soaks()
-{
-    return std::getenv("VIRLO_SOAK") != nullptr;
-}
-
-/// Sanitizers keep freed memory aside, which is no growth of ours.
-constexpr bool memoryTells =
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    false;
-#else
-    true;
-#endif
-
-struct Footprint {
-    long kibibytes = 0;
-    long threads = 0;
-    long descriptors = 0;
-};
-
-long entries(const char* folder)
-{
-    const auto count =
-        std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
-    return static_cast<long>(count);
-}
-
 Footprint footprint(HostWindow& window, TestClock& clock)
 {
     settleAll();
@@ -51,14 +22,7 @@ Footprint footprint(HostWindow& window, TestClock& clock)
     settleAll();
     clock.advance(Seconds(2)); // the last picture's memory waits for another
     settleAll();
-    malloc_trim(0);
-    Footprint now{0, entries("/proc/self/task"), entries("/proc/self/fd")};
-    std::ifstream rollup("/proc/self/smaps_rollup");
-    for (std::string word; rollup >> word;) {
-        if (word == "Pss:")
-            rollup >> now.kibibytes;
-    }
-    return now;
+    return Footprint::now();
 }
 
 class Soak : public ScreenTest
@@ -104,7 +68,7 @@ TEST_F(Soak, ManyDifferentAdsLeaveNothingBehind)
     rest();
     const Footprint after = footprint(window, clock);
     RecordProperty("pss_growth_kib", static_cast<int>(after.kibibytes - before.kibibytes));
-    if (memoryTells) {
+    if (Footprint::memoryTells) {
         EXPECT_LT(after.kibibytes - before.kibibytes, 2048);
     }
     EXPECT_LE(after.threads, before.threads + 2);         // workers come and go

@@ -1,13 +1,10 @@
+#include "Footprint.h"
 #include "GstMediaEngine.h"
 #include "RealVideoTest.h"
 #include "Settle.h"
 #include "VIRLOAdPresenter.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <malloc.h>
 #include <random>
 
 namespace virlo::test
@@ -17,25 +14,6 @@ namespace
 {
 
 using namespace std::chrono_literals;
-
-constexpr bool freedMemoryGoesBack =
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    false;
-#else
-    true;
-#endif
-
-struct Footprint {
-    long kibibytes = 0;
-    long threads = 0;
-    long descriptors = 0;
-};
-
-long entriesOf(const char* folder)
-{
-    return static_cast<long>(
-        std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()));
-}
 
 /// Videos shown and left again and again.
 class ManyVideos : public RealVideoTest
@@ -75,17 +53,8 @@ protected:
         settleAll();
         // Threads of GStreamer's own that have nothing to do leave a little later.
         static_cast<void>(settle([] { return false; }, Seconds(0.3)));
-        malloc_trim(0);
-        Footprint now{0, entriesOf("/proc/self/task"), entriesOf("/proc/self/fd")};
-        std::ifstream rollup("/proc/self/smaps_rollup");
-        for (std::string word; rollup >> word;) {
-            if (word == "Pss:")
-                rollup >> now.kibibytes;
-        }
-        return now;
+        return Footprint::now();
     }
-
-    static bool soaks() { return std::getenv("VIRLO_SOAK") != nullptr; }
 };
 
 TEST_F(ManyVideos, AreLeftAtAnyMomentWithoutAnybodyWaiting)
@@ -147,7 +116,7 @@ TEST_F(ManyVideos, LeaveNothingBehind)
     const auto middle = looks.begin() + 5;
     const long growth = *std::min_element(middle, looks.end()) - *std::min_element(looks.begin(), middle);
     RecordProperty("pss_growth_kib", static_cast<int>(growth));
-    if (freedMemoryGoesBack) {
+    if (Footprint::memoryTells) {
         EXPECT_LT(growth, 8192);
     }
     EXPECT_LE(after.threads, before.threads + 2);         // workers come and go

@@ -1,0 +1,26 @@
+#pragma once
+
+namespace virlo::test
+{
+
+/// What a process holds at a moment.
+struct Footprint {
+    long kibibytes = 0; ///< its share of memory (PSS), after the allocator gave back what it could
+    long threads = 0;
+    long descriptors = 0;
+
+    [[nodiscard]] static Footprint now();
+
+    /// Sanitizers keep freed memory aside, which is no growth of ours.
+    static constexpr bool memoryTells =
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+        false;
+#else
+        true;
+#endif
+};
+
+/// Whether the long rounds were asked for.
+[[nodiscard]] bool soaks();
+
+} // namespace virlo::test
