@@ -28,9 +28,10 @@ BAR_SECONDS = 4
 BARS = [(191 * red, 191 * green, 191 * blue) for green in (1, 0) for red in (1, 0) for blue in (1, 0)]
 
 # A key frame every two seconds lets players seek, the index in front lets them begin before the end has come.
-H264 = ["-c:v", "libx264", "-preset", "veryslow", "-profile:v", "high", "-g", "50", "-movflags", "+faststart"]
+# Three pictures to refer to, as broadcasters have it: a decoder keeps as many for each that it shows.
+H264 = ["-c:v", "libx264", "-preset", "veryslow", "-refs", "3", "-bf", "2", "-profile:v", "high", "-g", "60", "-movflags", "+faststart"]
 AAC = ["-c:a", "aac", "-b:a", "80k"]
-VP9 = ["-c:v", "libvpx-vp9", "-b:v", "0", "-deadline", "good", "-cpu-used", "1", "-row-mt", "1", "-g", "50"]
+VP9 = ["-c:v", "libvpx-vp9", "-b:v", "0", "-deadline", "good", "-cpu-used", "1", "-row-mt", "1", "-g", "60"]
 OPUS = ["-c:a", "libopus", "-b:a", "64k"]
 
 

@@ -5,7 +5,7 @@ from PIL import Image
 
 from studio import Picture
 
-WIDTH, HEIGHT, RATE = 1920, 1080, 25
+WIDTH, HEIGHT, RATE = 1920, 1080, 30
 
 
 def ease(t, begin, end):
