@@ -52,3 +52,16 @@ target_sources(virlo-core PRIVATE
 set_source_files_properties(VIRLOConstans.cpp PROPERTIES
   COMPILE_DEFINITIONS "VIRLO_API_BASE_URL=\"${VIRLO_API_BASE_URL}\";VIRLO_VERSION=\"${PROJECT_VERSION}\""
 )
+
+# Read together so that a program for VAST alone takes nothing else out of the archive. What it shares with the rest, and
+# what has the names of others, stands by itself.
+get_target_property(sources virlo-core SOURCES)
+foreach(source IN LISTS sources)
+  get_filename_component(folder "${source}" DIRECTORY)
+  if(folder MATCHES "VAST|API")
+    set_source_files_properties("${source}" PROPERTIES UNITY_GROUP "${folder}")
+  elseif(NOT source MATCHES "Logger|Constans|Bundle|HostText|VIRLOSession")
+    set_source_files_properties("${source}" PROPERTIES UNITY_GROUP rest)
+  endif()
+endforeach()
+set_target_properties(virlo-core PROPERTIES UNITY_BUILD_MODE GROUP)

@@ -37,3 +37,7 @@ target_sources(virlo-platform PRIVATE
   XMLAttributeStore.cpp
   XMLReader.cpp
 )
+# By themselves in any build: a program that uses none of these does not load the libraries below them.
+set_source_files_properties(
+  BinaryPlistCheck.cpp DateFormatter.cpp KeyedArchive.cpp PlistNode.cpp PropertyList.cpp
+  PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
