@@ -10,6 +10,15 @@
 namespace virlo
 {
 
+namespace
+{
+
+/// Code that is loaded while the process tears its libraries down sets those up again that it needs, and they
+/// abort. Only what waits for a server or a sound device can take so long.
+constexpr Seconds longestHalt{5};
+
+} // namespace
+
 MediaRuntime& MediaRuntime::shared()
 {
     static auto* const runtime = new MediaRuntime;
@@ -18,19 +27,34 @@ MediaRuntime& MediaRuntime::shared()
 
 std::string MediaRuntime::prepare()
 {
+    registerHalt();
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_ended)
+            return "The process ends";
+        ++m_preparing;
+    }
     std::call_once(m_once, [this] {
         GError* error = nullptr;
         if (gst_init_check(nullptr, nullptr, &error) == FALSE)
             m_failure = error != nullptr ? error->message : "GStreamer cannot be set up";
         g_clear_error(&error);
     });
+    const std::lock_guard lock(m_mutex);
+    --m_preparing;
+    m_left.notify_all();
     return m_failure;
+}
+
+void MediaRuntime::registerHalt()
+{
+    static const bool registered = std::atexit([] { shared().halt(); }) == 0;
+    (void)registered;
 }
 
 bool MediaRuntime::enter(const std::shared_ptr<PlaybackThread>& thread)
 {
-    static const bool registered = std::atexit([] { shared().halt(); }) == 0;
-    (void)registered;
+    registerHalt();
     const std::lock_guard lock(m_mutex);
     if (m_ended)
         return false;
@@ -55,8 +79,8 @@ bool MediaRuntime::drain(Seconds limit)
 {
     std::unique_lock lock(m_mutex);
     return m_left.wait_for(lock, limit, [this] {
-        return std::none_of(m_threads.begin(), m_threads.end(),
-                            [](const auto& thread) { return thread->isClosed(); });
+        return m_preparing == 0 && std::none_of(m_threads.begin(), m_threads.end(),
+                                                [](const auto& thread) { return thread->isClosed(); });
     });
 }
 
@@ -68,8 +92,7 @@ void MediaRuntime::halt()
         for (const auto& thread : m_threads)
             thread->close();
     }
-    // A server that hangs, or a sound device, can hold a thread up longer: the process's end does not wait.
-    static_cast<void>(drain(Seconds(1)));
+    static_cast<void>(drain(longestHalt));
 }
 
 } // namespace virlo

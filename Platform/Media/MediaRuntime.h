@@ -21,20 +21,21 @@ class MediaRuntime
 public:
     [[nodiscard]] static MediaRuntime& shared();
 
-    /// Sets GStreamer up; takes some tens of milliseconds at the first call of a process, and seconds at the
-    /// first on a device, which looks through its plug-ins. Never on the main thread. What is wrong, or
-    /// empty.
+    /// Sets GStreamer up, unless the process ends; takes some tens of milliseconds at the first call of a
+    /// process, and seconds at the first on a device, which looks through its plug-ins. Never on the main
+    /// thread. What is wrong, or empty.
     [[nodiscard]] std::string prepare();
 
     /// False once the process ends: the thread must not start.
     [[nodiscard]] bool enter(const std::shared_ptr<PlaybackThread>& thread);
     void leave(const PlaybackThread& thread);
 
-    /// Waits until no thread is on its way out, at most `limit`.
+    /// Waits until no thread is on its way out, nor GStreamer being set up, at most `limit`.
     bool drain(Seconds limit);
 
 private:
     MediaRuntime() = default;
+    static void registerHalt();
     void halt();
 
     std::once_flag m_once;
@@ -42,6 +43,7 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_left;
     std::vector<std::shared_ptr<PlaybackThread>> m_threads;
+    int m_preparing = 0;
     bool m_ended = false;
 };
 

@@ -64,8 +64,13 @@ private:
     void serveDocument(const std::vector<Film>& films);
 };
 
+/// Goes after all that plays by it.
+struct WithFakeEngine {
+    FakeMediaEngine engine;
+};
+
 /// The same with clips that do what the test says.
-class FakeVideoTest : public VideoTest
+class FakeVideoTest : protected WithFakeEngine, public VideoTest
 {
 protected:
     /// The clip's first picture stands.
@@ -76,7 +81,6 @@ protected:
     /// Ready and shown, with the pings of the start taken away.
     [[nodiscard]] Video playing(const JSON& ad, const std::string& name, int seconds = 8);
 
-    FakeMediaEngine engine;
     Seconds m_time{0};
 };
 
