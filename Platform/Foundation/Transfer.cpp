@@ -14,6 +14,7 @@ namespace virlo
 namespace
 {
 constexpr std::size_t maximumPiecesWaiting = std::size_t{1} << 20;
+constexpr std::size_t maximumRest = std::size_t{1} << 20; ///< what is gathered of a stream's other answers
 constexpr std::size_t smallBody = std::size_t{1} << 20;
 constexpr std::size_t largestReservation = std::size_t{64} << 20;
 } // namespace
@@ -31,8 +32,23 @@ Transfer::Transfer(std::shared_ptr<SessionState> session, URLRequest request, UR
 
 void Transfer::resume()
 {
-    if (m_begun.exchange(true))
+    if (!m_begun.exchange(true)) {
+        begin();
         return;
+    }
+    const std::lock_guard lock(m_piecesMutex);
+    if (std::exchange(m_suspended, false) && !m_pieces.empty() && !std::exchange(m_deliveryPosted, true))
+        m_session->queue.async([self = shared_from_this()] { self->deliverPieces(false); });
+}
+
+void Transfer::suspend()
+{
+    const std::lock_guard lock(m_piecesMutex);
+    m_suspended = true;
+}
+
+void Transfer::begin()
+{
     TransferLoop::shared().exchangeBegan();
     if (m_session->ended) {
         finish(URLSession::sessionEnded, "The session has ended.");
@@ -134,17 +150,20 @@ bool Transfer::takeHead()
     const bool announcesInVain = m_request.method == "HEAD" || m_head.status() == 304;
     if (announcesInVain || m_head.announcedLength().value_or(0) <= m_request.maximumBodySize)
         return true;
-    m_failure = tooLong();
+    m_failure = tooLong(m_request.maximumBodySize);
     return false;
 }
 
 std::size_t Transfer::takeBody(std::string_view piece)
 {
-    if (piece.size() > m_request.maximumBodySize - m_bodySize) {
-        m_failure = tooLong();
+    const bool isStreamed = m_streams && m_head.status() / 100 == 2;
+    const std::size_t limit = m_streams && !isStreamed ? std::min(maximumRest, m_request.maximumBodySize)
+                                                       : m_request.maximumBodySize;
+    if (piece.size() > limit - m_bodySize) {
+        m_failure = tooLong(limit);
         return 0;
     }
-    if (m_streams && m_head.status() / 100 == 2)
+    if (isStreamed)
         return takePiece(piece);
     gather(piece);
     return piece.size();
@@ -175,12 +194,14 @@ std::size_t Transfer::takePiece(std::string_view piece)
             m_paused = true;
             return CURL_WRITEFUNC_PAUSE;
         }
+        if (!m_response)
+            m_response = m_head.response(m_redirectedTo.value_or(m_request.url));
         m_pieces.append(piece);
-        post = !std::exchange(m_deliveryPosted, true);
+        post = !m_suspended && !std::exchange(m_deliveryPosted, true);
     }
     m_bodySize += piece.size();
     if (post)
-        m_session->queue.async([self = shared_from_this()] { self->deliverPieces(); });
+        m_session->queue.async([self = shared_from_this()] { self->deliverPieces(false); });
     return piece.size();
 }
 
@@ -234,20 +255,21 @@ Error Transfer::error(URLSession::ErrorCode code, std::string_view reason) const
             JSON{{"Reason", std::string(reason)}, {"URL", m_request.url.absoluteString()}}};
 }
 
-Error Transfer::tooLong() const
+Error Transfer::tooLong(std::size_t limit) const
 {
-    return error(URLSession::bodyTooLong,
-                 "The body is longer than " + std::to_string(m_request.maximumBodySize) + " bytes.");
+    return error(URLSession::bodyTooLong, "The body is longer than " + std::to_string(limit) + " bytes.");
 }
 
-void Transfer::deliverPieces()
+void Transfer::deliverPieces(bool areLast)
 {
     std::string pieces;
     bool paused = false;
     {
         const std::lock_guard lock(m_piecesMutex);
-        pieces.swap(m_pieces);
         m_deliveryPosted = false;
+        if (m_suspended && !areLast)
+            return;
+        pieces.swap(m_pieces);
         paused = std::exchange(m_paused, false);
     }
     if (paused)
@@ -256,7 +278,7 @@ void Transfer::deliverPieces()
         return;
     if (m_cancelled || m_refused) {
         m_refused = true; // a body with a piece left out never counts as whole
-    } else if (!m_receiver(pieces)) {
+    } else if (!m_receiver(pieces, *m_response)) {
         m_refused = true;
         cancel();
     }
@@ -268,15 +290,15 @@ void Transfer::deliverCompletion()
         ~CountOut() { TransferLoop::shared().exchangeEnded(); }
     } const countOut; // also where the completion throws
 
-    runGuarded([this] { deliverPieces(); }, m_session->queue.label().c_str());
+    runGuarded([this] { deliverPieces(true); }, m_session->queue.label().c_str());
     if (m_refused && !m_failure)
         m_failure = error(URLSession::cancelled, "Cancelled.");
     m_receiver = nullptr;
     const auto completion = std::exchange(m_completion, nullptr);
     if (!completion)
         return;
-    std::optional<HTTPURLResponse> response;
-    if (m_head.status() != 0)
+    std::optional<HTTPURLResponse> response = std::move(m_response);
+    if (!response && m_head.status() != 0)
         response = m_head.response(m_redirectedTo.value_or(m_request.url));
     completion(std::move(m_data), response, m_failure);
 }

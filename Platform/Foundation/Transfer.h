@@ -29,6 +29,7 @@ public:
              URLSession::Completion completion);
 
     void resume() override;
+    void suspend() override;
     void cancel() override;
 
     /// Calls the completions of finished transfers, all of one session, on its queue and in this order. Any
@@ -74,13 +75,14 @@ public:
 private:
     [[nodiscard]] Error error(URLSession::ErrorCode code, std::string_view reason) const;
 
-    [[nodiscard]] Error tooLong() const;
+    [[nodiscard]] Error tooLong(std::size_t limit) const;
     [[nodiscard]] bool takeHead();
     [[nodiscard]] std::size_t takePiece(std::string_view piece);
     void gather(std::string_view piece);
     void setTimeout();
 
-    void deliverPieces();
+    void begin();
+    void deliverPieces(bool areLast);
     void deliverCompletion();
 
     const std::shared_ptr<SessionState> m_session;
@@ -112,7 +114,10 @@ private:
     std::mutex m_piecesMutex;
     std::string m_pieces;
     bool m_deliveryPosted = false;
+    bool m_suspended = false;
     bool m_paused = false;
+    std::optional<HTTPURLResponse>
+        m_response; ///< of the pieces; made with the first, unchanged from there on
 };
 
 } // namespace virlo

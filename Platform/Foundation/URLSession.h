@@ -59,6 +59,9 @@ class URLSessionTask
 public:
     virtual ~URLSessionTask() = default;
     virtual void resume() = 0;
+    /// Holds a stream's pieces back until the next `resume`; what is under way to the receiver still comes. Of
+    /// an exchange that has ended the rest comes all the same, at most 1 MiB.
+    virtual void suspend() {}
     /// Ends the exchange soon; the completion then gets the error `cancelled`. An exchange that has ended
     /// already keeps its own outcome, and one that was never resumed completes now.
     virtual void cancel() = 0;
@@ -92,18 +95,19 @@ public:
     /// body, also beside an error.
     using Completion = std::function<void(std::string data, const std::optional<HTTPURLResponse>& response,
                                           const OptionalError&)>;
-    /// A piece of a 2xx body as it arrives; false ends the exchange as `cancel` does. While more than 1 MiB
-    /// waits for a slow receiver nothing more is read from the server.
-    using Receiver = std::function<bool(std::string_view piece)>;
+    /// A piece of a 2xx body as it arrives, and the answer that it is of; false ends the exchange as `cancel`
+    /// does. While more than 1 MiB waits for a slow receiver nothing more is read from the server.
+    using Receiver = std::function<bool(std::string_view piece, const HTTPURLResponse& response)>;
 
-    [[nodiscard]] static std::shared_ptr<URLSession>
+    [[nodiscard]] VIRLO_EXPORT static std::shared_ptr<URLSession>
     sessionWithConfiguration(URLSessionConfiguration configuration);
 
     virtual ~URLSession() = default;
 
     [[nodiscard]] virtual std::shared_ptr<URLSessionTask> dataTask(URLRequest request,
                                                                    Completion completion) = 0;
-    /// As `dataTask`, but a 2xx body goes to `receiver` piece by piece instead of being gathered.
+    /// As `dataTask`, but a 2xx body goes to `receiver` piece by piece instead of being gathered, and may be
+    /// of any length that `maximumBodySize` allows; any other is gathered up to 1 MiB.
     [[nodiscard]] virtual std::shared_ptr<URLSessionTask> streamTask(URLRequest request, Receiver receiver,
                                                                      Completion completion) = 0;
 

@@ -1,11 +1,15 @@
 #include "LoopbackServer.h"
 #include "Outcome.h"
 #include "RawServer.h"
+#include "Settle.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <condition_variable>
+#include <future>
+#include <mutex>
+#include <vector>
 
 namespace virlo::test
 {
@@ -43,7 +47,7 @@ TEST(StreamTask, SlowReceiverHoldsTheServerBackAndLosesNothing)
     makeSession()
         ->streamTask(
             request(server.url("/")),
-            [&](std::string_view piece) {
+            [&](std::string_view piece, const auto&) {
                 const std::lock_guard lock(gate);
                 received += piece;
                 return true;
@@ -79,10 +83,51 @@ TEST(StreamTask, ReceiverThatHasEnoughEndsTheExchange)
     Outcome outcome;
     makeSession()
         ->streamTask(
-            request(server.url("/")), [&](std::string_view) { return ++calls < 3; }, outcome.completion())
+            request(server.url("/")), [&](std::string_view, const auto&) { return ++calls < 3; },
+            outcome.completion())
         ->resume();
     EXPECT_EQ(outcome.wait().code(), URLSession::cancelled);
     EXPECT_EQ(calls, 3);
+}
+
+TEST(StreamTask, HoldsItsPiecesWhileSuspended)
+{
+    std::promise<void> ending;
+    RawServer server([&](Connection& connection) {
+        connection.readHead();
+        connection.write("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\none");
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        connection.write("two");
+        ending.get_future().wait();
+        connection.write("end");
+    });
+    std::mutex mutex;
+    std::vector<std::string> pieces;
+    std::shared_ptr<URLSessionTask> task;
+    Outcome outcome;
+    const auto received = [&](std::size_t count) {
+        const std::lock_guard lock(mutex);
+        return pieces.size() >= count;
+    };
+    task = makeSession()->streamTask(
+        request(server.url("/")),
+        [&](std::string_view piece, const HTTPURLResponse& response) {
+            EXPECT_EQ(response.statusCode, 200);
+            EXPECT_EQ(response.headers.find("content-length")->second, "9");
+            const std::lock_guard lock(mutex);
+            pieces.emplace_back(piece);
+            task->suspend();
+            return true;
+        },
+        outcome.completion());
+    task->resume();
+    ASSERT_TRUE(settle([&] { return received(1); }));
+    EXPECT_FALSE(settle([&] { return received(2); }, Seconds(0.3)));
+    task->resume();
+    ASSERT_TRUE(settle([&] { return received(2); }));
+    ending.set_value();
+    EXPECT_EQ(outcome.wait().code(), 0) << "an end is held back by nothing";
+    EXPECT_EQ(pieces, std::vector<std::string>({"one", "two", "end"}));
 }
 
 struct StreamRow {
@@ -111,7 +156,7 @@ TEST_P(StreamAnswerTest, PiecesAndDataAreKeptApart)
     makeSession()
         ->streamTask(
             bounded,
-            [&](std::string_view piece) {
+            [&](std::string_view piece, const auto&) {
                 streamed += piece;
                 return true;
             },

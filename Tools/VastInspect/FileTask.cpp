@@ -34,9 +34,10 @@ void FileTask::run()
     const std::unique_ptr<std::FILE, Close> file(std::fopen(m_path.c_str(), "rbe"));
     if (!file)
         return complete(error(URLSession::failed, std::strerror(errno)));
+    const virlo::HTTPURLResponse response{m_url, 200};
     std::array<char, 65'536> bytes;
     while (const std::size_t count = std::fread(bytes.data(), 1, bytes.size(), file.get())) {
-        if (m_cancelled || !m_receiver({bytes.data(), count}))
+        if (m_cancelled || !m_receiver({bytes.data(), count}, response))
             return complete(error(URLSession::cancelled, "Cancelled."));
     }
     if (std::ferror(file.get()) != 0)

@@ -40,11 +40,11 @@ std::shared_ptr<virlo::URLSessionTask> InspectSession::streamTask(virlo::URLRequ
 {
     using Clock = std::chrono::steady_clock;
     const auto hop = std::make_shared<Hop>(Hop{request.url, {}, 0});
-    Receiver keeping = [hop, keeps = m_keepsDocuments,
-                        receiver = std::move(receiver)](std::string_view piece) {
+    Receiver keeping = [hop, keeps = m_keepsDocuments, receiver = std::move(receiver)](std::string_view piece,
+                                                                                       const auto& response) {
         if (keeps)
             hop->document += piece;
-        return receiver(piece);
+        return receiver(piece, response);
     };
     Completion timing = [self = std::static_pointer_cast<InspectSession>(shared_from_this()), hop,
                          start = Clock::now(), completion = std::move(completion)](

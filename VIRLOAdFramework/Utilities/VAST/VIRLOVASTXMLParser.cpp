@@ -58,7 +58,7 @@ void VIRLOVASTXMLParser::parse()
     m_session
         ->streamTask(
             virlo::URLRequest{*m_vastURL},
-            [self = shared_from_this()](std::string_view piece) { return self->take(piece); },
+            [self = shared_from_this()](std::string_view piece, const auto&) { return self->take(piece); },
             [self = shared_from_this()](const std::string&, const auto& response,
                                         const OptionalError& error) { self->didFetch(response, error); })
         ->resume();
