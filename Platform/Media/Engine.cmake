@@ -9,13 +9,14 @@ target_include_directories(virlo-media-engine
   PRIVATE "$<TARGET_PROPERTY:virlo-platform,INTERFACE_INCLUDE_DIRECTORIES>")
 target_link_libraries(virlo-media-engine PRIVATE PkgConfig::GST)
 target_sources(virlo-media-engine PRIVATE
+  ClipDownload.cpp
   FrameStore.cpp
+  GstClipSource.cpp
   GstMediaEngine.cpp
   GstPipeline.cpp
   GstPlayback.cpp
   GstReport.cpp
   GstSinks.cpp
-  MediaAuthorities.cpp
   MediaRuntime.cpp
   PlaybackThread.cpp
   PlaybackThread+Messages.cpp

@@ -1,9 +1,8 @@
 #include "GstPipeline.h"
 
+#include "GstClipSource.h"
 #include "GstSinks.h"
-#include "MediaAuthorities.h"
 #include "TransferMeter.h"
-#include "URLSession.h"
 
 #include <map>
 #include <mutex>
@@ -16,7 +15,6 @@ namespace virlo
 /// What GStreamer's threads use; each of its callbacks holds it.
 struct GstPipeline::Shared {
     Options options;
-    GstPointer<GTlsDatabase> authorities = nullptr;
     std::mutex mutex = {};
     std::map<const void*, guint64> dropped =
         {}; ///< pictures, by the element that left them out; under `mutex`
@@ -26,8 +24,6 @@ namespace
 {
 
 using SharedPointer = std::shared_ptr<GstPipeline::Shared>;
-
-constexpr guint networkTimeoutSeconds = 15;
 
 gpointer handle(const SharedPointer& shared)
 {
@@ -49,59 +45,13 @@ void dropClosureHandle(gpointer handle, GClosure*)
     dropHandle(handle);
 }
 
-// Transfer
-
-std::uint64_t bytesOf(GstPadProbeInfo* info)
-{
-    if ((GST_PAD_PROBE_INFO_TYPE(info) & GST_PAD_PROBE_TYPE_BUFFER) != 0)
-        return gst_buffer_get_size(GST_PAD_PROBE_INFO_BUFFER(info));
-    return gst_buffer_list_calculate_size(GST_PAD_PROBE_INFO_BUFFER_LIST(info));
-}
-
-GstPadProbeReturn countTransfer(GstPad*, GstPadProbeInfo* info, gpointer user)
-{
-    TransferMeter& meter = *sharedOf(user).options.meter;
-    const GstPadProbeType type = GST_PAD_PROBE_INFO_TYPE(info);
-    if ((type & GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM) != 0) {
-        if (GST_EVENT_TYPE(GST_PAD_PROBE_INFO_EVENT(info)) == GST_EVENT_EOS)
-            meter.finished();
-        return GST_PAD_PROBE_OK;
-    }
-    meter.arrived(bytesOf(info), TransferMeter::Instant::clock::now());
-    return GST_PAD_PROBE_OK;
-}
-
-/// Runs when the pad has just handed a piece on.
-GstPadProbeReturn noteHandover(GstPad*, GstPadProbeInfo*, gpointer user)
-{
-    sharedOf(user).options.meter->handedOn(TransferMeter::Instant::clock::now());
-    return GST_PAD_PROBE_PASS;
-}
-
-void watchTransfer(GstElement* source, gpointer user)
-{
-    const GstPointer<GstPad> pad(gst_element_get_static_pad(source, "src"));
-    if (!pad)
-        return;
-    const SharedPointer& shared = *static_cast<SharedPointer*>(user);
-    constexpr auto counted = static_cast<GstPadProbeType>(
-        GST_PAD_PROBE_TYPE_BUFFER | GST_PAD_PROBE_TYPE_BUFFER_LIST | GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM);
-    gst_pad_add_probe(pad.get(), counted, countTransfer, handle(shared), dropHandle);
-    gst_pad_add_probe(pad.get(), GST_PAD_PROBE_TYPE_IDLE, noteHandover, handle(shared), dropHandle);
-}
-
 void setUpSource(GstElement*, GstElement* source, gpointer user)
 {
-    GObjectClass* const properties = G_OBJECT_GET_CLASS(source);
-    if (g_object_class_find_property(properties, "tls-database") == nullptr) {
-        // What is not read over the network is all there.
-        sharedOf(user).options.meter->finished();
-        return;
-    }
-    g_object_set(source, "timeout", networkTimeoutSeconds, nullptr);
-    if (GTlsDatabase* const authorities = sharedOf(user).authorities.get())
-        g_object_set(source, "tls-database", authorities, nullptr);
-    watchTransfer(source, user);
+    const auto& meter = sharedOf(user).options.meter;
+    if (GstClipSource::isOne(source))
+        GstClipSource::setMeter(source, meter);
+    else
+        meter->finished(); // what is not read over the network is all there
 }
 
 // Messages
@@ -154,8 +104,6 @@ std::unique_ptr<GstPipeline> GstPipeline::make(Options options)
 {
     std::unique_ptr<GstPipeline> pipeline(new GstPipeline);
     const auto shared = pipeline->m_shared = std::shared_ptr<Shared>(new Shared{std::move(options)});
-    shared->authorities =
-        mediaAuthorities(URLSessionConfiguration::defaultConfiguration().trustedAuthoritiesFile);
     // playbin3's decodebin3 (1.22.0) crashes now and then when it is torn down while it still plugs decoders,
     // and does not end some very short clips; items do not share a pipeline, which is what it would be for.
     pipeline->m_playbin = makeGstElement("playbin");
@@ -167,8 +115,8 @@ std::unique_ptr<GstPipeline> GstPipeline::make(Options options)
     // The pictures' conversion is our own; the volume is our own too, since a sound server would remember
     // that this program was muted.
     gst_util_set_object_arg(G_OBJECT(playbin), "flags", "video+audio+native-video+soft-volume+buffering");
-    g_object_set(playbin, "uri", shared->options.url.absoluteString().c_str(), "video-sink", videoSink.get(),
-                 "audio-sink", pipeline->m_audioSink.get(), "mute",
+    g_object_set(playbin, "uri", GstClipSource::addressOf(shared->options.url).c_str(), "video-sink",
+                 videoSink.get(), "audio-sink", pipeline->m_audioSink.get(), "mute",
                  static_cast<gboolean>(shared->options.muted), nullptr);
     g_signal_connect_data(playbin, "source-setup", G_CALLBACK(setUpSource), handle(shared), dropClosureHandle,
                           static_cast<GConnectFlags>(0));

@@ -1,5 +1,6 @@
 #include "MediaRuntime.h"
 
+#include "GstClipSource.h"
 #include "PlaybackThread.h"
 
 #include <gst/gst.h>
@@ -38,6 +39,8 @@ std::string MediaRuntime::prepare()
         GError* error = nullptr;
         if (gst_init_check(nullptr, nullptr, &error) == FALSE)
             m_failure = error != nullptr ? error->message : "GStreamer cannot be set up";
+        else
+            GstClipSource::registerElement();
         g_clear_error(&error);
     });
     const std::lock_guard lock(m_mutex);

@@ -86,6 +86,8 @@ TEST_F(PlayedAds, ThatStallShowTheWheelSoonAndGoOnByThemselves)
     Seconds last{0};
     auto since = std::chrono::steady_clock::now();
     ASSERT_TRUE(settle([&] {
+        if (!video->videoPlayer())
+            return false; // it has ended without a stall
         const Seconds now = video->videoPlayer()->currentTime();
         if (now != std::exchange(last, now))
             since = std::chrono::steady_clock::now();

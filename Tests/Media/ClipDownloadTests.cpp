@@ -1,0 +1,214 @@
+#include "ClipDownload.h"
+#include "RawServer.h"
+#include "RowName.h"
+#include "TransferMeter.h"
+
+#include <gtest/gtest.h>
+
+#include <future>
+#include <numeric>
+
+namespace virlo::test
+{
+
+namespace
+{
+
+using namespace std::chrono_literals;
+using Connection = RawServer::Connection;
+using Progress = ClipDownload::Progress;
+
+/// No two places alike for longer than a while.
+std::string clipOf(std::size_t size)
+{
+    std::string bytes(size, '\0');
+    std::iota(bytes.begin(), bytes.end(), '\0');
+    for (std::size_t at = 0; at < size; at += 256)
+        bytes[at] = static_cast<char>(at / 256);
+    return bytes;
+}
+
+/// What a request asks for: a place, or nothing for the whole.
+std::optional<std::size_t> placeIn(const std::string& head)
+{
+    constexpr std::string_view name = "Range: bytes=";
+    const auto at = head.find(name);
+    return at != std::string::npos ? std::optional(std::stoul(head.substr(at + name.size()))) : std::nullopt;
+}
+
+/// Answers from there on, and breaks off after `count` bytes.
+void answer(Connection& connection, const std::string& clip, std::optional<std::size_t> place,
+            std::size_t count = std::string::npos)
+{
+    std::string head = place ? "HTTP/1.1 206 Partial Content\r\nContent-Range: bytes " +
+                                   std::to_string(*place) + "-" + std::to_string(clip.size() - 1) + "/" +
+                                   std::to_string(clip.size())
+                             : "HTTP/1.1 200 OK";
+    const std::size_t from = place.value_or(0);
+    head += "\r\nContent-Length: " + std::to_string(clip.size() - from) + "\r\n\r\n";
+    connection.write(head + clip.substr(from, count));
+}
+
+class Download
+{
+public:
+    explicit Download(const RawServer& server)
+        : meter(std::make_shared<TransferMeter>())
+        , clip(*URL::fromString(server.url("/clip")), meter)
+    {
+    }
+
+    Progress readAll()
+    {
+        std::string piece;
+        Progress progress{};
+        while ((progress = clip.read(piece)) == Progress::Piece)
+            bytes += piece;
+        return progress;
+    }
+
+    std::shared_ptr<TransferMeter> meter;
+    ClipDownload clip;
+    std::string bytes;
+};
+
+TEST(ClipDownload, GoesOnFromWhereAConnectionBroke)
+{
+    const std::string clip = clipOf(1'000'000);
+    std::vector<std::optional<std::size_t>> places;
+    RawServer server([&](Connection& connection) {
+        places.push_back(placeIn(connection.readHead()));
+        answer(connection, clip, places.back(), 400'000);
+    });
+    Download download(server);
+    EXPECT_EQ(download.readAll(), Progress::End);
+    EXPECT_TRUE(download.bytes == clip);
+    ASSERT_EQ(places.size(), 3U);
+    EXPECT_EQ(places[0], std::nullopt);
+    EXPECT_EQ(places[1], 400'000U);
+    EXPECT_EQ(places[2], 800'000U);
+    EXPECT_EQ(download.clip.size(), clip.size());
+    EXPECT_EQ(download.meter->bytes(), clip.size());
+    EXPECT_TRUE(download.meter->isFinished());
+}
+
+TEST(ClipDownload, ReadsFromAnyPlaceAndKnowsTheWholeSize)
+{
+    const std::string clip = clipOf(3000);
+    RawServer server([&](Connection& connection) {
+        const auto place = placeIn(connection.readHead());
+        if (place.value_or(0) < clip.size())
+            answer(connection, clip, place);
+        else
+            connection.write("HTTP/1.1 416 Too Far\r\nContent-Length: 0\r\n\r\n");
+    });
+    Download download(server);
+    download.clip.seek(2000);
+    EXPECT_EQ(download.readAll(), Progress::End);
+    EXPECT_TRUE(download.bytes == clip.substr(2000));
+    EXPECT_EQ(download.clip.size(), 3000U);
+    download.bytes.clear();
+    download.clip.seek(0);
+    EXPECT_EQ(download.readAll(), Progress::End);
+    EXPECT_TRUE(download.bytes == clip);
+    download.clip.seek(3000);
+    EXPECT_EQ(download.readAll(), Progress::End);
+}
+
+TEST(ClipDownload, HoldsTheServerBackUntilSomebodyReads)
+{
+    const std::string clip = clipOf(std::size_t{24} << 20);
+    std::atomic<std::size_t> written{0};
+    RawServer server([&](Connection& connection) {
+        connection.readHead();
+        connection.write("HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(clip.size()) + "\r\n\r\n");
+        for (std::size_t at = 0; at < clip.size(); at += 65'536) {
+            if (!connection.write(std::string_view(clip).substr(at, 65'536)))
+                return;
+            written += 65'536;
+        }
+    });
+    Download download(server);
+    ASSERT_EQ(download.clip.read(download.bytes), Progress::Piece);
+    for (std::size_t before = 0; before != written;) {
+        before = written;
+        std::this_thread::sleep_for(200ms);
+    }
+    EXPECT_LT(written, clip.size() - (std::size_t{8} << 20)) << "nothing holds the server back";
+    EXPECT_EQ(download.readAll(), Progress::End);
+    EXPECT_TRUE(download.bytes == clip);
+    EXPECT_TRUE(download.meter->isThrottled());
+}
+
+TEST(ClipDownload, WakesAReaderThatIsInterrupted)
+{
+    std::promise<void> asked;
+    RawServer server([&](Connection& connection) {
+        const auto place = placeIn(connection.readHead());
+        if (place) {
+            answer(connection, "clip", place);
+            return;
+        }
+        connection.write("HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nc");
+        asked.set_value();
+        connection.waitForEnd();
+    });
+    Download download(server);
+    auto end = std::async(std::launch::async, [&] { return download.readAll(); });
+    asked.get_future().wait();
+    EXPECT_EQ(end.wait_for(50ms), std::future_status::timeout);
+    download.clip.setInterrupted(true);
+    EXPECT_EQ(end.get(), Progress::Interrupted);
+    EXPECT_EQ(download.readAll(), Progress::Interrupted);
+    download.clip.setInterrupted(false);
+    download.clip.seek(1);
+    EXPECT_EQ(download.readAll(), Progress::End);
+    EXPECT_EQ(download.bytes, "clip");
+}
+
+struct RefusalRow {
+    const char* name;
+    const char* first;  ///< the answer to the request for the whole
+    const char* second; ///< to one for a part; null: it must not be asked for
+    Progress end;
+    const char* bytes;
+};
+
+class Refusals : public testing::TestWithParam<RefusalRow>
+{
+};
+
+TEST_P(Refusals, EndTheReading)
+{
+    RawServer server([](Connection& connection) {
+        const bool isPart = placeIn(connection.readHead()).has_value();
+        ASSERT_TRUE(!isPart || GetParam().second != nullptr);
+        connection.write(isPart ? GetParam().second : GetParam().first);
+    });
+    Download download(server);
+    EXPECT_EQ(download.readAll(), GetParam().end);
+    EXPECT_EQ(download.bytes, GetParam().bytes);
+    EXPECT_EQ(download.clip.failure().empty(), GetParam().end == Progress::End);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , Refusals,
+    testing::Values(RefusalRow{"NotThere", "HTTP/1.1 404 No\r\nContent-Length: 3\r\n\r\nabc", nullptr,
+                               Progress::Missing, ""},
+                    RefusalRow{"NoAnswer", "", nullptr, Progress::Failed, ""},
+                    RefusalRow{"NothingAtAll", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\n", nullptr,
+                               Progress::Failed, ""},
+                    RefusalRow{"NoParts",
+                               "HTTP/1.1 200 OK\r\nAccept-Ranges: none\r\nContent-Length: 3\r\n\r\na",
+                               nullptr, Progress::Failed, "a"},
+                    RefusalRow{"TheWholeForAPart", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\na",
+                               "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\nabc", Progress::Failed, "a"},
+                    RefusalRow{"APartOfNothing", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\na",
+                               "HTTP/1.1 206 Part\r\nContent-Range: bytes 1-2/3\r\nContent-Length: 2\r\n\r\n",
+                               Progress::Failed, "a"},
+                    RefusalRow{"NoLength", "HTTP/1.1 200 OK\r\n\r\nabc", nullptr, Progress::End, "abc"}),
+    rowName);
+
+} // namespace
+
+} // namespace virlo::test
