@@ -7,6 +7,7 @@
 #include <map>
 #include <mutex>
 #include <numeric>
+#include <string_view>
 #include <utility>
 
 namespace virlo
@@ -52,6 +53,41 @@ void setUpSource(GstElement*, GstElement* source, gpointer user)
         GstClipSource::setMeter(source, meter);
     else
         meter->finished(); // what is not read over the network is all there
+}
+
+/// Up to this size a single thread decodes fast enough on any device that shows a television's picture; each
+/// further one costs a picture in flight and the decoder's tables again.
+constexpr int mostPixelsOfOneThread = 1280 * 720;
+
+GstPadProbeReturn chooseThreads(GstPad* pad, GstPadProbeInfo* info, gpointer)
+{
+    GstEvent* const event = GST_PAD_PROBE_INFO_EVENT(info);
+    if (GST_EVENT_TYPE(event) != GST_EVENT_CAPS)
+        return GST_PAD_PROBE_OK;
+    GstCaps* caps = nullptr;
+    gst_event_parse_caps(event, &caps);
+    const GstStructure* const format = gst_caps_get_structure(caps, 0);
+    gint width = 0;
+    gint height = 0;
+    const bool isSmall = gst_structure_get_int(format, "width", &width) != FALSE &&
+                         gst_structure_get_int(format, "height", &height) != FALSE &&
+                         gint64{width} * height <= mostPixelsOfOneThread;
+    const GstPointer<GstElement> decoder(gst_pad_get_parent_element(pad));
+    g_object_set(decoder.get(), "max-threads", isSmall ? 1 : 0, nullptr);
+    return GST_PAD_PROBE_OK;
+}
+
+/// GStreamer's own elements are set for throughput; here memory counts.
+void setUpElement(GstElement*, GstElement* element, gpointer)
+{
+    const std::string_view name(GST_OBJECT_NAME(element));
+    if (name.starts_with("vqueue"))
+        g_object_set(element, "max-size-buffers", 1U, nullptr);
+    else if (std::string_view(G_OBJECT_TYPE_NAME(element)).starts_with("avdec_") &&
+             g_object_class_find_property(G_OBJECT_GET_CLASS(element), "max-threads") != nullptr) {
+        const GstPointer<GstPad> pad(gst_element_get_static_pad(element, "sink"));
+        gst_pad_add_probe(pad.get(), GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM, chooseThreads, nullptr, nullptr);
+    }
 }
 
 // Messages
@@ -120,6 +156,7 @@ std::unique_ptr<GstPipeline> GstPipeline::make(Options options)
                  static_cast<gboolean>(shared->options.muted), nullptr);
     g_signal_connect_data(playbin, "source-setup", G_CALLBACK(setUpSource), handle(shared), dropClosureHandle,
                           static_cast<GConnectFlags>(0));
+    g_signal_connect(playbin, "element-setup", G_CALLBACK(setUpElement), nullptr);
     GstBus* const bus = gst_element_get_bus(playbin);
     gst_bus_set_sync_handler(bus, passMessage, handle(shared), dropHandle);
     gst_object_unref(bus);
