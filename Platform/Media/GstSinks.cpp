@@ -7,7 +7,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <string_view>
 #include <utility>
 
 namespace virlo
@@ -121,6 +120,26 @@ GstPointer<GstElement> makeAppSink(const std::shared_ptr<FrameStore>& frames)
     return sink;
 }
 
+/// The best way out that opens, of those that the device's makers mean to be used. `autoaudiosink` would also
+/// try the others, each of which brings its sound system's libraries into the process.
+GstPointer<GstElement> openSound()
+{
+    GList* const factories = gst_element_factory_list_get_elements(
+        GST_ELEMENT_FACTORY_TYPE_SINK | GST_ELEMENT_FACTORY_TYPE_MEDIA_AUDIO, GST_RANK_PRIMARY);
+    GstPointer<GstElement> opened;
+    for (const GList* one = factories; one != nullptr && !opened; one = one->next) {
+        auto sink = makeGstElement(GST_OBJECT_NAME(one->data));
+        if (!sink)
+            continue;
+        if (gst_element_set_state(sink.get(), GST_STATE_READY) == GST_STATE_CHANGE_FAILURE)
+            gst_element_set_state(sink.get(), GST_STATE_NULL);
+        else
+            opened = std::move(sink);
+    }
+    gst_plugin_feature_list_free(factories);
+    return opened;
+}
+
 } // namespace
 
 GstPointer<GstElement> makeGstElement(const char* factory)
@@ -151,14 +170,8 @@ GstPointer<GstElement> makeAudioSink(bool soundless)
     const auto now = Instant::clock::now();
     const Instant last = foundNone;
     if (!soundless && (last == Instant() || now - last > soundlessFor)) {
-        auto sink = makeGstElement("autoaudiosink");
-        if (sink && gst_element_set_state(sink.get(), GST_STATE_READY) != GST_STATE_CHANGE_FAILURE) {
-            const GList* const chosen = GST_BIN_CHILDREN(sink.get());
-            if (chosen != nullptr && std::string_view(G_OBJECT_TYPE_NAME(chosen->data)) != "GstFakeSink")
-                return sink;
-        }
-        if (sink)
-            gst_element_set_state(sink.get(), GST_STATE_NULL);
+        if (auto sink = openSound())
+            return sink;
         foundNone = now;
     }
     auto sink = makeGstElement("fakesink");
