@@ -1,13 +1,11 @@
 #include "PlayerLayerView.h"
 
+#include "FilmNode.h"
 #include "QueuePlayer.h"
 
 #include <QImage>
 #include <QQuickWindow>
-#include <QSGImageNode>
-#include <private/qsgplaintexture_p.h>
 
-#include <cmath>
 #include <utility>
 
 namespace virlo
@@ -31,23 +29,13 @@ QImage imageOf(std::shared_ptr<const VideoFrame> frame)
             holder};
 }
 
-/// A picture that fills its pixels one by one is copied. Smoothing would change nothing in it and costs the
-/// software backend several times as much as the copy.
-QSGTexture::Filtering filteringFor(const QSizeF& pixels, const QSize& picture)
+/// As the scene's nodes keep it, which is less exactly than the items do.
+double sceneScaleOf(const QQuickItem& view)
 {
-    constexpr double sameSize = 0.01;
-    const bool fits = std::abs(pixels.width() - picture.width()) < sameSize &&
-                      std::abs(pixels.height() - picture.height()) < sameSize;
-    return fits ? QSGTexture::Nearest : QSGTexture::Linear;
-}
-
-/// Belongs to its node, as the node's texture.
-QSGPlainTexture* makeTexture()
-{
-    auto* const texture = new QSGPlainTexture;
-    texture->setHasAlphaChannel(false);
-    texture->setFiltering(QSGTexture::Linear);
-    return texture;
+    double scale = 1;
+    for (const QQuickItem* item = &view; item != nullptr; item = item->parentItem())
+        scale *= static_cast<float>(item->scale());
+    return scale;
 }
 
 } // namespace
@@ -84,7 +72,7 @@ QRectF PlayerLayerView::videoRect() const
 
 QSGNode* PlayerLayerView::updateContentNode(QSGNode* old)
 {
-    auto* node = static_cast<QSGImageNode*>(old);
+    auto* node = static_cast<FilmNode*>(old);
     // A window that comes and goes takes the nodes with it.
     const bool isWanted = std::exchange(m_hasNewFrame, false) || node == nullptr;
     const auto frame = isWanted && m_player ? m_player->takeFrame() : nullptr;
@@ -94,25 +82,11 @@ QSGNode* PlayerLayerView::updateContentNode(QSGNode* old)
         delete node;
         return nullptr;
     }
-    if (node == nullptr) {
-        node = window()->createImageNode();
-        node->setOwnsTexture(true);
-    }
-    if (frame) {
-        auto* texture = static_cast<QSGPlainTexture*>(node->texture());
-        const bool isNew = texture == nullptr;
-        if (isNew)
-            texture = makeTexture();
-        texture->setImage(imageOf(frame));
-        if (isNew)
-            node->setTexture(texture);
-        node->setSourceRect(QRectF(0, 0, frame->width, frame->height));
-        node->markDirty(QSGNode::DirtyMaterial);
-    }
-    const QRectF rect = videoRect();
-    node->setRect(rect);
-    const QSizeF pixels = mapRectToScene(rect).size() * window()->effectiveDevicePixelRatio();
-    node->setFiltering(filteringFor(pixels, node->sourceRect().size().toSize()));
+    if (node == nullptr)
+        node = new FilmNode(*window());
+    if (frame)
+        node->setPicture(imageOf(frame));
+    node->setPlace(videoRect(), sceneScaleOf(*this), window()->effectiveDevicePixelRatio());
     return node;
 }
 

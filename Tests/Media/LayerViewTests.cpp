@@ -1,5 +1,6 @@
 #include "PlayerLayerView.h"
 
+#include "FilmNode.h"
 #include "HostWindow.h"
 #include "MediaTest.h"
 #include "RowName.h"
@@ -154,6 +155,40 @@ class WideWindow : public LayerView
 protected:
     WideWindow() : LayerView({1280, 720}) {}
 };
+
+TEST_F(WideWindow, ShowsAPictureThatFitsPixelByPixelUnderAScaleToo)
+{
+    show(file({.width = 1280, .height = 720, .sound = false, .kilobitsPerSecond = 6000}));
+    const QImage plain = window.picture();
+    QQuickItem canvas(window.contentItem());
+    canvas.setSize({1920, 1080});
+    canvas.setTransformOrigin(QQuickItem::TopLeft);
+    canvas.setScale(1280 / 1920.0);
+    view->setParentItem(&canvas);
+    view->setFrame({0, 0, 1920, 1080});
+    const QImage scaled = window.picture();
+    EXPECT_TRUE(scaled == plain);
+    view->setFrame({0, 0, 960, 540});
+    EXPECT_NE(window.picture(), plain) << "smaller than its pixels";
+    view->setParentItem(nullptr);
+}
+
+TEST_F(WideWindow, TakesEveryScaleOfACanvasBackToTwelveDigits)
+{
+    static_cast<void>(window.picture());
+    for (const double scale :
+         {1280 / 1920.0, 1366 / 1920.0, 960 / 1920.0, 720 / 1080.0 * 0.9, 3840 / 1920.0}) {
+        FilmNode node(window);
+        const auto kept = static_cast<float>(scale);
+        node.setPicture(QImage(1280, 720, QImage::Format_RGB32));
+        node.setPlace({30, 60, 1280 / scale, 720 / scale}, kept, 1);
+        const auto* const inner = static_cast<QSGTransformNode*>(node.firstChild());
+        const QTransform whole =
+            inner->matrix().toTransform() * node.matrix().toTransform() * QTransform::fromScale(kept, kept);
+        EXPECT_EQ(whole.type(), QTransform::TxTranslate) << scale;
+        EXPECT_NEAR(whole.dx(), 30 * scale, 1e-4);
+    }
+}
 
 TEST_F(WideWindow, ShowsEveryPictureOfAClip)
 {
