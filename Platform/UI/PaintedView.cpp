@@ -11,20 +11,6 @@
 namespace virlo
 {
 
-namespace
-{
-
-/// Pixels of the window per point of the view, apart from views' own transforms, which come and go.
-double resolution(const QQuickItem& view, const QQuickWindow& window)
-{
-    double scale = window.effectiveDevicePixelRatio();
-    for (const QQuickItem* item = &view; item != nullptr; item = item->parentItem())
-        scale *= item->scale();
-    return std::clamp(scale, 0.25, 4.0);
-}
-
-} // namespace
-
 PaintedView::PaintedView(QQuickItem* superview) : View(superview) {}
 
 PaintedView::~PaintedView() = default;
@@ -34,12 +20,22 @@ void PaintedView::setNeedsDisplay()
     polish();
 }
 
+double PaintedView::resolution() const
+{
+    if (window() == nullptr)
+        return 1;
+    double scale = window()->effectiveDevicePixelRatio();
+    for (const QQuickItem* item = this; item != nullptr; item = item->parentItem())
+        scale *= item->scale();
+    return std::clamp(scale, 0.25, 4.0);
+}
+
 void PaintedView::updatePolish()
 {
     if (window() == nullptr || size().isEmpty()) {
         m_picture = {};
     } else {
-        const double scale = resolution(*this, *window());
+        const double scale = resolution();
         const QSize pixels(static_cast<int>(std::ceil(width() * scale)),
                            static_cast<int>(std::ceil(height() * scale)));
         if (m_picture.size() != pixels || !m_picture.isDetached())

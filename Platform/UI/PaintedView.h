@@ -27,6 +27,9 @@ protected:
     /// Draws into `bounds()`; the painter's unit is the point, whatever the resolution.
     virtual void paint(QPainter& painter) = 0;
 
+    /// Pixels of the window per point, apart from views' own transforms, which come and go; 1 without one.
+    [[nodiscard]] double resolution() const;
+
     void updatePolish() override;
     void geometryChange(const QRectF& now, const QRectF& before) override;
     void itemChange(ItemChange change, const ItemChangeData& data) override;

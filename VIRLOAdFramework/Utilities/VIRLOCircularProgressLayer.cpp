@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace
 {
@@ -37,11 +38,14 @@ void VIRLOCircularProgressLayer::addProgressAnimation(double from, double to)
     removeProgressAnimation();
     m_animated = from;
     const virlo::Seconds whole = stepDuration + tickSlack;
-    const auto step = [this, from, to, whole](double share) {
+    // Drawn anew a pixel further on: less is not seen, and would be drawn sixty times a second.
+    const double pixels = std::numbers::pi * std::min(width(), height()) * resolution();
+    const auto step = [this, from, to, whole, pixels](double share) {
         const double now = from + (to - from) * std::min(1.0, share * (whole / stepDuration));
-        if (now == m_animated)
-            return;
+        const bool isSeen = std::round(now * pixels) != std::round(m_animated * pixels);
         m_animated = now;
+        if (!isSeen)
+            return;
         setNeedsDisplay();
     };
     // Told in a later turn of the loop, when the layer may have gone or another way have begun.
