@@ -5,23 +5,30 @@
 #include <span>
 #include <string>
 
-/// One subject of measurement; `run` adds its lines to the results.
+/// One subject of measurement.
 struct Benchmark {
     const char* name;
+    /// Adds its lines to the results; null for one that needs the library in its own process, which
+    /// `bench-inside` has.
     void (*run)(Results&);
 };
 
+/// All of them, in the order in which they run.
 [[nodiscard]] std::span<const Benchmark> benchmarks();
 [[nodiscard]] bool benchmarkNamed(const std::string& name);
 
+// Other processes, measured from this one: it has none of the libraries that they are measured with, or
+// their pages would count as shared.
+void benchHostProcess(Results& results);
+void benchCoreMemory(Results& results);
+void benchVideoProcess(Results& results);
+void benchVASTInspect(Results& results);
+
+// In `bench-inside`
 void benchRequestLayer(Results& results);
 void benchPublicCalls(Results& results);
 void benchScreen(Results& results);
 void benchImages(Results& results);
-void benchHostProcess(Results& results);
-void benchCoreMemory(Results& results);
 void benchVASTReading(Results& results);
 void benchVASTNetwork(Results& results);
-void benchVASTInspect(Results& results);
 void benchVideoScreen(Results& results);
-void benchVideoProcess(Results& results);

@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 extern char** environ;
 
@@ -91,6 +92,13 @@ std::string ChildProcess::readLine()
             throw std::runtime_error("the measured program ended");
         m_pending.append(buffer, static_cast<std::size_t>(count));
     }
+}
+
+int ChildProcess::awaitEnd()
+{
+    int status = 0;
+    waitpid(std::exchange(m_process, -1), &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 double ChildProcess::pssMiB() const

@@ -1,6 +1,5 @@
 #include "Benchmarks.h"
 #include "ChildProcess.h"
-#include "Pictures.h"
 
 #include "AdServer.h"
 
@@ -53,12 +52,10 @@ class Stage
 public:
     explicit Stage(int ads) : m_server(options())
     {
-        std::filesystem::create_directories(pictures());
-        for (int number = 0; number <= ads; ++number) {
-            const auto path = pictures() / ("bench-" + std::to_string(number) + ".jpg");
-            if (!std::filesystem::exists(path))
-                std::ofstream(path, std::ios::binary) << adPicture(number);
-        }
+        ChildProcess painter(
+            {programFolder() + "/bench-inside", "pictures", pictures().string(), std::to_string(ads)});
+        if (painter.awaitEnd() != 0)
+            throw std::runtime_error("no pictures are drawn");
         for (int number = ads; number >= 0; --number)
             m_server.addCampaign("bench-" + std::to_string(number), campaign(number).dump(), pictures());
         adserver::AdServerFault accepted;

@@ -67,6 +67,18 @@ bool Results::write(const std::string& path) const
     return file.good();
 }
 
+bool Results::read(const std::string& path)
+{
+    const nlohmann::json rows = nlohmann::json::parse(std::ifstream(path), nullptr, false);
+    if (!rows.is_array())
+        return false;
+    for (const auto& row : rows)
+        m_results.push_back({row.at("measure"), row.at("ours"),
+                             row.at("bare").is_null() ? 0 : row.at("bare").get<double>(), row.at("unit"),
+                             row.at("reach"), row.at("holds")});
+    return true;
+}
+
 double timed(const std::function<void()>& work)
 {
     const auto start = std::chrono::steady_clock::now();

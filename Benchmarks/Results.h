@@ -25,6 +25,8 @@ public:
     void addLimit(std::string measure, double ours, std::string unit, double limit);
 
     void print() const;
+    /// Adds what another run has written; false where there is nothing of the kind.
+    [[nodiscard]] bool read(const std::string& path);
     /// An array of objects; the answer is false where the file cannot be written.
     [[nodiscard]] bool write(const std::string& path) const;
 
