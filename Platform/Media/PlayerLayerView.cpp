@@ -1,6 +1,6 @@
 #include "PlayerLayerView.h"
 
-#include "FilmNode.h"
+#include "PictureNode.h"
 #include "QueuePlayer.h"
 
 #include <QImage>
@@ -27,15 +27,6 @@ QImage imageOf(std::shared_ptr<const VideoFrame> frame)
             QImage::Format_RGB32,
             [](void* kept) { delete static_cast<Holder*>(kept); },
             holder};
-}
-
-/// As the scene's nodes keep it, which is less exactly than the items do.
-double sceneScaleOf(const QQuickItem& view)
-{
-    double scale = 1;
-    for (const QQuickItem* item = &view; item != nullptr; item = item->parentItem())
-        scale *= static_cast<float>(item->scale());
-    return scale;
 }
 
 } // namespace
@@ -72,7 +63,7 @@ QRectF PlayerLayerView::videoRect() const
 
 QSGNode* PlayerLayerView::updateContentNode(QSGNode* old)
 {
-    auto* node = static_cast<FilmNode*>(old);
+    auto* node = static_cast<PictureNode*>(old);
     // A window that comes and goes takes the nodes with it.
     const bool isWanted = std::exchange(m_hasNewFrame, false) || node == nullptr;
     const auto frame = isWanted && m_player ? m_player->takeFrame() : nullptr;
@@ -83,10 +74,10 @@ QSGNode* PlayerLayerView::updateContentNode(QSGNode* old)
         return nullptr;
     }
     if (node == nullptr)
-        node = new FilmNode(*window());
+        node = new PictureNode(*window(), false);
     if (frame)
         node->setPicture(imageOf(frame));
-    node->setPlace(videoRect(), sceneScaleOf(*this), window()->effectiveDevicePixelRatio());
+    node->setPlace(videoRect(), *this);
     return node;
 }
 

@@ -1,8 +1,9 @@
 #include "PaintedView.h"
 
+#include "PictureNode.h"
+
 #include <QPainter>
 #include <QQuickWindow>
-#include <QSGImageNode>
 
 #include <algorithm>
 #include <cmath>
@@ -35,7 +36,7 @@ void PaintedView::updatePolish()
     if (window() == nullptr || size().isEmpty()) {
         m_picture = {};
     } else {
-        const double scale = resolution();
+        const double scale = m_resolution = resolution();
         const QSize pixels(static_cast<int>(std::ceil(width() * scale)),
                            static_cast<int>(std::ceil(height() * scale)));
         if (m_picture.size() != pixels || !m_picture.isDetached())
@@ -44,7 +45,7 @@ void PaintedView::updatePolish()
         QPainter painter(&m_picture);
         painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform |
                                QPainter::TextAntialiasing);
-        painter.scale(pixels.width() / width(), pixels.height() / height());
+        painter.scale(scale, scale);
         paint(painter);
     }
     m_textureIsStale = true;
@@ -68,24 +69,18 @@ void PaintedView::itemChange(ItemChange change, const ItemChangeData& data)
 
 QSGNode* PaintedView::updateContentNode(QSGNode* old)
 {
-    auto* node = static_cast<QSGImageNode*>(old);
+    auto* node = static_cast<PictureNode*>(old);
     if (m_picture.isNull()) {
         delete node;
         return nullptr;
     }
-    if (node == nullptr || m_textureIsStale) {
-        QSGTexture* texture =
-            window()->createTextureFromImage(m_picture, QQuickWindow::TextureHasAlphaChannel);
-        if (node == nullptr) {
-            node = window()->createImageNode();
-            node->setOwnsTexture(true);
-            node->setFiltering(QSGTexture::Linear);
-        }
-        node->setTexture(texture);
-        m_textureIsStale = false;
-    }
-    node->setSourceRect(QRectF(QPointF(), QSizeF(m_picture.size())));
-    node->setRect(boundingRect());
+    const bool isNew = node == nullptr;
+    if (isNew)
+        node = new PictureNode(*window(), true);
+    if (std::exchange(m_textureIsStale, false) || isNew)
+        node->setPicture(m_picture);
+    // Of whole pixels: up to one more than the view.
+    node->setPlace(QRectF(QPointF(), QSizeF(m_picture.size()) / m_resolution), *this);
     return node;
 }
 

@@ -37,6 +37,7 @@ protected:
 
 private:
     QImage m_picture;
+    double m_resolution = 1; ///< of the picture
     bool m_textureIsStale = false;
 };
 

@@ -1,8 +1,8 @@
 #include "PlayerLayerView.h"
 
-#include "FilmNode.h"
 #include "HostWindow.h"
 #include "MediaTest.h"
+#include "PictureNode.h"
 #include "RowName.h"
 #include "Settle.h"
 
@@ -178,10 +178,12 @@ TEST_F(WideWindow, TakesEveryScaleOfACanvasBackToTwelveDigits)
     static_cast<void>(window.picture());
     for (const double scale :
          {1280 / 1920.0, 1366 / 1920.0, 960 / 1920.0, 720 / 1080.0 * 0.9, 3840 / 1920.0}) {
-        FilmNode node(window);
-        const auto kept = static_cast<float>(scale);
+        QQuickItem canvas(window.contentItem());
+        canvas.setScale(scale);
+        PictureNode node(window, false);
         node.setPicture(QImage(1280, 720, QImage::Format_RGB32));
-        node.setPlace({30, 60, 1280 / scale, 720 / scale}, kept, 1);
+        node.setPlace({30, 60, 1280 / scale, 720 / scale}, canvas);
+        const auto kept = static_cast<float>(scale);
         const auto* const inner = static_cast<QSGTransformNode*>(node.firstChild());
         const QTransform whole =
             inner->matrix().toTransform() * node.matrix().toTransform() * QTransform::fromScale(kept, kept);

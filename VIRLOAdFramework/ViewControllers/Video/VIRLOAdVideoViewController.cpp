@@ -1,9 +1,9 @@
 #include "VIRLOAdVideoViewController.h"
 
 #include "GlobalQueue.h"
-#include "ImageView.h"
 #include "MainLoop.h"
 #include "MediaEngine.h"
+#include "PaintedImageView.h"
 #include "VIRLOActivityIndicator.h"
 #include "VIRLOAdFrameworkLogger.h"
 #include "VIRLOAdItem.h"
@@ -112,7 +112,7 @@ std::unique_ptr<virlo::View> VIRLOAdVideoViewController::loadView()
     m_videoView = view.get();
     m_activityIndicator = virlo::View::make<VIRLOActivityIndicator>();
     // The ring and its number read on any picture.
-    auto* const halo = new virlo::ImageView(view.get());
+    auto* const halo = new virlo::PaintedImageView(view.get());
     halo->setImage(VIRLOFrameworkImages::imageNamed("countdown_halo.png"));
     m_videoProgress = new VIRLOTimerProgress(view.get());
     constexpr double haloMargin = ringMargin - (haloSize - ringSize) / 2;

@@ -1,4 +1,4 @@
-#include "FilmNode.h"
+#include "PictureNode.h"
 
 #include <QQuickWindow>
 #include <QSGImageNode>
@@ -6,7 +6,6 @@
 
 #include <cmath>
 #include <limits>
-#include <optional>
 #include <utility>
 
 namespace virlo
@@ -15,8 +14,10 @@ namespace virlo
 namespace
 {
 
+using Scales = std::pair<float, float>;
+
 /// Two scales that take `scale` back, to more digits than one has. About one in eighty thousand pairs does.
-std::optional<std::pair<float, float>> scalesAgainst(double scale)
+Scales searchScalesAgainst(double scale)
 {
     constexpr double tolerance = 5e-13;
     constexpr int mostTries = 4'000'000;
@@ -24,10 +25,29 @@ std::optional<std::pair<float, float>> scalesAgainst(double scale)
     for (int count = 0; count < mostTries; ++count) {
         const auto inner = static_cast<float>(1 / (scale * outer));
         if (std::abs(scale * outer * inner - 1) < tolerance)
-            return std::pair(outer, inner);
+            return {outer, inner};
         outer = std::nextafter(outer, std::numeric_limits<float>::max());
     }
-    return std::nullopt;
+    return {1.0F, static_cast<float>(1 / scale)};
+}
+
+Scales scalesAgainst(double scale)
+{
+    // All of a window's views have the same.
+    thread_local double last = 1;
+    thread_local Scales found{1.0F, 1.0F};
+    if (std::exchange(last, scale) != scale)
+        found = searchScalesAgainst(scale);
+    return found;
+}
+
+/// As the scene's nodes keep it, which is less exactly than the items do.
+double sceneScaleOf(const QQuickItem& view)
+{
+    double scale = 1;
+    for (const QQuickItem* item = &view; item != nullptr; item = item->parentItem())
+        scale *= static_cast<float>(item->scale());
+    return scale;
 }
 
 QMatrix4x4 scaled(float scale)
@@ -39,19 +59,20 @@ QMatrix4x4 scaled(float scale)
 
 } // namespace
 
-FilmNode::FilmNode(QQuickWindow& window)
+PictureNode::PictureNode(QQuickWindow& window, bool hasAlpha)
     : m_inner(new QSGTransformNode)
     , m_image(window.createImageNode())
     , m_texture(new QSGPlainTexture)
 {
-    m_texture->setHasAlphaChannel(false);
+    m_texture->setHasAlphaChannel(hasAlpha);
     m_texture->setFiltering(QSGTexture::Linear);
+    m_image->setFiltering(QSGTexture::Linear);
     m_image->setOwnsTexture(true);
     m_inner->appendChildNode(m_image);
     appendChildNode(m_inner);
 }
 
-void FilmNode::setPicture(const QImage& picture)
+void PictureNode::setPicture(const QImage& picture)
 {
     m_texture->setImage(picture);
     if (m_image->texture() == nullptr)
@@ -60,19 +81,21 @@ void FilmNode::setPicture(const QImage& picture)
     m_image->markDirty(QSGNode::DirtyMaterial);
 }
 
-void FilmNode::setScale(double sceneScale)
+void PictureNode::setScale(double sceneScale)
 {
     if (sceneScale == m_sceneScale)
         return;
     m_sceneScale = sceneScale;
-    const auto scales = scalesAgainst(sceneScale).value_or(std::pair(1.0F, 1.0F));
+    const Scales scales = scalesAgainst(sceneScale);
     m_outerScale = scales.first;
     m_inner->setMatrix(scaled(scales.second));
 }
 
-void FilmNode::setPlace(const QRectF& rect, double sceneScale, double pixelRatio)
+void PictureNode::setPlace(const QRectF& rect, const QQuickItem& view)
 {
     constexpr double sameSize = 0.01;
+    const double sceneScale = sceneScaleOf(view);
+    const double pixelRatio = view.window()->effectiveDevicePixelRatio();
     const QSizeF picture = m_image->sourceRect().size();
     const QSizeF pixels = rect.size() * sceneScale * pixelRatio;
     const bool fits = std::abs(pixels.width() - picture.width()) < sameSize &&
@@ -83,8 +106,6 @@ void FilmNode::setPlace(const QRectF& rect, double sceneScale, double pixelRatio
     matrix.scale(m_outerScale, m_outerScale);
     setMatrix(matrix);
     m_image->setRect(QRectF(QPointF(), fits ? picture / pixelRatio : rect.size()));
-    // Smoothing would change nothing in a picture that fits, and costs several times as much as the copy.
-    m_image->setFiltering(fits ? QSGTexture::Nearest : QSGTexture::Linear);
 }
 
 } // namespace virlo
