@@ -59,9 +59,11 @@ class URLSessionTask
 public:
     virtual ~URLSessionTask() = default;
     virtual void resume() = 0;
-    /// Holds a stream's pieces back until the next `resume`; what is under way to the receiver still comes. Of
-    /// an exchange that has ended the rest comes all the same, at most 1 MiB.
+
+    /// Holds a stream's pieces back until the next `resume`; what is under way to the receiver still comes.
+    /// Of an exchange that has ended the rest comes all the same, at most 1 MiB.
     virtual void suspend() {}
+
     /// Ends the exchange soon; the completion then gets the error `cancelled`. An exchange that has ended
     /// already keeps its own outcome, and one that was never resumed completes now.
     virtual void cancel() = 0;

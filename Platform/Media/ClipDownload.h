@@ -12,9 +12,9 @@ namespace virlo
 
 class TransferMeter;
 
-/// A clip's bytes as they come over the network, for a thread that waits for them. A connection that breaks is
-/// made again from where it broke; three in a row that bring nothing are the end. Little is held of what nobody
-/// has read yet; the server is held back then. One thread reads and seeks; the rest is for any.
+/// A clip's bytes as they come over the network, for a thread that waits for them. A connection that breaks
+/// is made again from where it broke; three in a row that bring nothing are the end. Little is held of what
+/// nobody has read yet; the server is held back then. One thread reads and seeks; the rest is for any.
 class ClipDownload
 {
 public:
