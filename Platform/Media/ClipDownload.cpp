@@ -18,7 +18,8 @@ namespace
 
 using Instant = TransferMeter::Instant;
 
-constexpr std::chrono::seconds longestSilence{15};
+/// Longer than whoever waits for a picture does.
+constexpr std::chrono::seconds longestSilence{20};
 /// A film may stand still for as long as its viewer likes, with its connection open.
 constexpr std::chrono::hours longestExchange{24};
 /// What may wait for the reader.
@@ -52,6 +53,17 @@ std::optional<std::uint64_t> sizeOf(const HTTPURLResponse& response)
     const std::string range = headerOf(response, "content-range");
     const auto total = range.rfind('/');
     return total != std::string::npos ? numberIn(range.substr(total + 1)) : std::nullopt;
+}
+
+/// Where an answer's bytes stand in the clip.
+std::optional<std::uint64_t> placeOf(const HTTPURLResponse& response)
+{
+    constexpr std::string_view unit = "bytes ";
+    const std::string range = headerOf(response, "content-range");
+    if (response.statusCode != partialContent)
+        return 0;
+    return range.starts_with(unit) ? numberIn(range.substr(unit.size(), range.find('-') - unit.size()))
+                                   : std::nullopt;
 }
 
 bool isFound(long status)
@@ -100,6 +112,7 @@ struct ClipDownload::Shared : std::enable_shared_from_this<Shared> {
     bool held = false;
     bool ended = false;
     std::optional<long> status;
+    bool fits = false; ///< brings what was asked for
     OptionalError error;
     std::optional<Instant> retryAt; ///< when the next request follows
     int vainTries = 0;              ///< those in a row that brought nothing
@@ -117,7 +130,7 @@ void ClipDownload::Shared::start()
     if (place > 0)
         request.headers["Range"] = "bytes=" + std::to_string(place) + "-";
     begunAt = place;
-    held = ended = false;
+    held = ended = fits = false;
     status.reset();
     error.reset();
     retryAt.reset();
@@ -179,13 +192,14 @@ bool ClipDownload::Shared::note(const HTTPURLResponse& response)
     if (!status) {
         status = response.statusCode;
         finalURL = response.url;
-        if (isFound(response.statusCode)) {
+        // Whoever sends the whole in place of a part would have it played from its start again.
+        fits = isFound(response.statusCode) && placeOf(response) == begunAt;
+        if (fits) {
             size = sizeOf(response);
             seekable = size && headerOf(response, "accept-ranges") != "none";
         }
     }
-    // Whoever sends the whole in place of a part would have it played from its start again.
-    return begunAt == 0 || *status == partialContent;
+    return fits;
 }
 
 // The reader
@@ -208,21 +222,21 @@ void ClipDownload::Shared::handOver(std::string& piece)
 /// What the end of the request means; nothing where another one is to follow.
 std::optional<ClipDownload::Progress> ClipDownload::Shared::conclude()
 {
-    const bool isPart = begunAt > 0;
-    const bool isUsable = status && (isPart ? *status == partialContent : isFound(*status));
-    if ((isUsable && !error) || (isPart && status == rangeNotSatisfiable)) {
+    // Some servers send less than they were asked for, and mean it.
+    const bool isWhole = fits && !error && place >= size.value_or(0);
+    if (isWhole || (begunAt > 0 && status == rangeNotSatisfiable)) {
         meter->finished();
         return Progress::End;
     }
     if (place > begunAt)
         vainTries = 0;
-    const bool mayComeBack = !status || isUsable || *status / 100 == 5;
+    const bool mayComeBack = !status || fits || *status / 100 == 5;
     if (mayComeBack && seekable && place > 0 && vainTries < maximumVainTries) {
         retryAt = Instant::clock::now() + vainTries * shortestPause;
         ++vainTries;
         return std::nullopt;
     }
-    if (isUsable || !status)
+    if (fits || !status)
         failure = error ? error->userInfo.value("Reason", describe(*error)) : "The connection ended";
     else
         failure = "The server answers " + std::to_string(*status);
@@ -272,6 +286,7 @@ void ClipDownload::seek(std::uint64_t place)
     m_shared->abandon();
     m_shared->retryAt.reset();
     m_shared->ended = false;
+    m_shared->vainTries = 0;
     m_shared->place = place;
 }
 

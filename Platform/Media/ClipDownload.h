@@ -32,7 +32,7 @@ public:
     ClipDownload(const ClipDownload&) = delete;
     ClipDownload& operator=(const ClipDownload&) = delete;
 
-    /// Waits for the next bytes and puts them into `piece`; fifteen seconds without any are a failure.
+    /// Waits for the next bytes and puts them into `piece`; twenty seconds without any are a failure.
     [[nodiscard]] Progress read(std::string& piece);
     /// What `read` brings next.
     void seek(std::uint64_t place);

@@ -120,16 +120,21 @@ gboolean stop(GstBaseSrc* source)
     return TRUE;
 }
 
+gboolean interrupt(GstBaseSrc* source, bool interrupted)
+{
+    if (const auto& download = clipOf(source).download)
+        download->setInterrupted(interrupted);
+    return TRUE;
+}
+
 gboolean unlock(GstBaseSrc* source)
 {
-    clipOf(source).download->setInterrupted(true);
-    return TRUE;
+    return interrupt(source, true);
 }
 
 gboolean unlockStop(GstBaseSrc* source)
 {
-    clipOf(source).download->setInterrupted(false);
-    return TRUE;
+    return interrupt(source, false);
 }
 
 gboolean isSeekable(GstBaseSrc* source)

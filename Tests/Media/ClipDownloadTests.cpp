@@ -49,6 +49,16 @@ void answer(Connection& connection, const std::string& clip, std::optional<std::
     connection.write(head + clip.substr(from, count));
 }
 
+/// A server that sends at most so much at a time.
+void answerInParts(Connection& connection, const std::string& clip, std::size_t most)
+{
+    const auto place = placeIn(connection.readHead()).value_or(0);
+    const std::size_t count = std::min(most, clip.size() - place);
+    connection.write("HTTP/1.1 206 Part\r\nContent-Range: bytes " + std::to_string(place) + "-" +
+                     std::to_string(place + count - 1) + "/" + std::to_string(clip.size()) +
+                     "\r\nContent-Length: " + std::to_string(count) + "\r\n\r\n" + clip.substr(place, count));
+}
+
 class Download
 {
 public:
@@ -113,6 +123,16 @@ TEST(ClipDownload, ReadsFromAnyPlaceAndKnowsTheWholeSize)
     EXPECT_TRUE(download.bytes == clip);
     download.clip.seek(3000);
     EXPECT_EQ(download.readAll(), Progress::End);
+}
+
+TEST(ClipDownload, AsksOnWhereAServerSendsLessThanAskedFor)
+{
+    const std::string clip = clipOf(5000);
+    RawServer server([&](Connection& connection) { answerInParts(connection, clip, 2000); });
+    Download download(server);
+    EXPECT_EQ(download.readAll(), Progress::End);
+    EXPECT_TRUE(download.bytes == clip);
+    EXPECT_EQ(server.connections(), 3);
 }
 
 TEST(ClipDownload, HoldsTheServerBackUntilSomebodyReads)
@@ -193,20 +213,23 @@ TEST_P(Refusals, EndTheReading)
 
 INSTANTIATE_TEST_SUITE_P(
     , Refusals,
-    testing::Values(RefusalRow{"NotThere", "HTTP/1.1 404 No\r\nContent-Length: 3\r\n\r\nabc", nullptr,
-                               Progress::Missing, ""},
-                    RefusalRow{"NoAnswer", "", nullptr, Progress::Failed, ""},
-                    RefusalRow{"NothingAtAll", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\n", nullptr,
-                               Progress::Failed, ""},
-                    RefusalRow{"NoParts",
-                               "HTTP/1.1 200 OK\r\nAccept-Ranges: none\r\nContent-Length: 3\r\n\r\na",
-                               nullptr, Progress::Failed, "a"},
-                    RefusalRow{"TheWholeForAPart", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\na",
-                               "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\nabc", Progress::Failed, "a"},
-                    RefusalRow{"APartOfNothing", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\na",
-                               "HTTP/1.1 206 Part\r\nContent-Range: bytes 1-2/3\r\nContent-Length: 2\r\n\r\n",
-                               Progress::Failed, "a"},
-                    RefusalRow{"NoLength", "HTTP/1.1 200 OK\r\n\r\nabc", nullptr, Progress::End, "abc"}),
+    testing::Values(
+        RefusalRow{"NotThere", "HTTP/1.1 404 No\r\nContent-Length: 3\r\n\r\nabc", nullptr, Progress::Missing,
+                   ""},
+        RefusalRow{"NoAnswer", "", nullptr, Progress::Failed, ""},
+        RefusalRow{"NothingAtAll", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\n", nullptr, Progress::Failed,
+                   ""},
+        RefusalRow{"NoParts", "HTTP/1.1 200 OK\r\nAccept-Ranges: none\r\nContent-Length: 3\r\n\r\na", nullptr,
+                   Progress::Failed, "a"},
+        RefusalRow{"TheWholeForAPart", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\na",
+                   "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\nabc", Progress::Failed, "a"},
+        RefusalRow{"AnotherPart", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\na",
+                   "HTTP/1.1 206 Part\r\nContent-Range: bytes 2-2/3\r\nContent-Length: 1\r\n\r\nc",
+                   Progress::Failed, "a"},
+        RefusalRow{"APartOfNothing", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\na",
+                   "HTTP/1.1 206 Part\r\nContent-Range: bytes 1-2/3\r\nContent-Length: 2\r\n\r\n",
+                   Progress::Failed, "a"},
+        RefusalRow{"NoLength", "HTTP/1.1 200 OK\r\n\r\nabc", nullptr, Progress::End, "abc"}),
     rowName);
 
 } // namespace
