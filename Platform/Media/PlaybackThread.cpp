@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <malloc.h>
 #include <utility>
 
 namespace virlo
@@ -19,6 +20,15 @@ namespace
 Seconds seconds(GstClockTime time)
 {
     return std::chrono::nanoseconds(time);
+}
+
+/// The C library keeps what a thread has freed for that thread, and a clip's threads end with it: without
+/// this a process would hold several clips' worth of memory after some.
+void giveMemoryBack()
+{
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
 }
 
 /// How far a time between two looks may be carried on from the first.
@@ -122,12 +132,13 @@ void PlaybackThread::run()
         open();
     while (!m_closed && !isFinal(m_next.phase) && turn()) {
     }
-    // May block, as long as the network or the sound device likes.
+    // May block, as long as the sound device likes.
     m_pipeline.reset();
     {
         const std::lock_guard lock(m_mutex);
         m_messages.clear();
     }
+    giveMemoryBack();
     MediaRuntime::shared().leave(*this);
 }
 

@@ -5,6 +5,7 @@
 #include "VIRLOAdPresenter.h"
 
 #include <algorithm>
+#include <malloc.h>
 #include <random>
 
 namespace virlo::test
@@ -101,8 +102,9 @@ TEST_F(ManyVideos, LeaveNothingBehind)
     };
     for (int i = 0; i < 10; ++i)
         showAndLeave();
-    // What decoders gave back stays with the allocator for a while, so a single look says little: the lowest
-    // of several tells whether something is kept.
+    // Pictures that are given back go to the system at once, rather than stay with the allocator of a thread
+    // that has gone. A single look still says little: the lowest of several tells whether something is kept.
+    mallopt(M_MMAP_THRESHOLD, 256 << 10);
     std::vector<long> looks;
     const Footprint before = footprint();
     Footprint after;
@@ -117,7 +119,7 @@ TEST_F(ManyVideos, LeaveNothingBehind)
     const long growth = *std::min_element(middle, looks.end()) - *std::min_element(looks.begin(), middle);
     RecordProperty("pss_growth_kib", static_cast<int>(growth));
     if (Footprint::memoryTells) {
-        EXPECT_LT(growth, 8192);
+        EXPECT_LT(growth, 8192) << testing::PrintToString(looks);
     }
     EXPECT_LE(after.threads, before.threads + 2);         // workers come and go
     EXPECT_LE(after.descriptors, before.descriptors + 6); // as do kept connections
