@@ -1,5 +1,5 @@
 find_package(PkgConfig REQUIRED)
-pkg_check_modules(GST REQUIRED IMPORTED_TARGET GLOBAL gstreamer-1.0>=1.22 gstreamer-app-1.0 gstreamer-base-1.0 gstreamer-video-1.0 gio-2.0)
+pkg_check_modules(GST REQUIRED IMPORTED_TARGET GLOBAL gstreamer-1.0>=1.22 gstreamer-app-1.0 gstreamer-base-1.0 gstreamer-video-1.0)
 
 # What plays clips, by GStreamer. It only names the platform's headers: where it lands in a module of its own, the
 # platform is the library's that loads it, not a second one.

@@ -55,7 +55,7 @@ void virlo_clip_source_init(Source* source)
     gst_base_src_set_format(GST_BASE_SRC(source), GST_FORMAT_BYTES);
 }
 
-void finalize(GObject* object)
+void finalizeSource(GObject* object)
 {
     delete reinterpret_cast<Source*>(object)->clip;
     G_OBJECT_CLASS(virlo_clip_source_parent_class)->finalize(object);
@@ -227,7 +227,7 @@ GstFlowReturn create(GstPushSrc* source, GstBuffer** buffer)
 
 void virlo_clip_source_class_init(SourceClass* type)
 {
-    G_OBJECT_CLASS(type)->finalize = finalize;
+    G_OBJECT_CLASS(type)->finalize = finalizeSource;
     auto* const element = GST_ELEMENT_CLASS(type);
     gst_element_class_add_static_pad_template(element, &padTemplate);
     gst_element_class_set_static_metadata(element, "Clip source", "Source/Network",

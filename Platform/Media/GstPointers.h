@@ -1,6 +1,5 @@
 #pragma once
 
-#include <gio/gio.h>
 #include <gst/gst.h>
 
 #include <memory>

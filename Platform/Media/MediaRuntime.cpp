@@ -15,7 +15,7 @@ namespace
 {
 
 /// Code that is loaded while the process tears its libraries down sets those up again that it needs, and they
-/// abort. Only what waits for a server or a sound device can take so long.
+/// abort. Only what waits for a sound device can take so long.
 constexpr Seconds longestHalt{5};
 
 } // namespace
