@@ -66,7 +66,7 @@ bool Visit::watchQueueOfFilms(int coinsBefore)
     if (!shoot("film-muted"))
         return false;
     press(Qt::Key_VolumeMute);
-    pass(8600); // the first film's end, and the second one's stall at the 190,000th byte
+    pass(9800); // the first film's end, and the second one's stall at the 240,000th byte
     return shoot("film-stalled") && await("the end of the films", [this] { return !m_ads.adStands(); }) &&
            awaitCoins(coinsBefore) && shoot("reward");
 }

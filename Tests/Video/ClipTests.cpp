@@ -78,7 +78,7 @@ TEST_F(PlayedAds, FillASmallerScreenWithTheirRingInItsCorner)
 
 TEST_F(PlayedAds, ThatStallShowTheWheelSoonAndGoOnByThemselves)
 {
-    serveClip("slow", "wildgrove-silent-720p.mp4", {.stallBodyAfter = 190'000, .stallFor = 2500ms});
+    serveClip("slow", "wildgrove-silent-720p.mp4", {.stallBodyAfter = 240'000, .stallFor = 4500ms});
     const auto video = shownVideo(videoAd({{"slow", 4}}));
     ASSERT_TRUE(settle([&] { return video->videoPlayer() && video->videoPlayer()->currentTime() > 0s; }));
     ASSERT_TRUE(settle([&] { return !isBusy(video); }));
@@ -116,7 +116,7 @@ TEST_F(PlayedAds, ThatAreNoFilmsGiveWayToTheNext)
 
 TEST_F(PlayedAds, ThatStopComingForGoodCanBeLeft)
 {
-    serveClip("dead", "wildgrove-silent-720p.mp4", {.stallBodyAfter = 190'000, .stallFor = 14s});
+    serveClip("dead", "wildgrove-silent-720p.mp4", {.stallBodyAfter = 240'000, .stallFor = 14s});
     const auto video = shownVideo(videoAd({{"dead", 4}}));
     EXPECT_TRUE(settle([&] { return isBusy(video) && video->videoPlayer()->currentTime() > 0s; }));
     click(Qt::Key_Escape);
