@@ -19,13 +19,13 @@ target_compile_features(VIRLOAdFramework INTERFACE cxx_std_20)
 
 # What plays videos is opened with the first of them, so that a host with none pays nothing for it. It takes what the
 # library exports from the library and has the rest of what it needs in itself.
-target_sources(VIRLOAdFramework PRIVATE ../Platform/Media/MediaModule.cpp)
+target_sources(VIRLOAdFramework PRIVATE ../Platform/Media/Player/MediaModule.cpp)
 target_link_libraries(VIRLOAdFramework PRIVATE ${CMAKE_DL_LIBS})
-set_source_files_properties(../Platform/Media/MediaModule.cpp PROPERTIES
+set_source_files_properties(../Platform/Media/Player/MediaModule.cpp PROPERTIES
   COMPILE_DEFINITIONS "VIRLO_VERSION=\"${PROJECT_VERSION}\"" SKIP_UNITY_BUILD_INCLUSION ON)
 if(VIRLO_BUILD_MEDIA)
   add_library(virlo-media-module MODULE
-    ../Platform/Media/GstModule.cpp ../Platform/Foundation/DetachedThread.cpp)
+    ../Platform/Media/Engine/GstModule.cpp ../Platform/Foundation/Concurrency/DetachedThread.cpp)
   set_target_properties(virlo-media-module PROPERTIES
     PREFIX "" OUTPUT_NAME media
     LIBRARY_OUTPUT_DIRECTORY "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/virloadframework")
@@ -45,21 +45,21 @@ set(VIRLO_PUBLIC_HEADERS
   VIRLOUserProfile.h
   ViewControllers/VIRLOAdPresenter.h
   ViewControllers/VIRLOAdViewController.h
-  ../Platform/Foundation/Bundle.h
-  ../Platform/Foundation/Clock.h
-  ../Platform/Foundation/DeviceInfo.h
-  ../Platform/Foundation/Error.h
-  ../Platform/Foundation/Exception.h
-  ../Platform/Foundation/Export.h
-  ../Platform/Foundation/JSON.h
-  ../Platform/Foundation/NetworkFlags.h
-  ../Platform/Foundation/NotificationCenter.h
-  ../Platform/Foundation/SerialQueue.h
-  ../Platform/Foundation/StringFormat.h
-  ../Platform/Foundation/SystemLog.h
-  ../Platform/Foundation/URL.h
-  ../Platform/Foundation/URLSession.h
-  ../Platform/UI/Application.h
+  ../Platform/Foundation/Device/Bundle.h
+  ../Platform/Foundation/Concurrency/Clock.h
+  ../Platform/Foundation/Device/DeviceInfo.h
+  ../Platform/Foundation/Base/Error.h
+  ../Platform/Foundation/Base/Exception.h
+  ../Platform/Foundation/Base/Export.h
+  ../Platform/Foundation/Base/JSON.h
+  ../Platform/Foundation/Network/NetworkFlags.h
+  ../Platform/Foundation/Concurrency/NotificationCenter.h
+  ../Platform/Foundation/Concurrency/SerialQueue.h
+  ../Platform/Foundation/Base/StringFormat.h
+  ../Platform/Foundation/Base/SystemLog.h
+  ../Platform/Foundation/Network/URL.h
+  ../Platform/Foundation/Network/URLSession.h
+  ../Platform/UI/Presentation/Application.h
 )
 set(VIRLO_HEADER_FOLDER "${CMAKE_BINARY_DIR}/include/VIRLOAdFramework")
 file(MAKE_DIRECTORY "${VIRLO_HEADER_FOLDER}")

@@ -5,27 +5,27 @@ pkg_check_modules(GST REQUIRED IMPORTED_TARGET GLOBAL gstreamer-1.0>=1.22 gstrea
 # platform is the library's that loads it, not a second one.
 add_library(virlo-media-engine STATIC)
 target_include_directories(virlo-media-engine
-  PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}"
+  PUBLIC Engine Player
   PRIVATE "$<TARGET_PROPERTY:virlo-platform,INTERFACE_INCLUDE_DIRECTORIES>")
 target_link_libraries(virlo-media-engine PRIVATE PkgConfig::GST)
 target_sources(virlo-media-engine PRIVATE
-  ClipDownload.cpp
-  FrameStore.cpp
-  GstClipSource.cpp
-  GstMediaEngine.cpp
-  GstPipeline.cpp
-  GstPlayback.cpp
-  GstReport.cpp
-  GstSinks.cpp
-  MediaRuntime.cpp
-  PlaybackThread.cpp
-  PlaybackThread+Messages.cpp
-  PlaybackWatch.cpp
-  TransferMeter.cpp
+  Engine/ClipDownload.cpp
+  Engine/FrameStore.cpp
+  Engine/GstClipSource.cpp
+  Engine/GstMediaEngine.cpp
+  Engine/GstPipeline.cpp
+  Engine/GstPlayback.cpp
+  Engine/GstReport.cpp
+  Engine/GstSinks.cpp
+  Engine/MediaRuntime.cpp
+  Engine/PlaybackThread.cpp
+  Engine/PlaybackThread+Messages.cpp
+  Engine/PlaybackWatch.cpp
+  Engine/TransferMeter.cpp
 )
 
 # For programs that have the engine in themselves. Linked whole: it names itself from a static initialiser.
-add_library(virlo-media-linked-static STATIC LinkedMediaEngine.cpp)
+add_library(virlo-media-linked-static STATIC Engine/LinkedMediaEngine.cpp)
 target_link_libraries(virlo-media-linked-static PUBLIC virlo-media-engine virlo-platform-player)
 add_library(virlo-media-linked INTERFACE)
 target_link_libraries(virlo-media-linked INTERFACE
