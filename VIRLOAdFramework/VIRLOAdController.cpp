@@ -23,16 +23,18 @@ namespace
 {
 constexpr double longestInterval = 365.0 * 86400.0;
 
-/// The host's completion, called by the first who comes: a request whose body cannot be written answers
-/// twice.
-template <typename... Arguments>
-std::function<void(Arguments...)> once(std::function<void(Arguments...)> completion)
+/// The host gets an error in place of a screen that is not ready after `seconds`; 0 is no limit.
+void limitPreloading(double seconds, const VIRLOAdScreens::Abandon& abandon,
+                     const VIRLOAdController::AdViewControllerCompletion& completion)
 {
-    return [called = std::make_shared<std::atomic_flag>(),
-            completion = std::move(completion)](Arguments... arguments) {
-        if (completion && !called->test_and_set())
-            completion(std::forward<Arguments>(arguments)...);
-    };
+    if (seconds <= 0 || !abandon)
+        return;
+    GlobalQueue::high().after(virlo::Seconds(seconds), [abandon, completion] {
+        if (abandon())
+            completion(nullptr, virlo::Error{VIRLOAdController::preloadTimeLimitErrorDomain,
+                                             0,
+                                             {{"Reason", "The ad was not ready within the time limit."}}});
+    });
 }
 
 std::string trackingDirectory()
@@ -146,28 +148,26 @@ void VIRLOAdController::adViewControllerForPlacementWithCompletion(const std::st
 void VIRLOAdController::adViewControllerOfTypeWithCompletion(std::uint64_t type,
                                                              AdViewControllerCompletion completion)
 {
-    // Off the caller's thread: asking for the network's state reads the system's tables and writes to its
-    // log.
+    if (!completion)
+        completion = [](const std::shared_ptr<VIRLOAdViewController>&, const OptionalError&) {};
+    // Off the caller's thread: reading the network's state asks the kernel and writes to the system log.
     GlobalQueue::high().async([api = m_api, type, placement = currentPlacement().value_or(""),
-                               completion = once(std::move(completion))] {
-        // What waits for a session is kept by the server object, so it must not hold it.
+                               limit = m_preloadTimeLimit.load(), completion = std::move(completion)] {
+        // The server object keeps this request until there is a session, so the request must not own it.
         const std::weak_ptr<VIRLOAdServerAPI> weakApi = api;
         api->retrieveAdvertisementForPlacementOfTypeWithCompletion(
             placement, VIRLOAdvertisementType{type},
-            [weakApi, completion](std::shared_ptr<VIRLOAdvertisement> advertisement,
-                                  const OptionalError& error) {
+            [weakApi, limit, completion](std::shared_ptr<VIRLOAdvertisement> advertisement,
+                                         const OptionalError& error) {
                 VIRLOAdScreens* const screens = VIRLOAdScreens::installed();
                 auto strongApi = weakApi.lock();
                 if (!advertisement || !screens || !strongApi) {
                     completion(nullptr, error);
                     return;
                 }
-                screens->screenForAdvertisementWithCompletion(
-                    std::move(advertisement), std::move(strongApi),
-                    [completion](std::shared_ptr<VIRLOAdViewController> screen,
-                                 const OptionalError& preloadError) {
-                        completion(preloadError ? nullptr : std::move(screen), preloadError);
-                    });
+                const auto abandon = screens->screenForAdvertisementWithCompletion(
+                    std::move(advertisement), std::move(strongApi), completion);
+                limitPreloading(limit, abandon, completion);
             });
     });
 }
@@ -176,9 +176,14 @@ void VIRLOAdController::registerThirdPartyUserIdWithCompletion(const std::string
                                                                ErrorCompletion completion)
 {
     GlobalQueue::high().async(
-        [api = m_api, userId = VIRLOHostText::wellFormed(userId), completion = once(std::move(completion))] {
+        [api = m_api, userId = VIRLOHostText::wellFormed(userId), completion = std::move(completion)] {
             api->registerUsernameForVirtualCurrencyWithCompletion(userId, completion);
         });
+}
+
+void VIRLOAdController::setPreloadTimeLimit(double seconds)
+{
+    m_preloadTimeLimit = seconds;
 }
 
 void VIRLOAdController::checkAvailableCurrency()

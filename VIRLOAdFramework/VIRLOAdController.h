@@ -44,8 +44,8 @@ public:
 class VIRLO_EXPORT VIRLOAdController : public std::enable_shared_from_this<VIRLOAdController>
 {
 public:
-    /// Called exactly once, on any thread and never on the caller's stack, with the screen, or an error, or
-    /// (for an advertisement of a kind without a screen) neither.
+    /// Called once (for the one exception see `setPreloadTimeLimit`), on any thread and never on the caller's
+    /// stack, with the screen, or an error, or (for an advertisement of a type without a screen) neither.
     using AdViewControllerCompletion =
         std::function<void(std::shared_ptr<VIRLOAdViewController>, const virlo::OptionalError&)>;
     /// As above, with nothing on success.
@@ -78,6 +78,13 @@ public:
     /// Asks for an ad of one kind (0 any, 1 and 2 discovery, 3 interstitial, 4 video, 5 featured, 6
     /// engagement, 7 recommendation) for the current placement.
     void adViewControllerOfTypeWithCompletion(std::uint64_t type, AdViewControllerCompletion completion);
+
+    /// How many seconds a screen may preload, counted from the server's response to the request for the ad;
+    /// then its completion gets an error of domain `preloadTimeLimitErrorDomain` (code 0) and the screen is
+    /// dropped. 0, the default, is no limit: preloading takes as long as its downloads, and the completion of
+    /// a video ad whose VAST document holds nothing playable is never called. Holds for later requests.
+    void setPreloadTimeLimit(double seconds);
+    static constexpr const char* preloadTimeLimitErrorDomain = "com.virlohq.error.preloadTimeLimit";
 
     /// Tells the server the host's own name of the user who earns the rewards. The completion is required.
     void registerThirdPartyUserIdWithCompletion(const std::string& userId, ErrorCompletion completion);
@@ -129,6 +136,7 @@ private:
     virlo::SerialQueue m_currencySyncQueue;
     std::atomic<bool> m_debugMode{false};
     std::atomic<bool> m_trackingInitiated{false};
+    std::atomic<double> m_preloadTimeLimit{0};
     mutable std::mutex m_delegateMutex;
     std::weak_ptr<VIRLOAdControllerDelegate> m_delegate;
     std::vector<std::unique_ptr<virlo::NotificationCenter::Observation>> m_observations;

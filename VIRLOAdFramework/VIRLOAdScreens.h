@@ -18,14 +18,19 @@ public:
     using Completion =
         std::function<void(std::shared_ptr<VIRLOAdViewController>, const virlo::OptionalError&)>;
 
+    /// Gives up a screen that is still preloading: it is released and its completion is not called any more.
+    /// False where the completion has been called or is being called. Any thread.
+    using Abandon = std::function<bool()>;
+
     virtual ~VIRLOAdScreens() = default;
 
     /// Chooses the screen by the advertisement's type, gives it the advertisement and `api` (which it keeps
     /// weakly), lets it preload, and hands it over. Returns at once; the completion is called once, on any
-    /// thread.
-    virtual void screenForAdvertisementWithCompletion(std::shared_ptr<VIRLOAdvertisement> advertisement,
-                                                      std::shared_ptr<VIRLOAdServerAPI> api,
-                                                      Completion completion) = 0;
+    /// thread. The result is empty where nothing is left to preload; ignored, preloading takes as long as it
+    /// takes.
+    virtual Abandon screenForAdvertisementWithCompletion(std::shared_ptr<VIRLOAdvertisement> advertisement,
+                                                         std::shared_ptr<VIRLOAdServerAPI> api,
+                                                         Completion completion) = 0;
 
     /// Not owned: it must live as long as the process, or until another (or null) takes its place. May be
     /// called from a static initialiser.

@@ -100,17 +100,21 @@ public:
     FakeScreens(const FakeScreens&) = delete;
     FakeScreens& operator=(const FakeScreens&) = delete;
 
-    void screenForAdvertisementWithCompletion(std::shared_ptr<VIRLOAdvertisement> advertisement,
-                                              std::shared_ptr<VIRLOAdServerAPI>,
-                                              Completion completion) override
+    Abandon screenForAdvertisementWithCompletion(std::shared_ptr<VIRLOAdvertisement> advertisement,
+                                                 std::shared_ptr<VIRLOAdServerAPI>,
+                                                 Completion completion) override
     {
         asked = std::move(advertisement);
-        completion(screen, error);
+        if (neverReady)
+            return [this] { return std::exchange(neverReady, false); };
+        completion(error ? nullptr : screen, error);
+        return {};
     }
 
     std::shared_ptr<VIRLOAdvertisement> asked;
     std::shared_ptr<VIRLOAdViewController> screen;
     OptionalError error;
+    bool neverReady = false;
 };
 
 class AdScreen : public ControllerTest
@@ -170,6 +174,25 @@ TEST_F(AdScreen, IsDroppedWhereItsPreloadingFails)
     ASSERT_EQ(outcomes.size(), 1U);
     EXPECT_FALSE(outcomes[0].screen);
     EXPECT_EQ(outcomes[0].error, screens.error);
+}
+
+TEST_F(AdScreen, IsGivenUpAfterTheTimeLimit)
+{
+    FakeScreens screens;
+    screens.neverReady = true;
+    start();
+    controller->setPreloadTimeLimit(5);
+    transport->expect("GET", "/ad/req", engagement);
+    controller->adViewControllerOfTypeWithCompletion(4, collect());
+    settleAll();
+    clock.advance(Seconds(4.9));
+    EXPECT_TRUE(outcomes.empty());
+    clock.advance(Seconds(0.1));
+    settleAll();
+    ASSERT_EQ(outcomes.size(), 1U);
+    EXPECT_FALSE(outcomes[0].screen);
+    EXPECT_EQ(outcomes[0].error.value().domain, VIRLOAdController::preloadTimeLimitErrorDomain);
+    EXPECT_FALSE(screens.neverReady) << "the screen was let go";
 }
 
 TEST_F(AdScreen, IsNeitherScreenNorErrorForAKindWithoutOne)

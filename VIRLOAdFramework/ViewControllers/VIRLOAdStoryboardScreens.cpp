@@ -12,6 +12,7 @@
 
 #include <QGuiApplication>
 
+#include <mutex>
 #include <utility>
 
 using virlo::Storyboard;
@@ -42,6 +43,24 @@ std::shared_ptr<VIRLOAdViewControllerBase> screenForType(VIRLOAdvertisementType 
     }
 }
 
+/// A screen until it is handed over or given up, whichever comes first.
+class PendingScreen
+{
+public:
+    explicit PendingScreen(std::shared_ptr<VIRLOAdViewController> screen) : m_screen(std::move(screen)) {}
+
+    /// Null for all callers but the first.
+    [[nodiscard]] std::shared_ptr<VIRLOAdViewController> take()
+    {
+        const std::lock_guard lock(m_mutex);
+        return std::exchange(m_screen, nullptr);
+    }
+
+private:
+    std::mutex m_mutex;
+    std::shared_ptr<VIRLOAdViewController> m_screen;
+};
+
 bool install()
 {
     // Never destroyed: an answer may come while the process's statics go.
@@ -62,26 +81,29 @@ void warmUpSoon()
 
 Q_COREAPP_STARTUP_FUNCTION(warmUpSoon)
 
-void VIRLOAdStoryboardScreens::screenForAdvertisementWithCompletion(
+VIRLOAdScreens::Abandon VIRLOAdStoryboardScreens::screenForAdvertisementWithCompletion(
     std::shared_ptr<VIRLOAdvertisement> advertisement, std::shared_ptr<VIRLOAdServerAPI> api,
     Completion completion)
 {
     const auto screen = screenForType(advertisement->type());
     if (!screen) {
         completion(nullptr, std::nullopt);
-        return;
+        return {};
     }
     screen->setAd(std::move(advertisement));
     screen->setApi(api);
     const auto preloaded = std::dynamic_pointer_cast<VIRLOPreloadedAdViewController>(screen);
     if (!preloaded) {
         completion(screen, std::nullopt);
-        return;
+        return {};
     }
+    const auto pending = std::make_shared<PendingScreen>(screen);
     preloaded->preloadAdElementsWithCompletion(
-        [screen, completion = std::move(completion)](const virlo::OptionalError& error) {
-            completion(error ? nullptr : screen, error);
+        [pending, completion = std::move(completion)](const virlo::OptionalError& error) {
+            if (auto ready = pending->take())
+                completion(error ? nullptr : std::move(ready), error);
         });
+    return [pending] { return pending->take() != nullptr; };
 }
 
 void VIRLOAdStoryboardScreens::warmUp()

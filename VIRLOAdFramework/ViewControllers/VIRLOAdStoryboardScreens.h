@@ -10,9 +10,9 @@ class VIRLOAdStoryboardScreens : public VIRLOAdScreens
 public:
     static constexpr const char* storyboardName = "VIRLOAdStoryboard";
 
-    void screenForAdvertisementWithCompletion(std::shared_ptr<VIRLOAdvertisement> advertisement,
-                                              std::shared_ptr<VIRLOAdServerAPI> api,
-                                              Completion completion) override;
+    Abandon screenForAdvertisementWithCompletion(std::shared_ptr<VIRLOAdvertisement> advertisement,
+                                                 std::shared_ptr<VIRLOAdServerAPI> api,
+                                                 Completion completion) override;
 
     /// Begins what takes time before a first screen. Main thread; waits for nothing.
     static void warmUp();
