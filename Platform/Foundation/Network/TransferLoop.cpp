@@ -1,6 +1,7 @@
 #include "TransferLoop.h"
 
 #include "DetachedThread.h"
+#include "ProcessShutdown.h"
 #include "SessionState.h"
 #include "Transfer.h"
 #include "WorkerPool.h"
@@ -10,7 +11,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <iterator>
 
 namespace virlo
@@ -109,10 +109,11 @@ bool TransferLoop::launch()
 {
     if (m_launched)
         return true;
-    // OpenSSL is never torn down, or it would be while the thread is inside; where someone else has set it up
-    // before us and it will be, our handler, the younger, runs before its own.
+    // OpenSSL must not clean up while the I/O thread is still inside it. Where the host initialised it before
+    // us it will; the shutdown is registered after that, so it runs first.
     OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
-    static const bool registered = std::atexit([] { shared().halt(); }) == 0;
+    static const bool registered =
+        ProcessShutdown::add(ProcessShutdown::Stage::Network, [] { shared().halt(); });
     m_launched = registered && m_sockets.open() && startLeader([this] {
                      setUp();
                      lead();

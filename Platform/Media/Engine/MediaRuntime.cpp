@@ -2,11 +2,11 @@
 
 #include "GstClipSource.h"
 #include "PlaybackThread.h"
+#include "ProcessShutdown.h"
 
 #include <gst/gst.h>
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace virlo
 {
@@ -28,11 +28,12 @@ MediaRuntime& MediaRuntime::shared()
 
 std::string MediaRuntime::prepare()
 {
-    registerHalt();
+    if (!registerShutdown())
+        return "The process is exiting";
     {
         const std::lock_guard lock(m_mutex);
         if (m_ended)
-            return "The process ends";
+            return "The process is exiting";
         ++m_preparing;
     }
     std::call_once(m_once, [this] {
@@ -49,15 +50,17 @@ std::string MediaRuntime::prepare()
     return m_failure;
 }
 
-void MediaRuntime::registerHalt()
+bool MediaRuntime::registerShutdown()
 {
-    static const bool registered = std::atexit([] { shared().halt(); }) == 0;
-    (void)registered;
+    static const bool registered =
+        ProcessShutdown::add(ProcessShutdown::Stage::Media, [] { shared().halt(); });
+    return registered;
 }
 
 bool MediaRuntime::enter(const std::shared_ptr<PlaybackThread>& thread)
 {
-    registerHalt();
+    if (!registerShutdown())
+        return false;
     const std::lock_guard lock(m_mutex);
     if (m_ended)
         return false;

@@ -35,7 +35,7 @@ public:
 
 private:
     MediaRuntime() = default;
-    static void registerHalt();
+    [[nodiscard]] static bool registerShutdown();
     void halt();
 
     std::once_flag m_once;

@@ -1,5 +1,7 @@
 #include "UIRuntime.h"
 
+#include "MainLoop.h"
+#include "ProcessShutdown.h"
 #include "QtMainLoop.h"
 #include "QtWork.h"
 #include "SceneLibrary.h"
@@ -17,23 +19,15 @@ namespace
 
 bool begun = false;
 
-/// A host that calls exit() destroys no application object. Its thread's own objects still go before those of
-/// the process: the last moment at which other threads can be kept from Qt's statics. What stands on the
-/// screen is left as it is, since what animates it is this thread's own and may be gone.
-class ThreadEnd
+/// A host that calls exit() destroys no application object: other threads are kept from Qt's static objects
+/// here. Presented screens are left as they are, since Qt's per-thread animation data may be destroyed by
+/// now.
+void stop()
 {
-public:
-    ThreadEnd() = default;
-    ThreadEnd(const ThreadEnd&) = delete;
-    ThreadEnd& operator=(const ThreadEnd&) = delete;
-
-    ~ThreadEnd()
-    {
-        QtWork::end();
-        if (begun)
-            SceneLibrary::clear();
-    }
-};
+    QtWork::end();
+    if (begun && MainLoop::isMainThread()) // exit() may have been called elsewhere
+        SceneLibrary::clear();
+}
 
 } // namespace
 
@@ -42,7 +36,8 @@ void UIRuntime::begin()
     if (begun || QCoreApplication::instance() == nullptr)
         return;
     begun = true;
-    thread_local const ThreadEnd threadEnd;
+    static const bool registered = ProcessShutdown::add(ProcessShutdown::Stage::Screens, &stop);
+    static_cast<void>(registered);
     qAddPostRoutine(&UIRuntime::end);
 }
 
