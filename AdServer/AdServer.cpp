@@ -5,10 +5,10 @@
 #include "CampaignReader.h"
 #include "CertificateAuthority.h"
 #include "ControlEndpoints.h"
-#include "ExchangeLog.h"
 #include "FaultTable.h"
 #include "FileEndpoint.h"
 #include "HTTPListener.h"
+#include "RequestLog.h"
 #include "RequestPipeline.h"
 #include "SessionTable.h"
 #include "StorePage.h"
@@ -55,7 +55,7 @@ public:
     CampaignCatalogue campaigns;
     TransactionTable transactions;
     FaultTable faults;
-    ExchangeLog log;
+    RequestLog log;
     SessionTable sessions;
     ControlEndpoints control;
     AdEndpoints ads;
@@ -98,9 +98,9 @@ void AdServer::start()
     auto listener = std::make_unique<HTTPListener>(
         std::move(tls),
         [&machinery](const httplib::Request& request, ClientConnection& connection) {
-            return machinery.pipeline.answer(request, connection);
+            return machinery.pipeline.respond(request, connection);
         },
-        [&machinery](const AdServerExchange& exchange) { machinery.log.note(exchange); });
+        [&machinery](const RequestLogEntry& entry) { machinery.log.note(entry); });
     listener->listen(machinery.options.port);
     machinery.listener = std::move(listener);
 }
@@ -163,32 +163,31 @@ void AdServer::clearFaults()
     m_machinery->faults.clear();
 }
 
-std::vector<AdServerExchange> AdServer::exchanges() const
+std::vector<RequestLogEntry> AdServer::requests() const
 {
-    return m_machinery->log.exchanges();
+    return m_machinery->log.requests();
 }
 
-void AdServer::clearExchanges()
+void AdServer::clearRequests()
 {
     m_machinery->log.clear();
 }
 
-bool AdServer::waitUntil(const std::function<bool(const std::vector<AdServerExchange>&)>& condition,
+bool AdServer::waitUntil(const std::function<bool(const std::vector<RequestLogEntry>&)>& condition,
                          std::chrono::milliseconds timeout) const
 {
     return m_machinery->log.waitUntil(condition, timeout);
 }
 
-bool AdServer::waitForExchanges(const std::string& method, const std::string& path, std::size_t count,
-                                std::chrono::milliseconds timeout) const
+bool AdServer::waitForRequests(const std::string& method, const std::string& path, std::size_t count,
+                               std::chrono::milliseconds timeout) const
 {
-    const auto isOne = [&](const AdServerExchange& exchange) {
-        return exchange.method == method && exchange.path == path;
+    const auto isOne = [&](const RequestLogEntry& entry) {
+        return entry.method == method && entry.path == path;
     };
     return waitUntil(
-        [&](const auto& exchanges) {
-            return static_cast<std::size_t>(std::count_if(exchanges.begin(), exchanges.end(), isOne)) >=
-                   count;
+        [&](const auto& requests) {
+            return static_cast<std::size_t>(std::count_if(requests.begin(), requests.end(), isOne)) >= count;
         },
         timeout);
 }

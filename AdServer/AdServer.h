@@ -1,8 +1,8 @@
 #pragma once
 
-#include "AdServerExchange.h"
 #include "AdServerFault.h"
 #include "AdServerOptions.h"
+#include "RequestLogEntry.h"
 
 #include <chrono>
 #include <cstddef>
@@ -20,9 +20,9 @@ namespace adserver
 /// demand.
 ///
 /// Owned by whoever makes it: the program `ad-server`, or a test, which gets a server of its own on a free
-/// port. Every operation may be called from any thread. It answers on its own threads, one for each
-/// connection, so slow answers hold up nobody else. Each start has fresh sessions, transactions and
-/// exchanges; faults and campaigns stay. It shares no code with the ad library: it is an independent peer.
+/// port. Every operation may be called from any thread. It responds on its own threads, one for each
+/// connection, so slow responses hold up nobody else. Each start has fresh sessions, transactions and
+/// requests; faults and campaigns stay. It shares no code with the ad library: it is an independent peer.
 ///
 ///     adserver::AdServer server({.stateFolder = temporaryFolder, .campaignsFolder = campaigns});
 ///     server.start();
@@ -41,7 +41,7 @@ public:
     /// returns. Throws std::runtime_error with one readable line when the port, the state folder or the log
     /// cannot be had. A wrong campaign file is left out and named in `campaignErrors`.
     void start();
-    /// Cuts every connection, also those in the midst of an answer, and waits for the threads to end. May be
+    /// Cuts every connection, also those in the midst of a response, and waits for the threads to end. May be
     /// called again, and `start` after it.
     void stop();
 
@@ -68,24 +68,24 @@ public:
     /// Takes away those set here and by the control path; and those of the campaign files.
     void clearFaults();
 
-    /// All exchanges since the start or the last `clearExchanges`, in the order of their ends.
-    [[nodiscard]] std::vector<AdServerExchange> exchanges() const;
-    void clearExchanges();
-    /// Waits until the exchanges satisfy the condition, which is asked at once and after each exchange. False
+    /// All requests since the start or the last `clearRequests`, in the order of their ends.
+    [[nodiscard]] std::vector<RequestLogEntry> requests() const;
+    void clearRequests();
+    /// Waits until the requests satisfy the condition, which is checked at once and after each request. False
     /// when `timeout` came first.
-    [[nodiscard]] bool waitUntil(const std::function<bool(const std::vector<AdServerExchange>&)>& condition,
+    [[nodiscard]] bool waitUntil(const std::function<bool(const std::vector<RequestLogEntry>&)>& condition,
                                  std::chrono::milliseconds timeout) const;
-    /// Waits for `count` exchanges with that method and path.
-    [[nodiscard]] bool waitForExchanges(const std::string& method, const std::string& path, std::size_t count,
-                                        std::chrono::milliseconds timeout) const;
+    /// Waits for `count` requests with that method and path.
+    [[nodiscard]] bool waitForRequests(const std::string& method, const std::string& path, std::size_t count,
+                                       std::chrono::milliseconds timeout) const;
 
     /// Every session is invalid from now on, as if no ping had come in time.
     void expireSessions();
-    /// Named in answers from now on.
+    /// Named in responses from now on.
     void setPingInterval(std::chrono::milliseconds interval);
     /// The URL of every reward turns true at its next poll, once, clicked or not.
     void grantRewards();
-    /// Sessions, transactions, rewards, exchanges and faults as after a start; the ping interval as in the
+    /// Sessions, transactions, rewards, requests and faults as after a start; the ping interval as in the
     /// options.
     void reset();
 

@@ -1,8 +1,8 @@
 #include "AdServerFault.h"
 
-#include "AnswerBody.h"
 #include "JSONChecker.h"
 #include "JSONText.h"
+#include "ResponseBody.h"
 
 #include <limits>
 #include <stdexcept>
@@ -49,8 +49,8 @@ AdServerFault AdServerFault::fromJSON(const nlohmann::json& value)
             fault.method = member.oneOf({"GET", "HEAD", "POST", "PUT", "DELETE", "PATCH", "OPTIONS"});
         else if (key == "delay")
             fault.delay = duration(member);
-        else if (key == "neverAnswers")
-            fault.neverAnswers = member.truth();
+        else if (key == "neverResponds")
+            fault.neverResponds = member.truth();
         else if (key == "drop")
             fault.drop = member.truth();
         else if (key == "status")

@@ -11,10 +11,10 @@
 namespace adserver
 {
 
-/// What goes wrong with the answers on a path. Only what is set happens, so a `delay` alone gives the right
-/// answer late. With `status`, `body`, `wrongJSON` or `bodySize` the answer is made up and the request
+/// What goes wrong with the responses on a path. Only what is set happens, so a `delay` alone gives the right
+/// response late. With `status`, `body`, `wrongJSON` or `bodySize` the response is made up and the request
 /// changes nothing in the server (no click is noted, no session opened); this also serves any path with a
-/// canned answer.
+/// canned response.
 ///
 ///     server.setFault({.path = "/ad/req", .status = 500, .body = "<html>", .times = 1});
 ///     server.setFault({.path = "/campaigns/*.jpg", .cutBodyAfter = 1000});
@@ -25,11 +25,11 @@ struct AdServerFault {
     /// Only for this method; empty: for all.
     std::string method = {};
 
-    /// Time from the whole request's arrival to the answer's start.
+    /// Time from the whole request's arrival to the response's start.
     std::chrono::milliseconds delay{0};
     /// The request is read and noted, and nothing comes until the server stops or the client goes away.
-    bool neverAnswers = false;
-    /// The connection is closed before the answer's head.
+    bool neverResponds = false;
+    /// The connection is closed before the response's head.
     bool drop = false;
 
     std::optional<int> status = {};
@@ -37,7 +37,7 @@ struct AdServerFault {
     std::optional<std::string> body = {};
     /// "application/json" unless said; only for a made-up body.
     std::optional<std::string> contentType = {};
-    /// Added to whatever answer goes out; one named here replaces its namesake.
+    /// Added to whatever response goes out; one named here replaces its namesake.
     std::map<std::string, std::string> headers = {};
     /// A success whose body breaks off in the middle of its JSON.
     bool wrongJSON = false;
@@ -48,11 +48,11 @@ struct AdServerFault {
 
     /// The head names the whole length; the connection is closed after this many bytes of the body.
     std::optional<std::uint64_t> cutBodyAfter = {};
-    /// The answer stops after this many bytes of the body, which the client has by then, and goes on
+    /// The response stops after this many bytes of the body, which the client has by then, and goes on
     /// `stallFor` later; never when that is empty. A body that ends there or before does not stop.
     std::optional<std::uint64_t> stallBodyAfter = {};
     std::optional<std::chrono::milliseconds> stallFor = {};
-    /// Speed of the whole answer, head included; 0: as fast as it goes.
+    /// Speed of the whole response, head included; 0: as fast as it goes.
     std::uint64_t bytesPerSecond = 0;
 
     /// How many requests it befalls before it is gone; 0: all, until it is cleared.

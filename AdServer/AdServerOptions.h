@@ -21,13 +21,13 @@ struct AdServerOptions {
     std::filesystem::path stateFolder = {};
     /// Campaign files (*.json) with their images beside them.
     std::filesystem::path campaignsFolder = {};
-    /// One JSON line is appended for each exchange.
+    /// One JSON line is appended for each request.
     std::filesystem::path logFile = {};
-    /// What a session's answer names as "pingInterval".
+    /// What a session's response names as "pingInterval".
     std::chrono::milliseconds pingInterval{std::chrono::seconds(60)};
     /// A session that no PUT has kept up for this long is invalid.
     std::chrono::milliseconds sessionLifetime{std::chrono::seconds(180)};
-    /// Called on any thread. Dates answers, lets sessions expire and rewards come due; delays of faults are
+    /// Called on any thread. Dates responses, lets sessions expire and rewards come due; delays of faults are
     /// real time.
     std::function<std::chrono::system_clock::time_point()> clock = [] {
         return std::chrono::system_clock::now();

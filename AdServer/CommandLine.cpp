@@ -88,7 +88,7 @@ A development ad server on 127.0.0.1. Runs until SIGINT or SIGTERM.
   --http                 plain HTTP in place of HTTPS
   --state DIR            keep the certificate authority in DIR
                          (default $XDG_STATE_HOME/virlo-ad-server or ~/.local/state/virlo-ad-server)
-  --log FILE             append one JSON line for each exchange to FILE
+  --log FILE             append one JSON line for each entry to FILE
   --faults FILE          set the faults of FILE, a JSON array of them
   --ready-file FILE      write the base URL to FILE once connections are taken
   --ping-interval S      tell clients to ping every S seconds (default 60)

@@ -21,7 +21,7 @@ public:
     /// The next line of its output; throws std::runtime_error when it ends, or says nothing for a minute.
     std::string readLine();
 
-    /// Waits for its end; the answer is its exit status, -1 where a signal ended it.
+    /// Waits for its end; returns its exit status, -1 where a signal ended it.
     int awaitEnd();
 
     /// Its share of memory: pages of its own, and of those it shares with others its part.

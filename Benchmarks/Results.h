@@ -27,7 +27,7 @@ public:
     void print() const;
     /// Adds what another run has written; false where there is nothing of the kind.
     [[nodiscard]] bool read(const std::string& path);
-    /// An array of objects; the answer is false where the file cannot be written.
+    /// An array of objects; returns false where the file cannot be written.
     [[nodiscard]] bool write(const std::string& path) const;
 
 private:

@@ -99,7 +99,7 @@ const nlohmann::json* Campaign::item(const std::string& cid) const
     return found;
 }
 
-nlohmann::json Campaign::answer(const std::string& txid, const std::string& origin, TimePoint now) const
+nlohmann::json Campaign::respond(const std::string& txid, const std::string& origin, TimePoint now) const
 {
     auto served = advertisement;
     setUnlessSaid(served, "txid", txid);

@@ -48,8 +48,8 @@ struct Campaign {
     [[nodiscard]] bool fits(const Rule& rule, const std::string& placement, const std::string& type) const;
     /// Null when no page has such an item.
     [[nodiscard]] const nlohmann::json* item(const std::string& cid) const;
-    [[nodiscard]] nlohmann::json answer(const std::string& txid, const std::string& origin,
-                                        TimePoint now) const;
+    [[nodiscard]] nlohmann::json respond(const std::string& txid, const std::string& origin,
+                                         TimePoint now) const;
     /// `number` counts from 1; nothing when there is none.
     [[nodiscard]] std::optional<nlohmann::json> page(std::size_t number, const std::string& txid,
                                                      const std::string& origin) const;

@@ -16,7 +16,7 @@ constexpr std::uint64_t mostImpressions = 100;
 constexpr std::uint64_t largestPicture = 16384;
 constexpr std::uint64_t largestBitrate = 1'000'000;
 constexpr std::uint64_t largestSequence = 4'294'967'295;
-constexpr double longestFilm = 86400;
+constexpr double longestVideo = 86400;
 
 class VASTReader
 {
@@ -85,7 +85,7 @@ private:
              {"duration",
               [&](const auto& member) {
                   read.duration =
-                      std::chrono::milliseconds(std::llround(member.number(0, longestFilm) * 1000));
+                      std::chrono::milliseconds(std::llround(member.number(0, longestVideo) * 1000));
               }},
              {"events",
               [&](const auto& member) {

@@ -14,14 +14,14 @@ namespace
 
 constexpr std::size_t longestName = 255;
 
-Answer invalidSession()
+Response invalidSession()
 {
-    return Answer::error(401, "INVALID_SESSION");
+    return Response::error(401, "INVALID_SESSION");
 }
 
-Answer wrongMethod()
+Response wrongMethod()
 {
-    return Answer::error(405, "METHOD_NOT_ALLOWED");
+    return Response::error(405, "METHOD_NOT_ALLOWED");
 }
 
 bool isName(const std::string& text)
@@ -74,7 +74,7 @@ AdEndpoints::AdEndpoints(SessionTable& sessions, TransactionTable& transactions,
 {
 }
 
-std::optional<Answer> AdEndpoints::answer(const ServerRequest& request) const
+std::optional<Response> AdEndpoints::respond(const ServerRequest& request) const
 {
     if (request.path.starts_with("/app/inst/"))
         return install(request);
@@ -85,54 +85,54 @@ std::optional<Answer> AdEndpoints::answer(const ServerRequest& request) const
     return ofTransaction(request);
 }
 
-Answer AdEndpoints::install(const ServerRequest& request) const
+Response AdEndpoints::install(const ServerRequest& request) const
 {
     if (request.method != "POST")
         return wrongMethod();
     if (!isName(*after(request.path, "/app/inst/")))
-        return Answer::badRequest("the app identifier is missing or too long");
+        return Response::badRequest("the app identifier is missing or too long");
     if (!objectIn(request.body))
-        return Answer::badRequest("the body must be a JSON object");
-    return Answer::json({{"status", "OK"}});
+        return Response::badRequest("the body must be a JSON object");
+    return Response::json({{"status", "OK"}});
 }
 
-Answer AdEndpoints::session(const ServerRequest& request) const
+Response AdEndpoints::session(const ServerRequest& request) const
 {
     if (request.method == "POST")
         return startSession(request);
     if (request.path != "/app/sess/" && request.path != "/app/sess")
-        return Answer::notFound();
+        return Response::notFound();
     if (request.method == "PUT")
         return keepUpSession(request);
     if (request.method == "DELETE")
-        return m_sessions.close(request.session(), request.now) ? Answer::nothing() : invalidSession();
+        return m_sessions.close(request.session(), request.now) ? Response::nothing() : invalidSession();
     return wrongMethod();
 }
 
-Answer AdEndpoints::startSession(const ServerRequest& request) const
+Response AdEndpoints::startSession(const ServerRequest& request) const
 {
     const auto app = after(request.path, "/app/sess/");
     if (!app || !isName(*app))
-        return Answer::badRequest("the app identifier is missing or too long");
+        return Response::badRequest("the app identifier is missing or too long");
     if (request.queryItem("state") != "start")
-        return Answer::badRequest("\"state\" must be \"start\"");
+        return Response::badRequest("\"state\" must be \"start\"");
     if (!objectIn(request.body))
-        return Answer::badRequest("the body must be a JSON object");
-    return Answer::json(m_sessions.open(*app, request.now));
+        return Response::badRequest("the body must be a JSON object");
+    return Response::json(m_sessions.open(*app, request.now));
 }
 
-Answer AdEndpoints::keepUpSession(const ServerRequest& request) const
+Response AdEndpoints::keepUpSession(const ServerRequest& request) const
 {
     const auto report = objectIn(request.body);
     if (!report)
-        return Answer::badRequest("the body must be a JSON object");
+        return Response::badRequest("the body must be a JSON object");
     if (const auto key = wrongKey(*report); !key.empty())
-        return Answer::badRequest("\"" + key + "\" is of the wrong type");
+        return Response::badRequest("\"" + key + "\" is of the wrong type");
     const auto session = m_sessions.keepUp(request.session(), *report, request.now);
-    return session ? Answer::json(*session) : invalidSession();
+    return session ? Response::json(*session) : invalidSession();
 }
 
-Answer AdEndpoints::advertisement(const ServerRequest& request) const
+Response AdEndpoints::advertisement(const ServerRequest& request) const
 {
     if (request.method != "GET")
         return wrongMethod();
@@ -140,16 +140,16 @@ Answer AdEndpoints::advertisement(const ServerRequest& request) const
         return invalidSession();
     const auto placement = request.queryItem("placement");
     if (!isName(request.queryItem("app")))
-        return Answer::badRequest("\"app\" is missing or too long");
+        return Response::badRequest("\"app\" is missing or too long");
     if (!isName(placement))
-        return Answer::badRequest("\"placement\" is missing or too long");
+        return Response::badRequest("\"placement\" is missing or too long");
     const auto campaign = m_campaigns.choose(placement, request.queryItem("type"));
     if (!campaign)
-        return Answer::error(404, "NO_AD");
-    return Answer::json(campaign->answer(m_transactions.begin(campaign), request.origin, request.now));
+        return Response::error(404, "NO_AD");
+    return Response::json(campaign->respond(m_transactions.begin(campaign), request.origin, request.now));
 }
 
-std::optional<Answer> AdEndpoints::ofTransaction(const ServerRequest& request) const
+std::optional<Response> AdEndpoints::ofTransaction(const ServerRequest& request) const
 {
     const auto rest = after(request.path, "/ad/");
     if (!rest)
@@ -162,12 +162,12 @@ std::optional<Answer> AdEndpoints::ofTransaction(const ServerRequest& request) c
     ItemPath path{.txid = rest->substr(txidAt + 1, cidAt - txidAt - 1), .rest = rest->substr(cidAt + 1)};
     path.campaign = m_transactions.campaign(path.txid);
     if (!path.campaign)
-        return Answer::notFound();
+        return Response::notFound();
     if (what == "more")
         return moreItems(request, path);
     path.item = path.campaign->item(path.rest);
     if (!path.item)
-        return Answer::notFound();
+        return Response::notFound();
     if (what == "imp" || what == "click" || what == "form")
         return report(request, path, what);
     if (what == "store")
@@ -177,7 +177,7 @@ std::optional<Answer> AdEndpoints::ofTransaction(const ServerRequest& request) c
     return std::nullopt;
 }
 
-Answer AdEndpoints::moreItems(const ServerRequest& request, const ItemPath& path)
+Response AdEndpoints::moreItems(const ServerRequest& request, const ItemPath& path)
 {
     if (request.method != "GET")
         return wrongMethod();
@@ -185,33 +185,34 @@ Answer AdEndpoints::moreItems(const ServerRequest& request, const ItemPath& path
     const auto* const end = path.rest.data() + path.rest.size();
     const auto [stopped, failure] = std::from_chars(path.rest.data(), end, number);
     if (failure != std::errc() || stopped != end)
-        return Answer::notFound();
+        return Response::notFound();
     const auto page = path.campaign->page(number, path.txid, request.origin);
-    return page ? Answer::json(*page) : Answer::notFound();
+    return page ? Response::json(*page) : Response::notFound();
 }
 
-Answer AdEndpoints::report(const ServerRequest& request, const ItemPath& path, const std::string& what) const
+Response AdEndpoints::report(const ServerRequest& request, const ItemPath& path,
+                             const std::string& what) const
 {
     if (request.method != "POST")
         return wrongMethod();
     if (!objectIn(request.body))
-        return Answer::badRequest("the body must be a JSON object");
+        return Response::badRequest("the body must be a JSON object");
     if (what == "click")
         m_transactions.noteClick(path.txid, path.rest, request.now);
-    return what == "form" ? Answer::json({{"status", "OK"}}) : Answer::nothing();
+    return what == "form" ? Response::json({{"status", "OK"}}) : Response::nothing();
 }
 
-Answer AdEndpoints::storeLink(const ServerRequest& request, const ItemPath& path) const
+Response AdEndpoints::storeLink(const ServerRequest& request, const ItemPath& path) const
 {
     if (request.method != "GET")
         return wrongMethod();
     m_transactions.noteClick(path.txid, path.rest, request.now);
-    Answer answer{.status = 302};
-    answer.headers["Location"] = request.origin + "/store/" + percentEncoded(path.rest);
-    return answer;
+    Response response{.status = 302};
+    response.headers["Location"] = request.origin + "/store/" + percentEncoded(path.rest);
+    return response;
 }
 
-Answer AdEndpoints::poll(const ServerRequest& request, const ItemPath& path) const
+Response AdEndpoints::poll(const ServerRequest& request, const ItemPath& path) const
 {
     if (request.method != "GET")
         return wrongMethod();
@@ -220,7 +221,7 @@ Answer AdEndpoints::poll(const ServerRequest& request, const ItemPath& path) con
     nlohmann::json value{{"status", m_transactions.takeReward(path.txid, path.rest, request.now)}};
     if (value["status"] == true)
         copyMembers(*path.item, {"cid", "title", "currencyAmount", "currencyType"}, value);
-    return Answer::json(value);
+    return Response::json(value);
 }
 
 } // namespace adserver

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Answer.h"
 #include "CampaignCatalogue.h"
+#include "Response.h"
 #include "ServerRequest.h"
 #include "SessionTable.h"
 #include "TransactionTable.h"
@@ -34,7 +34,7 @@ public:
     AdEndpoints(SessionTable& sessions, TransactionTable& transactions, CampaignCatalogue& campaigns);
 
     /// Nothing when the path is none of these.
-    [[nodiscard]] std::optional<Answer> answer(const ServerRequest& request) const;
+    [[nodiscard]] std::optional<Response> respond(const ServerRequest& request) const;
 
 private:
     /// An item of an advertisement that was handed out, as "/ad/WHAT/TXID/CID" names it.
@@ -45,17 +45,17 @@ private:
         const nlohmann::json* item = nullptr;
     };
 
-    [[nodiscard]] Answer install(const ServerRequest& request) const;
-    [[nodiscard]] Answer session(const ServerRequest& request) const;
-    [[nodiscard]] Answer startSession(const ServerRequest& request) const;
-    [[nodiscard]] Answer keepUpSession(const ServerRequest& request) const;
-    [[nodiscard]] Answer advertisement(const ServerRequest& request) const;
-    [[nodiscard]] std::optional<Answer> ofTransaction(const ServerRequest& request) const;
-    [[nodiscard]] static Answer moreItems(const ServerRequest& request, const ItemPath& path);
-    [[nodiscard]] Answer report(const ServerRequest& request, const ItemPath& path,
-                                const std::string& what) const;
-    [[nodiscard]] Answer storeLink(const ServerRequest& request, const ItemPath& path) const;
-    [[nodiscard]] Answer poll(const ServerRequest& request, const ItemPath& path) const;
+    [[nodiscard]] Response install(const ServerRequest& request) const;
+    [[nodiscard]] Response session(const ServerRequest& request) const;
+    [[nodiscard]] Response startSession(const ServerRequest& request) const;
+    [[nodiscard]] Response keepUpSession(const ServerRequest& request) const;
+    [[nodiscard]] Response advertisement(const ServerRequest& request) const;
+    [[nodiscard]] std::optional<Response> ofTransaction(const ServerRequest& request) const;
+    [[nodiscard]] static Response moreItems(const ServerRequest& request, const ItemPath& path);
+    [[nodiscard]] Response report(const ServerRequest& request, const ItemPath& path,
+                                  const std::string& what) const;
+    [[nodiscard]] Response storeLink(const ServerRequest& request, const ItemPath& path) const;
+    [[nodiscard]] Response poll(const ServerRequest& request, const ItemPath& path) const;
 
     SessionTable& m_sessions;
     TransactionTable& m_transactions;

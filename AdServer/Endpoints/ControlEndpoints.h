@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Answer.h"
+#include "Response.h"
 #include "ServerRequest.h"
 
 #include <nlohmann/json.hpp>
@@ -23,8 +23,8 @@ class SessionTable;
 ///
 ///     POST   /control/faults          a fault, or an array of them   204
 ///     DELETE /control/faults                                         204
-///     GET    /control/exchanges                                      200 [exchange, …], headers and
-///     connection too DELETE /control/exchanges                                      204 GET
+///     GET    /control/requests                                      200 [entry, …], headers and
+///     connection too DELETE /control/requests                                      204 GET
 ///     /control/sessions                                       200 [session, …] DELETE /control/sessions all
 ///     of them expire             204 PUT    /control/ping-interval   {"seconds": 2.5}               204 POST
 ///     /control/rewards         every reward is due            204 POST   /control/reset 204
@@ -34,16 +34,16 @@ public:
     ControlEndpoints(AdServer& server, const SessionTable& sessions);
 
     /// Nothing when the path is not below /control/.
-    [[nodiscard]] std::optional<Answer> answer(const ServerRequest& request) const;
+    [[nodiscard]] std::optional<Response> respond(const ServerRequest& request) const;
 
     [[nodiscard]] static bool isControlPath(const std::string& path) { return path.starts_with("/control/"); }
 
 private:
-    using Operation = std::function<Answer(const ServerRequest&)>;
+    using Operation = std::function<Response(const ServerRequest&)>;
 
-    [[nodiscard]] Answer setFaults(const ServerRequest& request) const;
-    [[nodiscard]] Answer setPingInterval(const ServerRequest& request) const;
-    [[nodiscard]] Answer exchanges() const;
+    [[nodiscard]] Response setFaults(const ServerRequest& request) const;
+    [[nodiscard]] Response setPingInterval(const ServerRequest& request) const;
+    [[nodiscard]] Response requests() const;
 
     AdServer& m_server;
     /// By method and path.

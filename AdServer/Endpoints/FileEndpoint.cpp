@@ -58,48 +58,48 @@ std::shared_ptr<FileBody> openWithin(const fs::path& folder, const std::string& 
 
 } // namespace
 
-std::optional<Answer> FileEndpoint::answer(const ServerRequest& request) const
+std::optional<Response> FileEndpoint::respond(const ServerRequest& request) const
 {
     if (!request.path.starts_with(campaignFilesPath))
         return std::nullopt;
     if (request.method != "GET" && request.method != "HEAD")
-        return Answer::error(405, "METHOD_NOT_ALLOWED");
+        return Response::error(405, "METHOD_NOT_ALLOWED");
     const auto name = request.path.substr(std::string_view(campaignFilesPath).size());
     if (name.empty() || name.starts_with('/') || name.find('\0') != name.npos)
-        return Answer::notFound();
+        return Response::notFound();
 
     std::shared_ptr<FileBody> file;
     for (const auto& folder : m_campaigns.folders())
         if (!file)
             file = openWithin(folder, name);
     if (!file)
-        return Answer::notFound();
+        return Response::notFound();
 
-    Answer answer;
-    answer.contentType = contentType(name);
+    Response response;
+    response.contentType = contentType(name);
     const auto tag = file->entityTag();
-    answer.headers = {{"Accept-Ranges", "bytes"}, {"ETag", tag}, {"Cache-Control", "max-age=60"}};
+    response.headers = {{"Accept-Ranges", "bytes"}, {"ETag", tag}, {"Cache-Control", "max-age=60"}};
     if (request.header("if-none-match") == tag) {
-        answer.status = 304;
-        return answer;
+        response.status = 304;
+        return response;
     }
     const auto ifRange = request.header("if-range");
     const auto range =
         readByteRange(ifRange.empty() || ifRange == tag ? request.header("range") : "", file->size());
     const auto whole = std::to_string(file->size());
     if (range.kind == ByteRange::Kind::outside) {
-        auto refusal = Answer::error(416, "BAD_RANGE");
+        auto refusal = Response::error(416, "BAD_RANGE");
         refusal.headers["Content-Range"] = "bytes */" + whole;
         return refusal;
     }
     if (range.kind == ByteRange::Kind::part) {
-        answer.status = 206;
-        answer.headers["Content-Range"] =
+        response.status = 206;
+        response.headers["Content-Range"] =
             "bytes " + std::to_string(range.first) + '-' + std::to_string(range.last) + '/' + whole;
         file->narrow(range.first, range.last - range.first + 1);
     }
-    answer.body = std::move(file);
-    return answer;
+    response.body = std::move(file);
+    return response;
 }
 
 } // namespace adserver

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Answer.h"
 #include "CampaignCatalogue.h"
+#include "Response.h"
 #include "ServerRequest.h"
 
 #include <optional>
@@ -18,7 +18,7 @@ public:
     explicit FileEndpoint(const CampaignCatalogue& campaigns) : m_campaigns(campaigns) {}
 
     /// Nothing when the path is not below `campaignFilesPath`.
-    [[nodiscard]] std::optional<Answer> answer(const ServerRequest& request) const;
+    [[nodiscard]] std::optional<Response> respond(const ServerRequest& request) const;
 
 private:
     const CampaignCatalogue& m_campaigns;

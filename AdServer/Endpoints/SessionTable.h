@@ -19,7 +19,7 @@ class SessionTable
 public:
     SessionTable(std::chrono::milliseconds pingInterval, std::chrono::milliseconds lifetime);
 
-    /// The answer's JSON.
+    /// The response's JSON.
     [[nodiscard]] nlohmann::json open(const std::string& app, TimePoint now);
     /// Keeps the session up and takes `report` in. Nothing when there is no such session or it has expired.
     [[nodiscard]] std::optional<nlohmann::json> keepUp(const std::string& session,
@@ -42,7 +42,7 @@ private:
     using Sessions = std::map<std::string, Session>;
 
     [[nodiscard]] Sessions::iterator find(const std::string& session, TimePoint now);
-    [[nodiscard]] nlohmann::json answer(const std::string& session, TimePoint now) const;
+    [[nodiscard]] nlohmann::json respond(const std::string& session, TimePoint now) const;
 
     mutable std::mutex m_mutex;
     Sessions m_sessions;

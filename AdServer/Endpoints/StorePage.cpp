@@ -63,22 +63,22 @@ std::string pageOf(const nlohmann::json& item, const std::string& origin)
 
 } // namespace
 
-std::optional<Answer> StorePage::answer(const ServerRequest& request) const
+std::optional<Response> StorePage::respond(const ServerRequest& request) const
 {
     if (!request.path.starts_with(prefix))
         return std::nullopt;
     if (request.method != "GET" && request.method != "HEAD")
-        return Answer::error(405, "METHOD_NOT_ALLOWED");
+        return Response::error(405, "METHOD_NOT_ALLOWED");
     const auto cid = request.path.substr(prefix.size());
     const auto item = m_campaigns.item(cid);
     if (!item)
-        return Answer::notFound();
+        return Response::notFound();
     if (request.header("accept") == "application/json")
-        return Answer::json({{"cid", cid}, {"title", textAt(*item, "title")}});
-    Answer answer;
-    answer.contentType = "text/html; charset=utf-8";
-    answer.text = pageOf(*item, request.origin);
-    return answer;
+        return Response::json({{"cid", cid}, {"title", textAt(*item, "title")}});
+    Response response;
+    response.contentType = "text/html; charset=utf-8";
+    response.text = pageOf(*item, request.origin);
+    return response;
 }
 
 } // namespace adserver

@@ -27,43 +27,43 @@ std::uint64_t stepIn(const std::string& path, const std::string& name)
 
 } // namespace
 
-std::optional<Answer> VASTEndpoints::answer(const ServerRequest& request) const
+std::optional<Response> VASTEndpoints::respond(const ServerRequest& request) const
 {
     const bool isPing = request.path.starts_with(pingPath);
     if (!isPing && !request.path.starts_with(vastPath))
         return std::nullopt;
     if (request.method != "GET" && (isPing || request.method != "HEAD"))
-        return Answer::error(405, "METHOD_NOT_ALLOWED");
+        return Response::error(405, "METHOD_NOT_ALLOWED");
     return isPing ? ping(request) : document(request);
 }
 
-Answer VASTEndpoints::document(const ServerRequest& request) const
+Response VASTEndpoints::document(const ServerRequest& request) const
 {
     const auto name = *documentNamedBy(request.path);
     const auto found = m_campaigns.document(name);
     const auto step = stepIn(request.path, name);
     if (!found || step == 0 || step > found->steps)
-        return Answer::notFound();
+        return Response::notFound();
     const auto tx = request.queryItem("tx");
     if (tx.size() > longestTransaction)
-        return Answer::badRequest("\"tx\" is too long");
-    Answer answer;
-    answer.contentType = "application/xml";
-    answer.headers["Cache-Control"] = "no-store";
-    answer.text = writeVAST(*found, {.name = name, .step = step, .origin = request.origin, .tx = tx});
-    return answer;
+        return Response::badRequest("\"tx\" is too long");
+    Response response;
+    response.contentType = "application/xml";
+    response.headers["Cache-Control"] = "no-store";
+    response.text = writeVAST(*found, {.name = name, .step = step, .origin = request.origin, .tx = tx});
+    return response;
 }
 
-Answer VASTEndpoints::ping(const ServerRequest& request) const
+Response VASTEndpoints::ping(const ServerRequest& request) const
 {
     const auto begin = std::string_view(pingPath).size();
     const auto end = request.path.find('/', begin);
     // A ping for nobody is a client's mistake, and should look like one in the log.
     if (end == request.path.npos || !m_campaigns.document(request.path.substr(begin, end - begin)))
-        return Answer::notFound();
-    Answer answer;
-    answer.headers["Cache-Control"] = "no-store";
-    return answer;
+        return Response::notFound();
+    Response response;
+    response.headers["Cache-Control"] = "no-store";
+    return response;
 }
 
 } // namespace adserver

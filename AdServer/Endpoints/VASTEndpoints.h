@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Answer.h"
 #include "CampaignCatalogue.h"
+#include "Response.h"
 #include "ServerRequest.h"
 
 #include <optional>
@@ -22,11 +22,11 @@ public:
     explicit VASTEndpoints(const CampaignCatalogue& campaigns) : m_campaigns(campaigns) {}
 
     /// Nothing when the path is none of these.
-    [[nodiscard]] std::optional<Answer> answer(const ServerRequest& request) const;
+    [[nodiscard]] std::optional<Response> respond(const ServerRequest& request) const;
 
 private:
-    [[nodiscard]] Answer document(const ServerRequest& request) const;
-    [[nodiscard]] Answer ping(const ServerRequest& request) const;
+    [[nodiscard]] Response document(const ServerRequest& request) const;
+    [[nodiscard]] Response ping(const ServerRequest& request) const;
 
     const CampaignCatalogue& m_campaigns;
 };

@@ -21,8 +21,8 @@ using namespace std::chrono_literals;
 
 constexpr auto peerPatience = 20s;
 constexpr size_t outBufferSize = 65536;
-/// Above the largest body that is taken, so that a somewhat larger one is still read off and answered with a
-/// refusal.
+/// Above the largest body that is taken, so that a somewhat larger one is still read off and responded to
+/// with a refusal.
 constexpr std::uint64_t mostBytesOfARequest = 16U << 20U;
 
 } // namespace
@@ -46,7 +46,7 @@ ClientConnection::~ClientConnection()
     if (m_secured && !m_broken)
         SSL_shutdown(m_tls.get());
     ::shutdown(m_socket, SHUT_WR);
-    // Bytes left unread would turn the close into a reset, which can overtake the answer.
+    // Bytes left unread would turn the close into a reset, which can overtake the response.
     const auto end = std::chrono::steady_clock::now() + 1s;
     while (!m_broken && std::chrono::steady_clock::now() < end && waitFor(POLLIN, 100ms) &&
            ::recv(m_socket, m_in.data(), m_in.size(), 0) > 0) {
@@ -88,8 +88,8 @@ void ClientConnection::beginRequest()
     m_bytesPerSecond = 0;
     understood = false;
     noted = false;
-    m_exchange = {};
-    m_exchange.connection = m_number;
+    m_entry = {};
+    m_entry.connection = m_number;
 }
 
 ssize_t ClientConnection::read(char* into, size_t size)
@@ -107,7 +107,7 @@ ssize_t ClientConnection::read(char* into, size_t size)
 
 ssize_t ClientConnection::write(const char* from, size_t size)
 {
-    // What was written last always waits for the final flush: by then the exchange has been noted.
+    // What was written last always waits for the final flush: by then the entry has been noted.
     if (m_broken || (m_out.size() + size > outBufferSize && !flush()))
         return -1;
     m_out.append(from, size);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "AdServerExchange.h"
 #include "OpenSSLTypes.h"
+#include "RequestLogEntry.h"
 #include "StopSignal.h"
 
 #include <httplib.h>
@@ -47,12 +47,12 @@ public:
     /// Waits; without a duration until the stop or the client's leaving. False when either came.
     bool pause(std::optional<std::chrono::milliseconds> duration);
 
-    /// Of the present request's answer, those still buffered too.
+    /// Of the present request's response, those still buffered too.
     [[nodiscard]] std::uint64_t bytesWritten() const { return m_bytesWritten; }
 
-    [[nodiscard]] AdServerExchange& exchange() { return m_exchange; }
+    [[nodiscard]] RequestLogEntry& entry() { return m_entry; }
 
-    [[nodiscard]] const AdServerExchange& exchange() const { return m_exchange; }
+    [[nodiscard]] const RequestLogEntry& entry() const { return m_entry; }
 
     /// Set once the whole request has reached its handler; otherwise the HTTP layer refused it.
     bool understood = false;
@@ -90,7 +90,7 @@ private:
     std::uint64_t m_bytesPerSecond = 0;
     bool m_secured = false;
     bool m_broken = false;
-    AdServerExchange m_exchange;
+    RequestLogEntry m_entry;
 };
 
 } // namespace adserver

@@ -22,7 +22,7 @@ constexpr auto idlePatience = 75s;
 constexpr auto everyPath = "[\\s\\S]*";
 constexpr size_t copyBuffer = 65536;
 
-/// The handlers of the HTTP layer get a request and a response only; each connection has a thread of its own.
+/// The handlers of the HTTP layer get a request and a output only; each connection has a thread of its own.
 thread_local ClientConnection* currentConnection = nullptr;
 
 std::string lowerCase(std::string text)
@@ -39,9 +39,9 @@ struct BodyFaults {
     std::optional<std::chrono::milliseconds> stallFor;
 };
 
-/// One step of sending `body`; false breaks the answer off. Steps end where the body stalls, so that the next
-/// one begins there and no other does.
-bool sendPiece(const AnswerBody& body, std::uint64_t offset, const BodyFaults& faults,
+/// One step of sending `body`; false breaks the response off. Steps end where the body stalls, so that the
+/// next one begins there and no other does.
+bool sendPiece(const ResponseBody& body, std::uint64_t offset, const BodyFaults& faults,
                httplib::DataSink& sink, ClientConnection& connection)
 {
     const bool stalls = faults.stallAfter == offset;
@@ -60,7 +60,7 @@ bool sendPiece(const AnswerBody& body, std::uint64_t offset, const BodyFaults& f
     return false;
 }
 
-class TextBody final : public AnswerBody
+class TextBody final : public ResponseBody
 {
 public:
     explicit TextBody(std::string text) : m_text(std::move(text)) {}
@@ -78,9 +78,9 @@ private:
 
 } // namespace
 
-HTTPListener::HTTPListener(TLSContextPointer tls, Answerer answerer, Noter noter)
+HTTPListener::HTTPListener(TLSContextPointer tls, Responder responder, Noter noter)
     : m_tls(std::move(tls))
-    , m_answerer(std::move(answerer))
+    , m_responder(std::move(responder))
     , m_noter(std::move(noter))
 {
     new_task_queue = [] { return new WorkerPool; };
@@ -93,8 +93,8 @@ HTTPListener::HTTPListener(TLSContextPointer tls, Answerer answerer, Noter noter
     set_keep_alive_max_count(1'000'000);
     set_keep_alive_timeout(std::chrono::seconds(idlePatience).count());
     set_payload_max_length(largestBody);
-    const auto handler = [this](const httplib::Request& request, httplib::Response& response) {
-        answer(request, response);
+    const auto handler = [this](const httplib::Request& request, httplib::Response& output) {
+        respond(request, output);
     };
     Get(everyPath, handler);
     Post(everyPath, handler);
@@ -102,19 +102,19 @@ HTTPListener::HTTPListener(TLSContextPointer tls, Answerer answerer, Noter noter
     Patch(everyPath, handler);
     Delete(everyPath, handler);
     Options(everyPath, handler);
-    set_error_handler(HandlerWithResponse([](const httplib::Request&, httplib::Response& response) {
+    set_error_handler(HandlerWithResponse([](const httplib::Request&, httplib::Response& output) {
         if (currentConnection->understood)
             return HandlerResponse::Unhandled;
-        const char* const code = response.status == 413   ? "TOO_LARGE"
-                                 : response.status == 414 ? "URI_TOO_LONG"
-                                 : response.status == 416 ? "BAD_RANGE"
-                                 : response.status < 500  ? "BAD_REQUEST"
-                                                          : "SERVER_ERROR";
-        deliver(Answer::error(response.status, code), response, *currentConnection);
+        const char* const code = output.status == 413   ? "TOO_LARGE"
+                                 : output.status == 414 ? "URI_TOO_LONG"
+                                 : output.status == 416 ? "BAD_RANGE"
+                                 : output.status < 500  ? "BAD_REQUEST"
+                                                        : "SERVER_ERROR";
+        deliver(Response::error(output.status, code), output, *currentConnection);
         return HandlerResponse::Handled;
     }));
     set_exception_handler(
-        [](const httplib::Request&, httplib::Response& response, const std::exception_ptr& failure) {
+        [](const httplib::Request&, httplib::Response& output, const std::exception_ptr& failure) {
             std::string reason;
             try {
                 std::rethrow_exception(failure);
@@ -123,10 +123,10 @@ HTTPListener::HTTPListener(TLSContextPointer tls, Answerer answerer, Noter noter
             } catch (...) {
                 reason = "unknown";
             }
-            deliver(Answer::error(500, "SERVER_ERROR", reason), response, *currentConnection);
+            deliver(Response::error(500, "SERVER_ERROR", reason), output, *currentConnection);
         });
-    set_logger([](const httplib::Request&, const httplib::Response& response) {
-        currentConnection->exchange().status = response.status;
+    set_logger([](const httplib::Request&, const httplib::Response& output) {
+        currentConnection->entry().status = output.status;
     });
 }
 
@@ -183,19 +183,19 @@ void HTTPListener::prepare(httplib::Request& request, ClientConnection& connecti
 {
     static const std::set<std::string> addedByTheLayer{"remote_addr", "remote_port", "local_addr",
                                                        "local_port"};
-    auto& exchange = connection.exchange();
-    exchange.time = std::chrono::system_clock::now();
-    exchange.method = request.method;
-    exchange.path = request.path;
+    auto& entry = connection.entry();
+    entry.time = std::chrono::system_clock::now();
+    entry.method = request.method;
+    entry.path = request.path;
     if (const auto mark = request.target.find('?'); mark != std::string::npos)
-        exchange.query = request.target.substr(mark + 1, request.target.find('#', mark) - mark - 1);
+        entry.query = request.target.substr(mark + 1, request.target.find('#', mark) - mark - 1);
     for (const auto& [name, value] : request.headers)
         if (auto key = lowerCase(name); !addedByTheLayer.contains(key))
-            exchange.headers.insert_or_assign(std::move(key), value);
-    if (const auto session = exchange.headers.find("vrl-sessionid"); session != exchange.headers.end())
-        exchange.session = session->second;
+            entry.headers.insert_or_assign(std::move(key), value);
+    if (const auto session = entry.headers.find("vrl-sessionid"); session != entry.headers.end())
+        entry.session = session->second;
 
-    // Ranges are the file endpoint's; the layer would cut any answer, and read beyond its end.
+    // Ranges are the file endpoint's; the layer would cut any response, and read beyond its end.
     request.ranges.clear();
     request.headers.erase("Accept-Encoding");
     // Without a length the layer reads a body until the client closes.
@@ -203,36 +203,37 @@ void HTTPListener::prepare(httplib::Request& request, ClientConnection& connecti
         request.headers.emplace("Content-Length", "0");
 }
 
-void HTTPListener::answer(const httplib::Request& request, httplib::Response& response) const
+void HTTPListener::respond(const httplib::Request& request, httplib::Response& output) const
 {
     auto& connection = *currentConnection;
     connection.understood = true;
-    connection.exchange().body = request.body;
-    auto answer = request.body.size() > largestBody ? std::optional(Answer::error(413, "TOO_LARGE"))
-                                                    : m_answerer(request, connection);
-    if (answer)
-        deliver(std::move(*answer), response, connection);
+    connection.entry().body = request.body;
+    auto response = request.body.size() > largestBody ? std::optional(Response::error(413, "TOO_LARGE"))
+                                                      : m_responder(request, connection);
+    if (response)
+        deliver(std::move(*response), output, connection);
 }
 
-void HTTPListener::deliver(Answer answer, httplib::Response& response, ClientConnection& connection)
+void HTTPListener::deliver(Response response, httplib::Response& output, ClientConnection& connection)
 {
-    connection.setSpeed(answer.bytesPerSecond);
-    response.status = answer.status;
-    for (const auto& [name, value] : answer.headers) {
-        response.headers.erase(name);
-        response.set_header(name, value);
+    connection.setSpeed(response.bytesPerSecond);
+    output.status = response.status;
+    for (const auto& [name, value] : response.headers) {
+        output.headers.erase(name);
+        output.set_header(name, value);
     }
-    const auto contentType = answer.contentType.empty() ? "application/octet-stream" : answer.contentType;
-    if (!answer.body && !answer.chunked && !answer.cutBodyAfter && !answer.stallBodyAfter) {
-        response.body = std::move(answer.text);
-        if (!response.body.empty())
-            response.set_header("Content-Type", contentType);
+    const auto contentType = response.contentType.empty() ? "application/octet-stream" : response.contentType;
+    if (!response.body && !response.chunked && !response.cutBodyAfter && !response.stallBodyAfter) {
+        output.body = std::move(response.text);
+        if (!output.body.empty())
+            output.set_header("Content-Type", contentType);
         return;
     }
-    const auto body = answer.body ? answer.body : std::make_shared<const TextBody>(std::move(answer.text));
-    const BodyFaults faults{answer.cutBodyAfter, answer.stallBodyAfter, answer.stallFor};
-    if (answer.chunked)
-        response.set_chunked_content_provider(
+    const auto body =
+        response.body ? response.body : std::make_shared<const TextBody>(std::move(response.text));
+    const BodyFaults faults{response.cutBodyAfter, response.stallBodyAfter, response.stallFor};
+    if (response.chunked)
+        output.set_chunked_content_provider(
             contentType, [body, faults, &connection](size_t offset, httplib::DataSink& sink) {
                 if (offset < body->size() || (faults.cutAfter && offset >= *faults.cutAfter))
                     return sendPiece(*body, offset, faults, sink, connection);
@@ -240,7 +241,7 @@ void HTTPListener::deliver(Answer answer, httplib::Response& response, ClientCon
                 return true;
             });
     else
-        response.set_content_provider(
+        output.set_content_provider(
             static_cast<size_t>(body->size()), contentType,
             [body, faults, &connection](size_t offset, size_t, httplib::DataSink& sink) {
                 return sendPiece(*body, offset, faults, sink, connection);
@@ -249,13 +250,13 @@ void HTTPListener::deliver(Answer answer, httplib::Response& response, ClientCon
 
 void HTTPListener::note(ClientConnection& connection) const
 {
-    auto& exchange = connection.exchange();
-    exchange.bytes = connection.bytesWritten();
-    if (exchange.bytes == 0)
-        exchange.status = 0;
-    const bool cameToNothing = exchange.method.empty() && exchange.bytes == 0;
+    auto& entry = connection.entry();
+    entry.bytes = connection.bytesWritten();
+    if (entry.bytes == 0)
+        entry.status = 0;
+    const bool cameToNothing = entry.method.empty() && entry.bytes == 0;
     if (!std::exchange(connection.noted, true) && !cameToNothing)
-        m_noter(exchange);
+        m_noter(entry);
 }
 
 } // namespace adserver

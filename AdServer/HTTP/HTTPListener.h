@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Answer.h"
 #include "ClientConnection.h"
 #include "OpenSSLTypes.h"
+#include "Response.h"
 #include "StopSignal.h"
 
 #include <httplib.h>
@@ -16,18 +16,18 @@
 namespace adserver
 {
 
-/// Turns connections on 127.0.0.1 into requests and answers into bytes; reading, routing and writing of HTTP
-/// are cpp-httplib's, the connections are ours. Serves once: made for a start, gone with the stop.
+/// Turns connections on 127.0.0.1 into requests and responses into bytes; reading, routing and writing of
+/// HTTP are cpp-httplib's, the connections are ours. Serves once: made for a start, gone with the stop.
 class HTTPListener final : private httplib::Server
 {
 public:
     /// Called on the connection's thread with the whole request. Nothing: the connection has been broken off.
-    using Answerer = std::function<std::optional<Answer>(const httplib::Request&, ClientConnection&)>;
-    /// Called once for each exchange, before the end of its answer is sent.
-    using Noter = std::function<void(const AdServerExchange&)>;
+    using Responder = std::function<std::optional<Response>(const httplib::Request&, ClientConnection&)>;
+    /// Called once for each request, before the end of its response is sent.
+    using Noter = std::function<void(const RequestLogEntry&)>;
 
     /// `tls` is null for plain HTTP.
-    HTTPListener(TLSContextPointer tls, Answerer answerer, Noter noter);
+    HTTPListener(TLSContextPointer tls, Responder responder, Noter noter);
     /// Stops.
     ~HTTPListener() override;
 
@@ -42,12 +42,12 @@ public:
 private:
     bool process_and_close_socket(socket_t socket) override;
     void prepare(httplib::Request& request, ClientConnection& connection) const;
-    void answer(const httplib::Request& request, httplib::Response& response) const;
-    static void deliver(Answer answer, httplib::Response& response, ClientConnection& connection);
+    void respond(const httplib::Request& request, httplib::Response& output) const;
+    static void deliver(Response response, httplib::Response& output, ClientConnection& connection);
     void note(ClientConnection& connection) const;
 
     TLSContextPointer m_tls;
-    const Answerer m_answerer;
+    const Responder m_responder;
     const Noter m_noter;
     StopSignal m_stop;
     std::thread m_acceptor;

@@ -11,20 +11,20 @@ namespace adserver
 namespace
 {
 
-bool isMadeUp(const AdServerFault& fault)
+bool isCanned(const AdServerFault& fault)
 {
     return fault.status || fault.body || fault.wrongJSON || fault.bodySize;
 }
 
-Answer madeUpAnswer(const AdServerFault& fault)
+Response cannedResponse(const AdServerFault& fault)
 {
-    Answer answer;
-    answer.status = fault.status.value_or(200);
-    answer.contentType = fault.contentType.value_or("application/json");
-    answer.text = fault.wrongJSON ? R"({"txid":"broken","ads":[{"cid":)" : fault.body.value_or("");
+    Response response;
+    response.status = fault.status.value_or(200);
+    response.contentType = fault.contentType.value_or("application/json");
+    response.text = fault.wrongJSON ? R"({"txid":"broken","ads":[{"cid":)" : fault.body.value_or("");
     if (fault.bodySize)
-        answer.body = std::make_shared<const FillerBody>(*fault.bodySize);
-    return answer;
+        response.body = std::make_shared<const FillerBody>(*fault.bodySize);
+    return response;
 }
 
 } // namespace
@@ -37,8 +37,8 @@ RequestPipeline::RequestPipeline(const Stations& stations, std::string scheme,
 {
 }
 
-std::optional<Answer> RequestPipeline::answer(const httplib::Request& request,
-                                              ClientConnection& connection) const
+std::optional<Response> RequestPipeline::respond(const httplib::Request& request,
+                                                 ClientConnection& connection) const
 {
     // Whoever has set a fault for every path must be able to take it away again.
     if (ControlEndpoints::isControlPath(request.path)) {
@@ -49,49 +49,49 @@ std::optional<Answer> RequestPipeline::answer(const httplib::Request& request,
     if (!fault)
         return ask(request, connection);
 
-    if (fault->neverAnswers) {
-        m_stations.log.note(connection.exchange());
+    if (fault->neverResponds) {
+        m_stations.log.note(connection.entry());
         connection.noted = true;
         connection.pause(std::nullopt);
     }
-    if (fault->neverAnswers || !connection.pause(fault->delay) || fault->drop) {
+    if (fault->neverResponds || !connection.pause(fault->delay) || fault->drop) {
         connection.breakOff();
         return std::nullopt;
     }
-    auto answer = isMadeUp(*fault) ? madeUpAnswer(*fault) : ask(request, connection);
+    auto response = isCanned(*fault) ? cannedResponse(*fault) : ask(request, connection);
     for (const auto& [name, value] : fault->headers)
-        (name == "Content-Type" ? answer.contentType : answer.headers[name]) = value;
-    answer.chunked = fault->chunked;
-    answer.cutBodyAfter = fault->cutBodyAfter;
-    answer.stallBodyAfter = fault->stallBodyAfter;
-    answer.stallFor = fault->stallFor;
-    answer.bytesPerSecond = fault->bytesPerSecond;
-    return answer;
+        (name == "Content-Type" ? response.contentType : response.headers[name]) = value;
+    response.chunked = fault->chunked;
+    response.cutBodyAfter = fault->cutBodyAfter;
+    response.stallBodyAfter = fault->stallBodyAfter;
+    response.stallFor = fault->stallFor;
+    response.bytesPerSecond = fault->bytesPerSecond;
+    return response;
 }
 
-Answer RequestPipeline::ask(const httplib::Request& request, const ClientConnection& connection) const
+Response RequestPipeline::ask(const httplib::Request& request, const ClientConnection& connection) const
 {
     const auto name = origin(request);
     if (!name)
-        return Answer::badRequest("the Host header names no host");
+        return Response::badRequest("the Host header names no host");
     const ServerRequest asked{.method = request.method,
                               .path = request.path,
                               .query = request.params,
-                              .headers = connection.exchange().headers,
+                              .headers = connection.entry().headers,
                               .body = request.body,
                               .origin = *name,
                               .now = m_clock()};
-    if (auto answer = m_stations.control.answer(asked))
-        return std::move(*answer);
-    if (auto answer = m_stations.ads.answer(asked))
-        return std::move(*answer);
-    if (auto answer = m_stations.vast.answer(asked))
-        return std::move(*answer);
-    if (auto answer = m_stations.files.answer(asked))
-        return std::move(*answer);
-    if (auto answer = m_stations.store.answer(asked))
-        return std::move(*answer);
-    return Answer::notFound();
+    if (auto response = m_stations.control.respond(asked))
+        return std::move(*response);
+    if (auto response = m_stations.ads.respond(asked))
+        return std::move(*response);
+    if (auto response = m_stations.vast.respond(asked))
+        return std::move(*response);
+    if (auto response = m_stations.files.respond(asked))
+        return std::move(*response);
+    if (auto response = m_stations.store.respond(asked))
+        return std::move(*response);
+    return Response::notFound();
 }
 
 std::optional<std::string> RequestPipeline::origin(const httplib::Request& request) const

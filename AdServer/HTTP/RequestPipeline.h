@@ -1,12 +1,12 @@
 #pragma once
 
 #include "AdEndpoints.h"
-#include "Answer.h"
 #include "ClientConnection.h"
 #include "ControlEndpoints.h"
-#include "ExchangeLog.h"
 #include "FaultTable.h"
 #include "FileEndpoint.h"
+#include "RequestLog.h"
+#include "Response.h"
 #include "ServerRequest.h"
 #include "StorePage.h"
 #include "VASTEndpoints.h"
@@ -20,13 +20,13 @@
 namespace adserver
 {
 
-/// From request to answer: first the faults set for its path, then the endpoints. Safe from any thread.
+/// From request to response: first the faults set for its path, then the endpoints. Safe from any thread.
 class RequestPipeline
 {
 public:
     struct Stations {
         FaultTable& faults;
-        ExchangeLog& log;
+        RequestLog& log;
         ControlEndpoints& control;
         AdEndpoints& ads;
         VASTEndpoints& vast;
@@ -38,11 +38,11 @@ public:
     RequestPipeline(const Stations& stations, std::string scheme, std::function<TimePoint()> clock);
 
     /// Nothing: the connection has been broken off.
-    [[nodiscard]] std::optional<Answer> answer(const httplib::Request& request,
-                                               ClientConnection& connection) const;
+    [[nodiscard]] std::optional<Response> respond(const httplib::Request& request,
+                                                  ClientConnection& connection) const;
 
 private:
-    [[nodiscard]] Answer ask(const httplib::Request& request, const ClientConnection& connection) const;
+    [[nodiscard]] Response ask(const httplib::Request& request, const ClientConnection& connection) const;
     [[nodiscard]] std::optional<std::string> origin(const httplib::Request& request) const;
 
     const Stations m_stations;

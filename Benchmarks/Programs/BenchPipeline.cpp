@@ -1,4 +1,4 @@
-// bench-pipeline FILE: GStreamer alone decodes the clip, converts its pictures to BGRx and throws them and
+// bench-pipeline FILE: GStreamer alone decodes the clip, converts its frames to BGRx and throws them and
 // the sound away, at the clip's pace. Says "playing" once it plays and "ended" at the end.
 
 #include <gst/gst.h>

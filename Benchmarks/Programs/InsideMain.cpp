@@ -1,10 +1,10 @@
 // bench-inside NAME FILE: runs the benchmark of that name in this process, which has the library in it, and
 // writes what it found to FILE.
-// bench-inside pictures FOLDER COUNT: draws ads' pictures into FOLDER, bench-0.jpg to bench-COUNT.jpg, where
+// bench-inside images FOLDER COUNT: draws ads' images into FOLDER, bench-0.jpg to bench-COUNT.jpg, where
 // they are not there yet.
 
 #include "Benchmarks.h"
-#include "Pictures.h"
+#include "TestImages.h"
 
 #include <QGuiApplication>
 
@@ -27,13 +27,13 @@ constexpr std::array inside{
     Benchmark{"vast-network", benchVASTNetwork},
 };
 
-int drawPictures(const std::filesystem::path& folder, int last)
+int drawImages(const std::filesystem::path& folder, int last)
 {
     std::filesystem::create_directories(folder);
     for (int number = 0; number <= last; ++number) {
         const auto path = folder / ("bench-" + std::to_string(number) + ".jpg");
         if (!std::filesystem::exists(path))
-            std::ofstream(path, std::ios::binary) << adPicture(number);
+            std::ofstream(path, std::ios::binary) << adImage(number);
     }
     return 0;
 }
@@ -45,8 +45,8 @@ int main(int count, char** arguments)
     QGuiApplication application(count, arguments);
     const std::string name = count > 2 ? arguments[1] : "";
     try {
-        if (name == "pictures" && count == 4)
-            return drawPictures(arguments[2], std::stoi(arguments[3]));
+        if (name == "images" && count == 4)
+            return drawImages(arguments[2], std::stoi(arguments[3]));
         for (const Benchmark& benchmark : inside) {
             if (name != benchmark.name)
                 continue;

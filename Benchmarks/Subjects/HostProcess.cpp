@@ -15,7 +15,6 @@ namespace
 {
 
 using namespace std::chrono_literals;
-using Exchanges = std::vector<adserver::AdServerExchange>;
 
 constexpr int rounds = 9;
 constexpr int manyAds = 100;
@@ -53,11 +52,11 @@ public:
     explicit Stage(int ads) : m_server(options())
     {
         ChildProcess painter(
-            {programFolder() + "/bench-inside", "pictures", pictures().string(), std::to_string(ads)});
+            {programFolder() + "/bench-inside", "images", images().string(), std::to_string(ads)});
         if (painter.awaitEnd() != 0)
-            throw std::runtime_error("no pictures are drawn");
+            throw std::runtime_error("no images are drawn");
         for (int number = ads; number >= 0; --number)
-            m_server.addCampaign("bench-" + std::to_string(number), campaign(number).dump(), pictures());
+            m_server.addCampaign("bench-" + std::to_string(number), campaign(number).dump(), images());
         adserver::AdServerFault accepted;
         accepted.path = "/bench/impression";
         accepted.status = 200;
@@ -76,10 +75,10 @@ public:
                 {"QT_QUICK_BACKEND", "software"}};
     }
 
-    static void forgetPictures() { std::filesystem::remove_all(workFolder() / "cache"); }
+    static void forgetImages() { std::filesystem::remove_all(workFolder() / "cache"); }
 
 private:
-    static std::filesystem::path pictures() { return workFolder() / "pictures"; }
+    static std::filesystem::path images() { return workFolder() / "images"; }
 
     static adserver::AdServerOptions options()
     {
@@ -96,13 +95,13 @@ private:
 /// its first frame has been shown: an upper bound of the time to that frame.
 double startToImpression(Stage& stage)
 {
-    Stage::forgetPictures();
-    stage.server().clearExchanges();
+    Stage::forgetImages();
+    stage.server().clearRequests();
     return timed([&] {
         ChildProcess host(
             {programFolder() + "/tv-host", "--authority", stage.server().authorityFile().string()},
             stage.environment());
-        if (!stage.server().waitForExchanges("POST", "/bench/impression", 1, 20s))
+        if (!stage.server().waitForRequests("POST", "/bench/impression", 1, 20s))
             throw std::runtime_error("the demo host shows no ad");
     });
 }
@@ -160,7 +159,7 @@ void measureStart(Results& results)
 void measureRunning(Results& results)
 {
     Stage stage(manyAds);
-    Stage::forgetPictures();
+    Stage::forgetImages();
     BenchHost host(stage);
     std::vector<double> painted;
     std::vector<double> stalls;

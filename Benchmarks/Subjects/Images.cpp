@@ -1,5 +1,5 @@
 #include "Benchmarks.h"
-#include "Pictures.h"
+#include "TestImages.h"
 
 #include "Image.h"
 #include "VIRLOAdItem.h"
@@ -28,7 +28,7 @@ QImage decoded(const std::string& bytes)
     QImage image =
         QImage::fromData(reinterpret_cast<const uchar*>(bytes.data()), static_cast<int>(bytes.size()));
     if (image.isNull())
-        throw std::runtime_error("the picture does not decode");
+        throw std::runtime_error("the image does not decode");
     return image;
 }
 
@@ -56,7 +56,7 @@ QByteArray thumbnailOf(const QImage& image)
 void benchImages(Results& results)
 {
     const auto store = VIRLOAppGridFeaturedImageStore::sharedStore();
-    const std::string bytes = adPicture(1);
+    const std::string bytes = adImage(1);
     const auto kept = item("kept");
     store->setImageForItem(bytes, *kept);
 
@@ -65,7 +65,7 @@ void benchImages(Results& results)
         [&] {
             return timed([&] {
                 if (!store->imageForItem(*kept))
-                    throw std::runtime_error("the store lost its picture");
+                    throw std::runtime_error("the store lost its image");
             });
         },
         [&] { return timed([&] { (void)decoded(bytes); }); });
@@ -80,6 +80,6 @@ void benchImages(Results& results)
             return timed([&] { store->setImageForItem(bytes, *fresh); });
         },
         [&] { return timed([&] { (void)thumbnailOf(decoded(bytes)); }); });
-    results.addRatio("picture and thumbnail stored, against decode + scale + PNG encode", stored.ours * 1e3,
+    results.addRatio("image and thumbnail stored, against decode + scale + PNG encode", stored.ours * 1e3,
                      stored.bare * 1e3, "ms", 1.0, true);
 }

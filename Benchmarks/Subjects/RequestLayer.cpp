@@ -36,7 +36,7 @@ public:
         const bool ended =
             m_ended.wait_for(lock, std::chrono::minutes(1), [this] { return m_underWay == 0; });
         if (!ended || !m_failure.empty())
-            throw std::runtime_error(ended ? m_failure : "answers do not come");
+            throw std::runtime_error(ended ? m_failure : "responses do not come");
     }
 
 private:
@@ -47,20 +47,20 @@ private:
             ++m_asked;
             ++m_underWay;
         }
-        m_api->sessionGETtoURLWithCompletionHandler(m_url, [this](const std::optional<virlo::JSON>& answer,
-                                                                  const virlo::OptionalError& error,
-                                                                  const auto&) { answered(answer, error); });
+        m_api->sessionGETtoURLWithCompletionHandler(
+            m_url, [this](const std::optional<virlo::JSON>& response, const virlo::OptionalError& error,
+                          const auto&) { received(response, error); });
     }
 
-    void answered(const std::optional<virlo::JSON>& answer, const virlo::OptionalError& error)
+    void received(const std::optional<virlo::JSON>& response, const virlo::OptionalError& error)
     {
         bool more = false;
         {
             const std::lock_guard lock(m_mutex);
             if (error)
                 m_failure = virlo::describe(*error);
-            else if (!answer || (*answer)["status"] != "SESSION_ACTIVE")
-                m_failure = "a wrong answer";
+            else if (!response || (*response)["status"] != "SESSION_ACTIVE")
+                m_failure = "a wrong response";
             more = m_failure.empty() && m_asked < requests;
         }
         if (more)
@@ -114,10 +114,10 @@ public:
 
     void run()
     {
-        int answered = 0;
+        int received = 0;
         for (Transfer& transfer : m_transfers)
             curl_multi_add_handle(m_multi, transfer.handle);
-        while (answered < requests) {
+        while (received < requests) {
             int running = 0;
             curl_multi_perform(m_multi, &running);
             int left = 0;
@@ -126,14 +126,14 @@ public:
                 curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &transfer);
                 if (message->data.result != CURLE_OK ||
                     nlohmann::json::parse(transfer->body)["status"] != "SESSION_ACTIVE")
-                    throw std::runtime_error("a wrong bare answer");
+                    throw std::runtime_error("a wrong bare response");
                 transfer->body.clear();
-                ++answered;
+                ++received;
                 curl_multi_remove_handle(m_multi, transfer->handle);
-                if (answered + connections <= requests)
+                if (received + connections <= requests)
                     curl_multi_add_handle(m_multi, transfer->handle);
             }
-            if (answered < requests)
+            if (received < requests)
                 curl_multi_poll(m_multi, nullptr, 0, 1000, nullptr);
         }
     }
@@ -168,11 +168,11 @@ void benchRequestLayer(Results& results)
     const std::string authority = certificates.authorityFile().string();
     virlo::URLSessionConfiguration::setDefaultTrustedAuthoritiesFile(authority);
 
-    ChildProcess server({programFolder() + "/bench-answers", (folder / "server.pem").string(),
+    ChildProcess server({programFolder() + "/bench-responses", (folder / "server.pem").string(),
                          (folder / "server.key").string()});
     const std::string base = "https://localhost:" + server.readLine();
     const auto api = VIRLOAdServerAPI::initWithBaseURL(*virlo::URL::fromString(base));
-    const virlo::URL url = api->entryPoint().appendingPathComponent("answer");
+    const virlo::URL url = api->entryPoint().appendingPathComponent("response");
     BareRound bare(url.absoluteString(), authority, api->generateUserAgent());
 
     const Pair rate = alternate(

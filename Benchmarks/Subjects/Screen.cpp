@@ -1,5 +1,5 @@
 #include "Benchmarks.h"
-#include "Pictures.h"
+#include "TestImages.h"
 
 #include "VIRLOAdFullscreenImageStore.h"
 #include "VIRLOAdItem.h"
@@ -28,7 +28,7 @@ using Clock = std::chrono::steady_clock;
 constexpr int rounds = 15;
 constexpr const char* scene = "qrc:/qt/qml/VIRLOAdFramework/Storyboard/QDXAdFullscreenViewController.qml";
 
-const std::string& answer()
+const std::string& response()
 {
     static const std::string text =
         R"({"txid":"bench","type":"engagement","secondsToSkip":5,)"
@@ -42,7 +42,7 @@ const std::string& answer()
 std::shared_ptr<VIRLOAdvertisement> advertisement()
 {
     return VIRLOAdvertisement::initWithDictionary(
-        std::get<virlo::JSON>(virlo::JSONSerialization::objectWithData(answer())));
+        std::get<virlo::JSON>(virlo::JSONSerialization::objectWithData(response())));
 }
 
 struct Ready {
@@ -100,19 +100,19 @@ void benchScreen(Results& results)
 {
     const auto api = VIRLOAdServerAPI::initWithBaseURL(*virlo::URL::fromString("https://localhost:1"));
     const auto store = VIRLOAdFullscreenImageStore::sharedStore();
-    store->setImageForItem(adPicture(1), *advertisement()->items().front());
-    const QString picture = QString::fromStdString(store->imageCacheDirectory() + "bench");
+    store->setImageForItem(adImage(1), *advertisement()->items().front());
+    const QString image = QString::fromStdString(store->imageCacheDirectory() + "bench");
 
     QQmlEngine engine;
     engine.addImportPath("qrc:/qt/qml");
     QQmlComponent component(&engine, QUrl(scene));
     const auto bare = [&] {
         return timed([&] {
-            const auto parsed = nlohmann::json::parse(answer());
-            QFile file(picture);
+            const auto parsed = nlohmann::json::parse(response());
+            QFile file(image);
             if (parsed.empty() || !file.open(QIODevice::ReadOnly) ||
                 QImage::fromData(file.readAll()).isNull())
-                throw std::runtime_error("the picture does not decode");
+                throw std::runtime_error("the image does not decode");
             const std::unique_ptr<QObject> made(component.create());
             if (!made)
                 throw std::runtime_error(component.errorString().toStdString());
@@ -131,7 +131,7 @@ void benchScreen(Results& results)
             return screen.seconds;
         },
         bare);
-    results.addRatio("answer received to screen ready, picture on disk", ready.ours * 1e3, ready.bare * 1e3,
+    results.addRatio("response received to screen ready, image on disk", ready.ours * 1e3, ready.bare * 1e3,
                      "ms", 1.2, true);
     results.addLimit("ready screen presented to first frame, 1920x1080", median(frames) * 1e3, "ms", 100);
 }

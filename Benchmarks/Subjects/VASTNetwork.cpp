@@ -88,7 +88,7 @@ void followChain(const virlo::URL& url)
 void lookAtEnd(const std::string& document)
 {
     if (!document.ends_with("</VAST>"))
-        throw std::runtime_error("a wrong bare answer");
+        throw std::runtime_error("a wrong bare response");
 }
 
 /// With the handlers that any reader of such a document has; they do nothing.
@@ -103,7 +103,7 @@ void readByExpat(const std::string& document)
     const auto status = XML_Parse(parser, document.data(), static_cast<int>(document.size()), XML_TRUE);
     XML_ParserFree(parser);
     if (status != XML_STATUS_OK)
-        throw std::runtime_error("a bare answer cannot be read");
+        throw std::runtime_error("a bare response cannot be read");
 }
 
 void benchChain(Results& results, const std::string& base)
@@ -129,7 +129,7 @@ void benchChain(Results& results, const std::string& base)
     const Pair time = alternate(rounds, ours, [&] { return bareWith(&lookAtEnd); });
     results.addRatio("VAST chain of 5 wrappers over loopback HTTP", time.ours, time.bare, "ms", 1.3, true);
     const Pair withReading = alternate(rounds, ours, [&] { return bareWith(&readByExpat); });
-    results.addRatio("the same beside requests whose answers bare expat reads", withReading.ours,
+    results.addRatio("the same beside requests whose responses bare expat reads", withReading.ours,
                      withReading.bare, "ms", 1.3, true);
     results.addLimit("VAST chain of 5 wrappers over loopback HTTP", time.ours, "ms", 1.2);
 }
@@ -164,11 +164,11 @@ public:
     void run()
     {
         int begun = connections;
-        int answered = 0;
+        int received = 0;
         for (CURL* handle : m_handles)
             curl_multi_add_handle(m_multi, handle);
         const auto end = std::chrono::steady_clock::now() + longestWait;
-        while (answered < pings) {
+        while (received < pings) {
             int running = 0;
             curl_multi_perform(m_multi, &running);
             int left = 0;
@@ -177,8 +177,8 @@ public:
                 long status = 0;
                 curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &status);
                 if (message->data.result != CURLE_OK || status != 204)
-                    throw std::runtime_error("a wrong bare answer");
-                ++answered;
+                    throw std::runtime_error("a wrong bare response");
+                ++received;
                 curl_multi_remove_handle(m_multi, handle);
                 if (begun < pings) {
                     ++begun;
@@ -187,7 +187,7 @@ public:
             }
             if (std::chrono::steady_clock::now() > end)
                 throw std::runtime_error("bare pings take too long");
-            if (answered < pings)
+            if (received < pings)
                 curl_multi_poll(m_multi, nullptr, 0, 1000, nullptr);
         }
     }

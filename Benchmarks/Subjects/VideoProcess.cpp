@@ -18,7 +18,7 @@ constexpr int rounds = 3;
 constexpr std::uint16_t builtInPort = 8443; ///< of the base URL that the presets compile in
 constexpr auto afterTheStart = 1s;
 constexpr auto watched = 5s;
-constexpr int manyFilms = 20;
+constexpr int manyVideos = 20;
 
 std::filesystem::path workFolder()
 {
@@ -27,20 +27,20 @@ std::filesystem::path workFolder()
 
 nlohmann::json campaign()
 {
-    return {{"rules", {{{"placement", "bench-film"}}}},
+    return {{"rules", {{{"placement", "bench-video"}}}},
             {"advertisement",
              {{"type", "video"},
               {"ads",
-               {{{"cid", "bench-film"},
+               {{{"cid", "bench-video"},
                  {"type", "content"},
-                 {"title", "Film"},
-                 {"markupUrl", "/vast/bench-film?tx={txid}"}}}}}},
+                 {"title", "Video"},
+                 {"markupUrl", "/vast/bench-video?tx={txid}"}}}}}},
             {"vast",
-             {{"bench-film",
+             {{"bench-video",
                {{"ads",
                  {{{"id", "bench"},
                    {"creatives",
-                    {{{"id", "film"},
+                    {{{"id", "video"},
                       {"duration", 8},
                       {"mediaFiles",
                        {{{"url", "clips/helion-720p.mp4"},
@@ -63,7 +63,7 @@ Playing watch(const ChildProcess& process)
     return {process.processorSeconds() - before, process.pssMiB(), process.residentMiB()};
 }
 
-/// A host that shows the film.
+/// A host that shows the video.
 class Host
 {
 public:
@@ -78,7 +78,7 @@ public:
 
     void show()
     {
-        process.writeLine("show bench-film");
+        process.writeLine("show bench-video");
         if (!process.readLine().starts_with("painted"))
             throw std::runtime_error("the bench host shows no video");
     }
@@ -102,17 +102,17 @@ Playing ours(const adserver::AdServer& server)
     return result;
 }
 
-/// MiB that a host holds after many films more than after the first.
+/// MiB that a host holds after many videos more than after the first.
 double growth(const adserver::AdServer& server)
 {
     Host host(server);
     double first = 0;
-    for (int film = 0; film < manyFilms; ++film) {
+    for (int video = 0; video < manyVideos; ++video) {
         host.show();
         std::this_thread::sleep_for(700ms);
         host.close();
         std::this_thread::sleep_for(500ms);
-        if (film == 0)
+        if (video == 0)
             first = host.process.pssMiB();
     }
     return host.process.pssMiB() - first;
@@ -128,8 +128,8 @@ Playing bare()
 
 } // namespace
 
-/// A film of 1280×720 in a window of that size, on Qt Quick's software backend, its ring and reports
-/// included, beside GStreamer alone with the same film.
+/// A video of 1280×720 in a window of that size, on Qt Quick's software backend, its ring and reports
+/// included, beside GStreamer alone with the same video.
 void benchVideoProcess(Results& results)
 {
     std::filesystem::remove_all(workFolder());
@@ -137,7 +137,7 @@ void benchVideoProcess(Results& results)
     options.port = builtInPort;
     options.stateFolder = workFolder() / "server";
     adserver::AdServer server(options);
-    server.addCampaign("bench-film", campaign().dump(), VIRLO_CAMPAIGNS);
+    server.addCampaign("bench-video", campaign().dump(), VIRLO_CAMPAIGNS);
     server.start();
 
     std::vector<double> pss;
@@ -157,13 +157,13 @@ void benchVideoProcess(Results& results)
             return playing.processorSeconds;
         });
     const double tenSeconds = 10s / watched;
-    results.addRatio("processor time of playing a 720p film", processor.ours, processor.bare, "s in 5 s", 1.6,
-                     true);
-    results.addLimit("processor time of playing a 720p film", processor.ours * tenSeconds, "s in 10 s", 2);
-    results.addLimit("memory (PSS) with a 720p film playing", median(pss), "MiB", 90);
+    results.addRatio("processor time of playing a 720p video", processor.ours, processor.bare, "s in 5 s",
+                     1.6, true);
+    results.addLimit("processor time of playing a 720p video", processor.ours * tenSeconds, "s in 10 s", 2);
+    results.addLimit("memory (PSS) with a 720p video playing", median(pss), "MiB", 90);
     results.addLimit("resident memory of that over the bare pipeline",
                      median(resident) - median(bareResident), "MiB", 40);
-    // What one film holds while its end is under way; the memory of twenty is several times that.
-    results.addLimit("growth of PSS after 20 films", growth(server), "MiB", 20);
+    // What one video holds while its end is under way; the memory of twenty is several times that.
+    results.addLimit("growth of PSS after 20 videos", growth(server), "MiB", 20);
     std::filesystem::remove_all(workFolder());
 }

@@ -46,16 +46,16 @@ void serve(adserver::AdServer& server, const std::string& path, std::string body
     server.setFault(canned);
 }
 
-void serveFilm(adserver::AdServer& server)
+void serveVideo(adserver::AdServer& server)
 {
     std::ifstream clip(VIRLO_CAMPAIGNS "/clips/helion-720p.mp4", std::ios::binary);
-    serve(server, "/film.mp4",
+    serve(server, "/video.mp4",
           std::string(std::istreambuf_iterator<char>(clip), std::istreambuf_iterator<char>()), "video/mp4");
-    serve(server, "/film.xml",
-          "<VAST version=\"3.0\"><Ad id=\"bench\"><InLine><Creatives><Creative AdID=\"film\"><Linear>"
+    serve(server, "/video.xml",
+          "<VAST version=\"3.0\"><Ad id=\"bench\"><InLine><Creatives><Creative AdID=\"video\"><Linear>"
           "<Duration>00:00:08</Duration><MediaFiles><MediaFile width=\"1280\" height=\"720\"><![CDATA[" +
               server.baseURL() +
-              "/film.mp4]]></MediaFile></MediaFiles></Linear></Creative></Creatives></InLine></Ad></VAST>",
+              "/video.mp4]]></MediaFile></MediaFiles></Linear></Creative></Creatives></InLine></Ad></VAST>",
           "text/xml");
 }
 
@@ -71,7 +71,7 @@ class Stage
 public:
     explicit Stage(const std::string& base)
         : m_api(VIRLOAdServerAPI::initWithBaseURL(*virlo::URL::fromString("https://localhost:1")))
-        , m_markup(base + "/film.xml")
+        , m_markup(base + "/video.xml")
     {
         window.resize(1280, 720);
         window.show();
@@ -100,8 +100,8 @@ public:
         return video;
     }
 
-    /// Shows it until a frame of the window has a picture of the film in it.
-    void showFirstPicture(const Video& video)
+    /// Shows it until the window has drawn a frame of the video.
+    void showFirstFrame(const Video& video)
     {
         QEventLoop loop;
         QTimer::singleShot(longest, &loop, [&loop] { loop.exit(1); });
@@ -114,7 +114,7 @@ public:
         const int failed = loop.exec();
         QObject::disconnect(connection);
         if (failed != 0)
-            throw std::runtime_error("no picture of the film comes");
+            throw std::runtime_error("no frame of the video comes");
     }
 
     void leave(const Video& video)
@@ -132,14 +132,14 @@ private:
 
 } // namespace
 
-/// In one process that has shown a video before: how soon a film is seen, and whether all of its pictures
+/// In one process that has shown a video before: how soon a video is seen, and whether all of its frames
 /// are.
 void benchVideoScreen(Results& results)
 {
     std::filesystem::remove_all(workFolder());
     adserver::AdServer server({.stateFolder = workFolder()});
     server.start();
-    serveFilm(server);
+    serveVideo(server);
     virlo::URLSessionConfiguration::setDefaultTrustedAuthoritiesFile(server.authorityFile().string());
     Stage stage(server.baseURL());
 
@@ -147,12 +147,12 @@ void benchVideoScreen(Results& results)
     std::vector<double> fromDocument;
     for (int round = 0; round <= rounds; ++round) {
         Video video = stage.preload();
-        spin(std::chrono::milliseconds(700)); // the film loads meanwhile
-        const double shown = timed([&] { stage.showFirstPicture(video); }) * 1e3;
+        spin(std::chrono::milliseconds(700)); // the video loads meanwhile
+        const double shown = timed([&] { stage.showFirstFrame(video); }) * 1e3;
         stage.leave(video);
         const double asked = timed([&] {
                                  video = stage.preload();
-                                 stage.showFirstPicture(video);
+                                 stage.showFirstFrame(video);
                              }) *
                              1e3;
         stage.leave(video);
@@ -161,20 +161,20 @@ void benchVideoScreen(Results& results)
         preloaded.push_back(shown);
         fromDocument.push_back(asked);
     }
-    results.addLimit("show of a preloaded film to its first picture, TLS", median(preloaded), "ms", 100);
-    results.addLimit("VAST document asked for to the film's first picture, TLS", median(fromDocument), "ms",
+    results.addLimit("show of a preloaded video to its first frame, TLS", median(preloaded), "ms", 100);
+    results.addLimit("VAST document asked for to the video's first frame, TLS", median(fromDocument), "ms",
                      100);
 
     const Video video = stage.preload();
     const auto item = video->videoPlayer()->currentItem();
-    stage.showFirstPicture(video);
+    stage.showFirstFrame(video);
     const auto before = item->videoFrameCounts();
     spin(std::chrono::milliseconds(6000));
     const auto after = item->videoFrameCounts();
     stage.leave(video);
     if (after.arrived - before.arrived < 170)
-        throw std::runtime_error("the film does not play");
-    results.addLimit("pictures of a 720p film dropped in 6 s (180 shown)",
+        throw std::runtime_error("the video does not play");
+    results.addLimit("frames of a 720p video dropped in 6 s (180 shown)",
                      static_cast<double>(after.late + after.unseen - before.late - before.unseen), "", 0);
     std::filesystem::remove_all(workFolder());
 }

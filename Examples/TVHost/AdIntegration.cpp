@@ -28,10 +28,10 @@ void AdIntegration::showAd(const QString& placement)
             const auto self = weak.lock();
             if (!self || !screen) // no screen, no ad: the game goes on
                 return;
-            self->m_adStands = true;
+            self->m_adIsShown = true;
             VIRLOAdPresenter::present(screen, &self->m_window, [weak] {
                 if (const auto host = weak.lock())
-                    host->m_adStands = false;
+                    host->m_adIsShown = false;
             });
         });
 }

@@ -25,12 +25,12 @@ public:
     void start();
     void showAd(const QString& placement);
 
-    [[nodiscard]] bool adStands() const { return m_adStands; }
+    [[nodiscard]] bool adIsShown() const { return m_adIsShown; }
 
     void didGetCurrency(const virlo::JSON& info) override;
 
 private:
     QQuickWindow& m_window;
     Game& m_game;
-    std::atomic<bool> m_adStands{false};
+    std::atomic<bool> m_adIsShown{false};
 };

@@ -1,7 +1,7 @@
 #include "AdIntegration.h"
 #include "AppPages.h"
 #include "Game.h"
-#include "Visit.h"
+#include "Scenario.h"
 
 #include <VIRLOAdFramework/Bundle.h>
 #include <VIRLOAdFramework/NetworkFlags.h>
@@ -21,7 +21,7 @@ int main(int count, char** arguments)
     options.setApplicationDescription("A small game menu that shows ads.");
     options.addHelpOption();
     options.addOption({"authority", "Trust the certificates of this authority too.", "PEM"});
-    options.addOption({"visit", "Play a scripted visit and leave its pictures in this folder.", "DIR"});
+    options.addOption({"scenario", "Play a scripted run and leave its images in this folder.", "DIR"});
     options.process(application);
 
     virlo::Bundle::setMainBundle("com.example.ember-trail", "Ember Trail", "2.4");
@@ -42,7 +42,7 @@ int main(int count, char** arguments)
 
     const auto ads = std::make_shared<AdIntegration>(window, game);
     ads->start();
-    if (!options.isSet("visit")) {
+    if (!options.isSet("scenario")) {
         // The whole screen, also where no window manager stands that would see to it.
         window.setGeometry(window.screen()->geometry());
         window.showFullScreen();
@@ -57,7 +57,7 @@ int main(int count, char** arguments)
     virlo::Application::setURLOpener(&pages);
     bool good = false;
     QTimer::singleShot(0, [&] {
-        good = Visit(window, game, *ads, pages, options.value("visit")).play();
+        good = Scenario(window, game, *ads, pages, options.value("scenario")).play();
         QGuiApplication::quit();
     });
     QGuiApplication::exec();

@@ -86,7 +86,7 @@ protected:
 
     [[nodiscard]] std::size_t count(const std::string& method, const std::string& path) const
     {
-        const auto all = server.exchanges();
+        const auto all = server.requests();
         return static_cast<std::size_t>(std::ranges::count_if(
             all, [&](const auto& each) { return each.method == method && each.path == path; }));
     }
@@ -107,7 +107,7 @@ protected:
 TEST_F(RealServer, SeesAWholeVisitEachExchangeOnceInItsSession)
 {
     start();
-    ASSERT_TRUE(server.waitForExchanges("PUT", "/app/sess/", 1, 10s));
+    ASSERT_TRUE(server.waitForRequests("PUT", "/app/sess/", 1, 10s));
     const auto ad = advertisement();
     ASSERT_TRUE(ad && ad->numberOfItems() == 1);
     const auto item = ad->items().front();
@@ -154,12 +154,12 @@ TEST_F(RealServer, SeesAWholeVisitEachExchangeOnceInItsSession)
     EXPECT_TRUE(settle([this] { return store->items().empty(); }));
 
     controller->applicationWillTerminate();
-    ASSERT_TRUE(server.waitForExchanges("DELETE", "/app/sess/", 1, 10s));
+    ASSERT_TRUE(server.waitForRequests("DELETE", "/app/sess/", 1, 10s));
 
     const std::string session = api->serverSession()->identifier();
     const std::string transaction = ad->txId().value();
     std::vector<std::string> seen;
-    for (const auto& exchange : server.exchanges()) {
+    for (const auto& exchange : server.requests()) {
         seen.push_back(exchange.method + " " + exchange.path);
         const bool isBefore = exchange.method == "POST" && exchange.path.starts_with("/app/");
         EXPECT_EQ(exchange.session, isBefore ? "" : session) << seen.back();
@@ -186,7 +186,7 @@ TEST_F(RealServer, IsPingedAtItsIntervalAndAnInvalidSessionIsReplaced)
     }));
     EXPECT_TRUE(advertisement());
     controller->applicationWillTerminate();
-    ASSERT_TRUE(server.waitForExchanges("DELETE", "/app/sess/", 1, 10s));
+    ASSERT_TRUE(server.waitForRequests("DELETE", "/app/sess/", 1, 10s));
     settleAll();
 }
 

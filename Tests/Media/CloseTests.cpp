@@ -27,7 +27,7 @@ protected:
         served("slow.mp4", {.seconds = 4, .kilobitsPerSecond = 2000});
         served("silent.mp4", {});
         server().setFault({.path = path("slow.mp4"), .bytesPerSecond = 400'000});
-        server().setFault({.path = path("silent.mp4"), .neverAnswers = true});
+        server().setFault({.path = path("silent.mp4"), .neverResponds = true});
         server().setFault({.path = path("late.mp4"), .delay = 300ms, .status = 404});
         m_file = file({.seconds = 1})->url();
     }

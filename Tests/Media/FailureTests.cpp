@@ -122,7 +122,7 @@ TEST_F(Endings, ADroppedConnectionIsMadeAgainAndTheClipPlaysWhole)
 TEST_F(Endings, AServerThatNeverAnswersIsGivenUp)
 {
     const auto item = served("silent.mp4", {});
-    server().setFault({.path = path("silent.mp4"), .neverAnswers = true});
+    server().setFault({.path = path("silent.mp4"), .neverResponds = true});
     play({item});
     expectOneEnd();
     EXPECT_EQ(item->status(), PlayerItem::Status::Failed);

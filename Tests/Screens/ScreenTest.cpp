@@ -123,7 +123,7 @@ adserver::AdServer& ScreenTest::server()
 int ScreenTest::requests(const std::string& path)
 {
     int count = 0;
-    for (const auto& exchange : server().exchanges())
+    for (const auto& exchange : server().requests())
         count += exchange.path == path ? 1 : 0;
     return count;
 }

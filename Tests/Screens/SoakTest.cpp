@@ -42,7 +42,7 @@ protected:
     void rest()
     {
         clock.advance(Seconds(31));
-        server().clearExchanges();
+        server().clearRequests();
     }
 
 private:

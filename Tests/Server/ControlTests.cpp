@@ -39,16 +39,16 @@ TEST_F(Control, NamesWhatIsWrongWithAFault)
     EXPECT_NE(wrongFault("{"), "");
 }
 
-TEST_F(Control, ShowsExchangesButNotItsOwn)
+TEST_F(Control, ShowsRequestsButNotItsOwn)
 {
     openSession();
-    get("/control/exchanges");
-    const auto all = get("/control/exchanges");
+    get("/control/requests");
+    const auto all = get("/control/requests");
     ASSERT_EQ(all.size(), 1U);
     EXPECT_EQ(all[0]["path"], "/app/sess/com.example.game");
     EXPECT_EQ(all[0]["headers"]["content-type"], "application/json");
-    remove("/control/exchanges", 204);
-    EXPECT_TRUE(get("/control/exchanges").empty());
+    remove("/control/requests", 204);
+    EXPECT_TRUE(get("/control/requests").empty());
 }
 
 TEST_F(Control, DrivesSessionsRewardsAndTheirReset)
@@ -71,11 +71,11 @@ TEST_F(Control, DrivesSessionsRewardsAndTheirReset)
 TEST_F(Control, IsRefusedToWebPagesAndForeignNames)
 {
     auto client = makeClient();
-    EXPECT_EQ(client.Get("/control/exchanges", {{"Origin", "https://evil.example"}})->status, 403);
-    EXPECT_EQ(client.Get("/control/exchanges", {{"Host", "evil.example"}})->status, 403);
-    EXPECT_EQ(client.Get("/control/exchanges", {{"Host", "127.0.0.1:1"}})->status, 200);
+    EXPECT_EQ(client.Get("/control/requests", {{"Origin", "https://evil.example"}})->status, 403);
+    EXPECT_EQ(client.Get("/control/requests", {{"Host", "evil.example"}})->status, 403);
+    EXPECT_EQ(client.Get("/control/requests", {{"Host", "127.0.0.1:1"}})->status, 200);
     get("/control/nothing", 404);
-    post("/control/exchanges", "", 405);
+    post("/control/requests", "", 405);
     server.setFault({.path = "*", .drop = true});
     remove("/control/faults", 204);
 }

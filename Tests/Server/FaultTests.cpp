@@ -17,13 +17,13 @@ protected:
 
     [[nodiscard]] httplib::Result ask(const std::string& path) { return makeClient().Get(path); }
 
-    /// The status and bytes noted for the only exchange.
+    /// The status and bytes noted for the only entry.
     [[nodiscard]] std::pair<int, std::uint64_t> noted() const
     {
-        const auto exchanges = server.exchanges();
-        EXPECT_EQ(exchanges.size(), 1U);
-        return exchanges.empty() ? std::pair<int, std::uint64_t>()
-                                 : std::pair(exchanges[0].status, exchanges[0].bytes);
+        const auto requests = server.requests();
+        EXPECT_EQ(requests.size(), 1U);
+        return requests.empty() ? std::pair<int, std::uint64_t>()
+                                : std::pair(requests[0].status, requests[0].bytes);
     }
 };
 
@@ -36,30 +36,30 @@ double secondsOf(const std::function<void()>& work)
 
 } // namespace
 
-TEST_F(Faults, ADelayComesBeforeTheRightAnswer)
+TEST_F(Faults, ADelayComesBeforeTheRightResponse)
 {
     server.setFault({.path = file, .delay = 300ms});
     EXPECT_GE(secondsOf([this] { EXPECT_EQ(ask(file)->body, "0123456789"); }), 0.3);
 }
 
-TEST_F(Faults, AnswersThatNeverComeHoldUpNobodyElseAndEndWithTheStop)
+TEST_F(Faults, ResponsesThatNeverComeHoldUpNobodyElseAndEndWithTheStop)
 {
-    server.setFault({.path = file, .neverAnswers = true});
+    server.setFault({.path = file, .neverResponds = true});
     std::vector<std::future<bool>> waiting;
     for (int client = 0; client < 20; ++client)
         waiting.push_back(std::async(std::launch::async, [this] { return static_cast<bool>(ask(file)); }));
-    ASSERT_TRUE(server.waitForExchanges("GET", file, waiting.size(), 20s));
-    EXPECT_EQ(server.exchanges()[0].status, 0);
+    ASSERT_TRUE(server.waitForRequests("GET", file, waiting.size(), 20s));
+    EXPECT_EQ(server.requests()[0].status, 0);
     EXPECT_EQ(ask("/store/second")->status, 200);
     EXPECT_EQ(waiting[0].wait_for(0s), std::future_status::timeout);
     EXPECT_LT(secondsOf([this] { server.stop(); }), 4.0);
     for (auto& client : waiting)
         EXPECT_FALSE(client.get());
     server.start();
-    EXPECT_TRUE(server.exchanges().empty());
+    EXPECT_TRUE(server.requests().empty());
 }
 
-TEST_F(Faults, AMadeUpAnswerReplacesTheRightOneAndChangesNothing)
+TEST_F(Faults, ACannedResponseReplacesTheRightOneAndChangesNothing)
 {
     openSession();
     const auto item = advertisement()["ads"][0];
@@ -91,7 +91,7 @@ TEST_F(Faults, ADroppedConnectionHasNoHead)
 TEST_F(Faults, ACutBodyIsShorterThanItsHeadSays)
 {
     for (const bool madeUp : {false, true}) {
-        server.clearExchanges();
+        server.clearRequests();
         server.setFault({.path = file,
                          .body = madeUp ? std::optional<std::string>("abcdefghij") : std::nullopt,
                          .cutBodyAfter = 4});
@@ -154,7 +154,7 @@ TEST_F(Faults, AStallWithoutAnEndLastsUntilTheClientGoesAndMayBeFollowedByACut)
     auto client = makeClient();
     client.set_read_timeout(300ms);
     EXPECT_FALSE(client.Get(file));
-    ASSERT_TRUE(server.waitForExchanges("GET", file, 1, 5s));
+    ASSERT_TRUE(server.waitForRequests("GET", file, 1, 5s));
     EXPECT_EQ(noted().first, 200);
 
     server.setFault({.path = file, .cutBodyAfter = 6, .stallBodyAfter = 4, .stallFor = 100ms});
@@ -198,15 +198,15 @@ TEST_F(Faults, AHugeBodyIsMadeWhileItIsSent)
         bool isRight = true;
         std::string end;
         auto client = makeClient();
-        const auto answer = client.Get("/huge", [&](const char* data, size_t count) {
+        const auto response = client.Get("/huge", [&](const char* data, size_t count) {
             isRight =
                 isRight && (received > 0 || std::string_view(data, count).starts_with("{\"filler\":\"a"));
             received += count;
             end = std::string(data + count - 1, 1);
             return true;
         });
-        ASSERT_TRUE(answer);
-        EXPECT_EQ(answer->has_header("Content-Length"), !chunked);
+        ASSERT_TRUE(response);
+        EXPECT_EQ(response->has_header("Content-Length"), !chunked);
         EXPECT_EQ(received, size);
         EXPECT_TRUE(isRight);
         EXPECT_EQ(end, "}");

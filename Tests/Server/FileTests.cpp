@@ -34,11 +34,11 @@ class Files : public ServerTest
 
 TEST_P(Ranges, GiveTheirPart)
 {
-    const auto answer = makeClient().Get("/campaigns/picture.jpg", {{"Range", GetParam().range}});
-    ASSERT_TRUE(answer);
-    EXPECT_EQ(answer->status, GetParam().status);
-    EXPECT_EQ(GetParam().status == 416 ? "" : answer->body, GetParam().body);
-    EXPECT_EQ(answer->get_header_value("Content-Range"), GetParam().contentRange);
+    const auto response = makeClient().Get("/campaigns/picture.jpg", {{"Range", GetParam().range}});
+    ASSERT_TRUE(response);
+    EXPECT_EQ(response->status, GetParam().status);
+    EXPECT_EQ(GetParam().status == 416 ? "" : response->body, GetParam().body);
+    EXPECT_EQ(response->get_header_value("Content-Range"), GetParam().contentRange);
 }
 
 INSTANTIATE_TEST_SUITE_P(, Ranges,
@@ -60,10 +60,10 @@ TEST_P(Escapes, AreNotFound)
     folder.write("campaigns-of-others/secret.txt", "secret");
     std::filesystem::create_symlink(folder.path("secret.txt"), folder.path("campaigns/link.txt"));
     std::filesystem::create_directory(folder.path("campaigns/sub"));
-    const auto answer = makeClient().Get(GetParam().path);
-    ASSERT_TRUE(answer);
-    EXPECT_EQ(answer->status, 404);
-    EXPECT_EQ(answer->body.find("secret"), std::string::npos);
+    const auto response = makeClient().Get(GetParam().path);
+    ASSERT_TRUE(response);
+    EXPECT_EQ(response->status, 404);
+    EXPECT_EQ(response->body.find("secret"), std::string::npos);
 }
 
 INSTANTIATE_TEST_SUITE_P(, Escapes,
@@ -101,7 +101,7 @@ TEST_F(Files, LargerThanABufferComeWhole)
     for (size_t i = 0; i < large.size(); ++i)
         large[i] = static_cast<char>(i * 31 % 251);
     folder.write("campaigns/large.png", large);
-    const auto answer = makeClient().Get("/campaigns/large.png");
-    ASSERT_TRUE(answer);
-    EXPECT_TRUE(answer->body == large);
+    const auto response = makeClient().Get("/campaigns/large.png");
+    ASSERT_TRUE(response);
+    EXPECT_TRUE(response->body == large);
 }

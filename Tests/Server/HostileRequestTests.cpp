@@ -20,14 +20,14 @@ class HostileRequests : public testing::Test
 protected:
     HostileRequests() { server.start(); }
 
-    /// The server must still answer everybody else.
+    /// The server must still respond to everybody else.
     ~HostileRequests() override
     {
-        const auto answer = httplib::Client(server.baseURL()).Get("/nowhere");
-        EXPECT_TRUE(answer && answer->status == 404);
+        const auto response = httplib::Client(server.baseURL()).Get("/nowhere");
+        EXPECT_TRUE(response && response->status == 404);
     }
 
-    [[nodiscard]] std::string exchange(const std::string& request) const
+    [[nodiscard]] std::string roundTrip(const std::string& request) const
     {
         const RawConnection connection(server.port());
         connection.send(request);
@@ -43,19 +43,19 @@ constexpr auto closing = "Host: localhost\r\nConnection: close\r\n";
 
 TEST_F(HostileRequests, NoiseIsRefusedAndTheConnectionClosed)
 {
-    EXPECT_THAT(exchange("garbage\r\n\r\n"), StartsWith("HTTP/1.1 400"));
-    EXPECT_THAT(exchange("GET /" + std::string(20'000, 'a') + " HTTP/1.1\r\n\r\n"),
+    EXPECT_THAT(roundTrip("garbage\r\n\r\n"), StartsWith("HTTP/1.1 400"));
+    EXPECT_THAT(roundTrip("GET /" + std::string(20'000, 'a') + " HTTP/1.1\r\n\r\n"),
                 StartsWith("HTTP/1.1 414"));
-    EXPECT_THAT(exchange(std::string("\x16\x03\x01\x02\x00\x01\x00\r\n\r\n", 11)),
+    EXPECT_THAT(roundTrip(std::string("\x16\x03\x01\x02\x00\x01\x00\r\n\r\n", 11)),
                 StartsWith("HTTP/1.1 400"));
-    EXPECT_EQ(server.exchanges().size(), 3U);
+    EXPECT_EQ(server.requests().size(), 3U);
 }
 
 TEST_F(HostileRequests, AHostThatIsNoneIsRefused)
 {
-    EXPECT_THAT(exchange("GET /ad/req HTTP/1.1\r\nHost: a\"b/c\r\nConnection: close\r\n\r\n"),
+    EXPECT_THAT(roundTrip("GET /ad/req HTTP/1.1\r\nHost: a\"b/c\r\nConnection: close\r\n\r\n"),
                 StartsWith("HTTP/1.1 400"));
-    EXPECT_THAT(exchange("GET /ad/req HTTP/1.1\r\nConnection: close\r\n\r\n"), StartsWith("HTTP/1.1 400"));
+    EXPECT_THAT(roundTrip("GET /ad/req HTTP/1.1\r\nConnection: close\r\n\r\n"), StartsWith("HTTP/1.1 400"));
 }
 
 TEST_F(HostileRequests, ABodyTooLargeIsRefusedWhetherItsLengthIsSaidOrNot)
@@ -84,7 +84,7 @@ TEST_F(HostileRequests, ABodyTooLargeIsRefusedWhetherItsLengthIsSaidOrNot)
 TEST_F(HostileRequests, ADeleteWithoutALengthIsNotWaitedFor)
 {
     const auto begin = std::chrono::steady_clock::now();
-    EXPECT_THAT(exchange(std::string("DELETE /app/sess/ HTTP/1.1\r\n") + closing + "\r\n"),
+    EXPECT_THAT(roundTrip(std::string("DELETE /app/sess/ HTTP/1.1\r\n") + closing + "\r\n"),
                 HasSubstr("INVALID_SESSION"));
     EXPECT_LT(std::chrono::steady_clock::now() - begin, 4s);
 }
@@ -93,10 +93,10 @@ TEST_F(HostileRequests, DeepJSONIsRefused)
 {
     const std::string deep = "{\"user\":" + std::string(500'000, '[') + std::string(500'000, ']') + '}';
     httplib::Client client(server.baseURL());
-    const auto answer = client.Put("/app/sess/", deep, "application/json");
-    ASSERT_TRUE(answer);
-    EXPECT_EQ(answer->status, 400);
-    const auto noted = server.exchanges();
+    const auto response = client.Put("/app/sess/", deep, "application/json");
+    ASSERT_TRUE(response);
+    EXPECT_EQ(response->status, 400);
+    const auto noted = server.requests();
     ASSERT_EQ(noted.size(), 1U);
     EXPECT_TRUE(noted[0].toJSON()["body"].is_string());
 }
@@ -108,7 +108,7 @@ TEST_F(HostileRequests, AClientThatLeavesInTheMiddleLeavesNothingBehind)
         connection.send("POST /app/inst/a HTTP/1.1\r\nHost: localhost\r\nContent-Length: 1000\r\n\r\n{");
     }
     EXPECT_TRUE(server.waitUntil([](const auto& all) { return all.size() >= 50; }, 20s));
-    const auto noted = server.exchanges();
+    const auto noted = server.requests();
     EXPECT_TRUE(std::all_of(noted.begin(), noted.end(), [](const auto& one) { return one.status != 200; }));
 }
 
@@ -124,7 +124,7 @@ TEST_F(HostileRequests, PipelinedRequestsAreAnsweredInOrder)
     const std::string first = "GET /first HTTP/1.1\r\nHost: localhost\r\n\r\n";
     server.setFault({.path = "/first", .body = "ONE"});
     server.setFault({.path = "/second", .body = "TWO"});
-    const auto all = exchange(first + "GET /second HTTP/1.1\r\n" + closing + "\r\n");
+    const auto all = roundTrip(first + "GET /second HTTP/1.1\r\n" + closing + "\r\n");
     EXPECT_LT(all.find("ONE"), all.find("TWO"));
     EXPECT_NE(all.find("TWO"), std::string::npos);
 }

@@ -14,7 +14,7 @@ protected:
     [[nodiscard]] std::vector<JSON> lines() const
     {
         std::vector<JSON> all;
-        std::istringstream text(folder.read("exchanges.jsonl").value_or(""));
+        std::istringstream text(folder.read("requests.jsonl").value_or(""));
         for (std::string line; std::getline(text, line);)
             all.push_back(JSON::parse(line, nullptr, false));
         return all;
@@ -23,7 +23,7 @@ protected:
 
 } // namespace
 
-TEST_F(Log, HasALineForEachExchangeOnceItIsAnswered)
+TEST_F(Log, HasALineForEachRequestOnceItIsAnswered)
 {
     const auto session = openSession();
     advertisement();
@@ -55,13 +55,13 @@ TEST_F(Log, KeepsWhatEarlierRunsWroteAndCutsLargeBodies)
     post("/first", "{}", 404);
     server.stop();
     server.start();
-    const auto answer = makeClient().Post("/second", std::string(500'000, 'x'), "text/plain");
-    ASSERT_TRUE(answer);
+    const auto response = makeClient().Post("/second", std::string(500'000, 'x'), "text/plain");
+    ASSERT_TRUE(response);
     const auto all = lines();
     ASSERT_EQ(all.size(), 2U);
     EXPECT_EQ(all[1]["body"].get<std::string>().size(), 65536U);
-    ASSERT_EQ(server.exchanges().size(), 1U);
-    EXPECT_EQ(server.exchanges()[0].body.size(), 500'000U);
+    ASSERT_EQ(server.requests().size(), 1U);
+    EXPECT_EQ(server.requests()[0].body.size(), 500'000U);
 }
 
 TEST_F(Log, TellsConnectionsAndHeadersApart)
@@ -70,13 +70,13 @@ TEST_F(Log, TellsConnectionsAndHeadersApart)
     client.Get("/a?x=1%202&x=3", {{"X-Probe", "here"}});
     client.Get("/b");
     makeClient().Get("/c");
-    const auto exchanges = server.exchanges();
-    ASSERT_EQ(exchanges.size(), 3U);
-    EXPECT_EQ(exchanges[0].connection, exchanges[1].connection);
-    EXPECT_NE(exchanges[1].connection, exchanges[2].connection);
-    EXPECT_EQ(exchanges[0].headers.at("x-probe"), "here");
-    EXPECT_FALSE(exchanges[1].headers.contains("x-probe"));
-    EXPECT_EQ(exchanges[0].queryItem("x"), "1 2");
+    const auto requests = server.requests();
+    ASSERT_EQ(requests.size(), 3U);
+    EXPECT_EQ(requests[0].connection, requests[1].connection);
+    EXPECT_NE(requests[1].connection, requests[2].connection);
+    EXPECT_EQ(requests[0].headers.at("x-probe"), "here");
+    EXPECT_FALSE(requests[1].headers.contains("x-probe"));
+    EXPECT_EQ(requests[0].queryItem("x"), "1 2");
 }
 
 TEST(LogFile, ThatCannotBeWrittenStopsTheStart)

@@ -205,10 +205,10 @@ TEST_P(WrongRequests, AreRefusedWithTheirReason)
     request.path = GetParam().path;
     request.headers = sessionHeader();
     request.body = GetParam().body;
-    const auto answer = client.send(request);
-    ASSERT_TRUE(answer);
-    EXPECT_EQ(answer->status, GetParam().status);
-    EXPECT_EQ(JSON::parse(answer->body)["error"], GetParam().error);
+    const auto response = client.send(request);
+    ASSERT_TRUE(response);
+    EXPECT_EQ(response->status, GetParam().status);
+    EXPECT_EQ(JSON::parse(response->body)["error"], GetParam().error);
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -34,7 +34,7 @@ protected:
 
     [[nodiscard]] httplib::Headers sessionHeader() const { return {{"VRL-SessionId", m_session}}; }
 
-    /// The answer must have that status and, where it has a body, be JSON.
+    /// The response must have that status and, where it has a body, be JSON.
     JSON get(const std::string& path, int status = 200);
     JSON post(const std::string& path, const std::string& body, int status = 200);
     JSON put(const std::string& path, const std::string& body, int status = 200);

@@ -95,13 +95,13 @@ class VAST : public ServerTest
 protected:
     ReadDocument fetch(const std::string& path)
     {
-        const auto answer = makeClient().Get(path);
-        EXPECT_TRUE(answer);
-        if (!answer)
+        const auto response = makeClient().Get(path);
+        EXPECT_TRUE(response);
+        if (!response)
             return {};
-        EXPECT_EQ(answer->status, 200) << path;
-        EXPECT_EQ(answer->get_header_value("Content-Type"), "application/xml");
-        return DocumentReading::read(answer->body);
+        EXPECT_EQ(response->status, 200) << path;
+        EXPECT_EQ(response->get_header_value("Content-Type"), "application/xml");
+        return DocumentReading::read(response->body);
     }
 
     [[nodiscard]] int status(const std::string& path) const { return makeClient().Get(path)->status; }
@@ -144,21 +144,21 @@ constexpr auto inlineTracking = "VAST/Ad/InLine/Creatives/Creative/Linear/Tracki
 
 TEST_F(VAST, ADocumentHoldsWhatItsCampaignSays)
 {
-    add(R"({"film": {"version": "2.0", "ads": [{"id": "a \"1\"", "system": "Salt & <Pepper>", "systemVersion": "4.2",
+    add(R"({"video": {"version": "2.0", "ads": [{"id": "a \"1\"", "system": "Salt & <Pepper>", "systemVersion": "4.2",
         "title": "Odd ]]> title & more", "impressions": 2, "creatives": [
           {"id": "long", "sequence": 3, "duration": 3725.25, "events": ["start", "complete"],
            "mediaFiles": [{"url": "picture.jpg", "type": "video/mp4", "width": 1920, "height": 1080}]},
-          {"duration": 8, "mediaFiles": [{"url": "https://films.example/a&b.webm", "type": "video/webm",
+          {"duration": 8, "mediaFiles": [{"url": "https://videos.example/a&b.webm", "type": "video/webm",
            "delivery": "streaming", "bitrate": 700}]}]}]}})");
-    const auto document = fetch("/vast/film?tx=T%261");
+    const auto document = fetch("/vast/video?tx=T%261");
     ASSERT_TRUE(document.wellFormed);
     EXPECT_THAT(document.at(document.plain, "VAST/Ad/InLine/AdSystem"), ElementsAre("Salt & <Pepper>"));
     EXPECT_THAT(document.at(document.cdata, "VAST/Ad/InLine/AdTitle"), ElementsAre("Odd ]]> title & more"));
     EXPECT_THAT(document.at(document.plain, "VAST/Ad/InLine/Creatives/Creative/Linear/Duration"),
                 ElementsAre("01:02:05.250", "00:00:08"));
     EXPECT_THAT(document.at(document.cdata, inlineFile),
-                ElementsAre(server.baseURL() + "/campaigns/picture.jpg", "https://films.example/a&b.webm"));
-    const auto ping = server.baseURL() + "/ping/film/a%20%221%22/";
+                ElementsAre(server.baseURL() + "/campaigns/picture.jpg", "https://videos.example/a&b.webm"));
+    const auto ping = server.baseURL() + "/ping/video/a%20%221%22/";
     const std::string query = "?tx=T%261&cb=[CACHEBUSTING]&ts=[TIMESTAMP]";
     EXPECT_THAT(document.at(document.cdata, "VAST/Ad/InLine/Impression"),
                 ElementsAre(ping + "impression" + query, ping + "impression-2" + query));
@@ -173,37 +173,37 @@ TEST_F(VAST, ADocumentHoldsWhatItsCampaignSays)
 
 TEST_F(VAST, PingsAreAnsweredAndNotedWithTheirQueryAsItIs)
 {
-    add(R"({"film": {"ads": [{"id": "one", "creatives": [{"id": "long", "duration": 8}]}]}})");
-    const auto document = fetch("/vast/film?tx=T1");
+    add(R"({"video": {"ads": [{"id": "one", "creatives": [{"id": "long", "duration": 8}]}]}})");
+    const auto document = fetch("/vast/video?tx=T1");
     const auto address = document.at(document.cdata, inlineTracking).at(1);
-    const auto answer = makeClient().Get(path(address));
-    ASSERT_TRUE(answer);
-    EXPECT_EQ(answer->status, 200);
-    EXPECT_EQ(answer->body, "");
-    const auto noted = server.exchanges().back();
-    EXPECT_EQ(noted.path, "/ping/film/one/long/start");
+    const auto response = makeClient().Get(path(address));
+    ASSERT_TRUE(response);
+    EXPECT_EQ(response->status, 200);
+    EXPECT_EQ(response->body, "");
+    const auto noted = server.requests().back();
+    EXPECT_EQ(noted.path, "/ping/video/one/long/start");
     EXPECT_EQ(noted.query, "tx=T1&cb=[CACHEBUSTING]&ts=[TIMESTAMP]");
     EXPECT_EQ(noted.queryItem("tx"), "T1");
 }
 
 TEST_F(VAST, WhatNobodyHasIsNotFound)
 {
-    add(R"({"film": {"ads": []}, "chain": {"steps": 2, "ads": [{"id": "w", "wraps": "/vast/film"}]}})");
-    EXPECT_TRUE(fetch("/vast/film").wellFormed);
+    add(R"({"video": {"ads": []}, "chain": {"steps": 2, "ads": [{"id": "w", "wraps": "/vast/video"}]}})");
+    EXPECT_TRUE(fetch("/vast/video").wellFormed);
     EXPECT_TRUE(fetch("/vast/chain/2").wellFormed);
     for (const auto* nowhere :
-         {"/vast/", "/vast/other", "/vast/film/2", "/vast/chain/3", "/vast/chain/0", "/vast/chain/x",
-          "/vast/chain/2/", "/ping/film", "/ping/other/a/start", "/ping//a"})
+         {"/vast/", "/vast/other", "/vast/video/2", "/vast/chain/3", "/vast/chain/0", "/vast/chain/x",
+          "/vast/chain/2/", "/ping/video", "/ping/other/a/start", "/ping//a"})
         EXPECT_EQ(status(nowhere), 404) << nowhere;
-    EXPECT_EQ(status("/vast/film?tx=" + std::string(300, 'x')), 400);
-    post("/vast/film", "{}", 405);
-    post("/ping/film/a/start", "{}", 405);
+    EXPECT_EQ(status("/vast/video?tx=" + std::string(300, 'x')), 400);
+    post("/vast/video", "{}", 405);
+    post("/ping/video/a/start", "{}", 405);
 }
 
 TEST_F(VAST, AChainNamesOneStepAfterAnotherAndHandsTheTransactionOn)
 {
-    add(R"({"film": {"ads": [{"id": "film"}]},
-            "chain": {"steps": 3, "ads": [{"id": "w{step}", "system": "Exchange {step}", "wraps": "/vast/film",
+    add(R"({"video": {"ads": [{"id": "video"}]},
+            "chain": {"steps": 3, "ads": [{"id": "w{step}", "system": "Exchange {step}", "wraps": "/vast/video",
                       "creatives": [{"sequence": 1, "events": ["start"]}]}]}})");
     std::string next = "/vast/chain?tx=T1";
     for (const std::string step : {"1", "2", "3"}) {
@@ -214,8 +214,8 @@ TEST_F(VAST, AChainNamesOneStepAfterAnotherAndHandsTheTransactionOn)
         EXPECT_TRUE(document.at(document.cdata, "VAST/Ad/Wrapper/AdTitle").empty());
         next = path(document.at(document.cdata, wrapped).at(0));
     }
-    EXPECT_EQ(next, "/vast/film?tx=T1&cb=[CACHEBUSTING]");
-    EXPECT_EQ(fetch(next).attributes.find("VAST/Ad")->second.at("id"), "film");
+    EXPECT_EQ(next, "/vast/video?tx=T1&cb=[CACHEBUSTING]");
+    EXPECT_EQ(fetch(next).attributes.find("VAST/Ad")->second.at("id"), "video");
 }
 
 TEST_F(VAST, OnlyDocumentsOfThisServerAreHandedTheTransaction)
@@ -226,10 +226,10 @@ TEST_F(VAST, OnlyDocumentsOfThisServerAreHandedTheTransaction)
                 ElementsAre("https://other.example/vast?x=1", server.baseURL() + "/campaigns/picture.jpg"));
 }
 
-TEST_F(ShippedVAST, EveryChainEndsInTheFilmAfterItsWrappers)
+TEST_F(ShippedVAST, EveryChainEndsInTheVideoAfterItsWrappers)
 {
     for (const auto& [placement, wrappers] : std::map<std::string, int>{
-             {"Film", 0}, {"FilmWrapped1", 1}, {"FilmWrapped3", 3}, {"FilmWrapped10", 10}}) {
+             {"Video", 0}, {"VideoWrapped1", 1}, {"VideoWrapped3", 3}, {"VideoWrapped10", 10}}) {
         auto document = fetch(documentOf(placement));
         int passed = 0;
         for (auto next = document.at(document.cdata, wrapped); !next.empty() && passed < 20; ++passed) {
@@ -239,41 +239,41 @@ TEST_F(ShippedVAST, EveryChainEndsInTheFilmAfterItsWrappers)
         EXPECT_EQ(passed, wrappers) << placement;
         EXPECT_EQ(document.at(document.cdata, inlineFile).size(), 3U) << placement;
     }
-    EXPECT_EQ(documentOf("Anywhere", "video").substr(0, 17), "/vast/helion-film");
-    EXPECT_EQ(advertisement("FilmOverPicture")["type"], "engagement");
-    EXPECT_THAT(documentOf("FilmOverPicture"), StartsWith("/vast/helion-film?tx="));
+    EXPECT_EQ(documentOf("Anywhere", "video").substr(0, 17), "/vast/helion-video");
+    EXPECT_EQ(advertisement("VideoOverImage")["type"], "engagement");
+    EXPECT_THAT(documentOf("VideoOverImage"), StartsWith("/vast/helion-video?tx="));
 }
 
 TEST_F(ShippedVAST, EveryClipIsThereAndComesInParts)
 {
-    for (const auto* placement : {"Film", "FilmQueue", "FilmWebM", "FilmBars", "FilmSlow"}) {
+    for (const auto* placement : {"Video", "VideoQueue", "VideoWebM", "VideoBars", "VideoSlow"}) {
         server.clearFaults();
         const auto document = fetch(documentOf(placement));
         const auto clips = document.at(document.cdata, inlineFile);
         EXPECT_FALSE(clips.empty()) << placement;
         for (const auto& clip : clips) {
-            const auto answer = makeClient().Get(path(clip), {{"Range", "bytes=4-11"}});
-            ASSERT_TRUE(answer);
-            EXPECT_EQ(answer->status, 206) << clip;
+            const auto response = makeClient().Get(path(clip), {{"Range", "bytes=4-11"}});
+            ASSERT_TRUE(response);
+            EXPECT_EQ(response->status, 206) << clip;
             const bool isWebM = clip.ends_with(".webm");
-            EXPECT_EQ(answer->get_header_value("Content-Type"), isWebM ? "video/webm" : "video/mp4");
-            EXPECT_EQ(answer->body.substr(0, 4) == "ftyp", !isWebM) << clip;
+            EXPECT_EQ(response->get_header_value("Content-Type"), isWebM ? "video/webm" : "video/mp4");
+            EXPECT_EQ(response->body.substr(0, 4) == "ftyp", !isWebM) << clip;
         }
     }
 }
 
 TEST_F(ShippedVAST, WhatIsMeantToFailFails)
 {
-    EXPECT_FALSE(fetch(documentOf("FilmBroken")).wellFormed);
-    const auto deadEnd = fetch(documentOf("FilmDeadEnd"));
+    EXPECT_FALSE(fetch(documentOf("VideoBroken")).wellFormed);
+    const auto deadEnd = fetch(documentOf("VideoDeadEnd"));
     EXPECT_EQ(status(path(deadEnd.at(deadEnd.cdata, wrapped).at(0))), 404);
-    const auto loop = fetch(documentOf("FilmLoop"));
-    EXPECT_THAT(path(loop.at(loop.cdata, wrapped).at(0)), StartsWith("/vast/film-loop?"));
-    const auto two = fetch(documentOf("FilmTwoWrappers"));
+    const auto loop = fetch(documentOf("VideoLoop"));
+    EXPECT_THAT(path(loop.at(loop.cdata, wrapped).at(0)), StartsWith("/vast/video-loop?"));
+    const auto two = fetch(documentOf("VideoTwoWrappers"));
     EXPECT_EQ(two.at(two.cdata, wrapped).size(), 2U);
-    const auto none = fetch(documentOf("FilmEmpty"));
+    const auto none = fetch(documentOf("VideoEmpty"));
     EXPECT_TRUE(none.wellFormed);
     EXPECT_EQ(none.attributes.count("VAST/Ad"), 0U);
-    const auto queue = fetch(documentOf("FilmQueue"));
+    const auto queue = fetch(documentOf("VideoQueue"));
     EXPECT_EQ(queue.attributes.count("VAST/Ad/InLine/Creatives/Creative"), 2U);
 }

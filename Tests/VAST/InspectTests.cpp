@@ -41,13 +41,13 @@ TEST_F(InspectTest, ShowsAChainMergedOrItsWrapperAsItStands)
         EXPECT_GT(report["documents"][1]["milliseconds"], 0);
     }
 
-    server.clearExchanges();
+    server.clearRequests();
     const ToolRun plain({"--no-merge", folder.path("a w.xml")});
     EXPECT_EQ(plain.exitStatus, 0);
     const json ad = json::parse(plain.output)["ads"][0];
     EXPECT_EQ(ad["class"], "VIRLOVASTWrapperAd");
     EXPECT_EQ(ad["VASTAdTagURL"], url("/end.xml"));
-    EXPECT_TRUE(server.exchanges().empty());
+    EXPECT_TRUE(server.requests().empty());
 }
 
 TEST_F(InspectTest, ReportsErrorsAndExitsWithOne)

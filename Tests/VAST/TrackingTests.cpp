@@ -128,8 +128,8 @@ TEST_F(TrackingServerTest, SendsItsPingsAndLetsThemFinishWhenItGoes)
     ASSERT_TRUE(URLSession::drain(Seconds(10)));
     ASSERT_EQ(asked("/ping"), 1U);
     // Nobody reads its answer to the end, so it is noted when the server has given up.
-    EXPECT_TRUE(server.waitForExchanges("GET", "/long", 1, 10s));
-    for (const auto& exchange : server.exchanges()) {
+    EXPECT_TRUE(server.waitForRequests("GET", "/long", 1, 10s));
+    for (const auto& exchange : server.requests()) {
         EXPECT_EQ(exchange.method, "GET");
         EXPECT_EQ(exchange.headers.at("accept"), "application/json");
         EXPECT_EQ(exchange.headers.at("content-type"), "application/json");

@@ -35,7 +35,7 @@ void VASTServer::serve(const std::string& path, const std::string& document)
 
 std::size_t VASTServer::asked(const std::string& path) const
 {
-    const auto all = server.exchanges();
+    const auto all = server.requests();
     return static_cast<std::size_t>(
         std::count_if(all.begin(), all.end(), [&](const auto& each) { return each.path == path; }));
 }

@@ -25,7 +25,7 @@ protected:
         serveClip("film", "helion-720p.mp4");
         serveClip("silent", "wildgrove-silent-720p.mp4");
         serveClip("slow", "wildgrove-silent-720p.mp4", {.bytesPerSecond = 60'000});
-        server().setFault({.path = "/clip/hung", .neverAnswers = true});
+        server().setFault({.path = "/clip/hung", .neverResponds = true});
         server().setFault({.path = "/clip/late", .delay = 200ms, .status = 404, .body = ""});
     }
 
@@ -112,7 +112,7 @@ TEST_F(ManyVideos, LeaveNothingBehind)
         for (int i = 0; i < rounds / 10; ++i)
             showAndLeave();
         after = footprint();
-        server().clearExchanges();
+        server().clearRequests();
         looks.push_back(after.kibibytes);
     }
     const auto middle = looks.begin() + 5;

@@ -152,7 +152,7 @@ VideoTest::Pings VideoTest::pings()
     EXPECT_TRUE(URLSession::drain(Seconds(10)));
     settleAll();
     Pings result;
-    for (const auto& exchange : server().exchanges()) {
+    for (const auto& exchange : server().requests()) {
         constexpr std::string_view root = "/ping/";
         if (!exchange.path.starts_with(root))
             continue;
@@ -160,7 +160,7 @@ VideoTest::Pings VideoTest::pings()
         std::replace(ping.begin(), ping.end(), '/', ' ');
         result.push_back(std::move(ping));
     }
-    server().clearExchanges();
+    server().clearRequests();
     std::sort(result.begin(), result.end());
     return result;
 }

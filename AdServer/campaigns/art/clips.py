@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes the clips of the campaigns beside this folder: films and colour bars, nothing in them but what the code here draws.
+"""Makes the clips of the campaigns beside this folder: videos and colour bars, nothing in them but what the code here draws.
 
     /usr/bin/python3 clips.py [NAME…]      all of them, or those of "helion", "wildgrove" and "bars"
 
@@ -17,8 +17,8 @@ sys.dont_write_bytecode = True
 import numpy as np
 from PIL import Image
 
-import helion_film
-from film import HEIGHT, RATE, WIDTH, ease, moved
+import helion_video
+from video import HEIGHT, RATE, WIDTH, ease, moved
 
 CLIPS = Path(__file__).resolve().parent.parent / "clips"
 PICTURES = CLIPS.parent / "images"
@@ -28,7 +28,7 @@ BAR_SECONDS = 4
 BARS = [(191 * red, 191 * green, 191 * blue) for green in (1, 0) for red in (1, 0) for blue in (1, 0)]
 
 # A key frame every two seconds lets players seek, the index in front lets them begin before the end has come.
-# Three pictures to refer to, as broadcasters have it: a decoder keeps as many for each that it shows.
+# Three images to refer to, as broadcasters have it: a decoder keeps as many for each that it shows.
 H264 = ["-c:v", "libx264", "-preset", "veryslow", "-refs", "3", "-bf", "2", "-profile:v", "high", "-g", "60", "-movflags", "+faststart"]
 AAC = ["-c:a", "aac", "-b:a", "80k"]
 VP9 = ["-c:v", "libvpx-vp9", "-b:v", "0", "-deadline", "good", "-cpu-used", "1", "-row-mt", "1", "-g", "60"]
@@ -73,8 +73,8 @@ def write_sound(path, channels):
 def helion(folder):
     """Drawn once without loss, then made into each of its clips."""
     master, sound = folder / "helion.mkv", folder / "helion.wav"
-    write_sound(sound, helion_film.sound(SOUND_RATE))
-    ffmpeg(*raw(WIDTH, HEIGHT, "rgb24"), "-c:v", "libx264rgb", "-qp", "0", "-preset", "ultrafast", master, frames=helion_film.frames())
+    write_sound(sound, helion_video.sound(SOUND_RATE))
+    ffmpeg(*raw(WIDTH, HEIGHT, "rgb24"), "-c:v", "libx264rgb", "-qp", "0", "-preset", "ultrafast", master, frames=helion_video.frames())
     for name, height, codecs in (
         ("helion-1080p.mp4", 1080, [*H264, "-crf", 32, *AAC]),
         ("helion-720p.mp4", 720, [*H264, "-crf", 31, *AAC]),
@@ -85,11 +85,11 @@ def helion(folder):
 
 
 def wildgrove_frames():
-    picture = Image.open(PICTURES / "wildgrove.jpg").convert("RGB")
+    canvas = Image.open(PICTURES / "wildgrove.jpg").convert("RGB")
     count = BAR_SECONDS * RATE
     for number in range(count):
         t = number / RATE
-        frame = np.asarray(moved(picture, zoom=1 + 0.015 * t, centre=(560, 440)), np.float32)
+        frame = np.asarray(moved(canvas, zoom=1 + 0.015 * t, centre=(560, 440)), np.float32)
         yield (frame * ease(t, -0.1, 0.4) * (1 - ease(t, BAR_SECONDS - 0.3, BAR_SECONDS))).astype(np.uint8)
 
 

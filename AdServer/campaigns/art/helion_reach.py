@@ -7,32 +7,32 @@ TILT = -0.34
 SUN = np.array([-0.72, -0.5, 0.34])
 
 
-def stars(picture):
+def stars(canvas):
     random = np.random.default_rng(6)
     for size, count, strength in ((0.55, 1500, 0.65), (0.9, 420, 0.9), (1.6, 70, 1.2)):
-        field = np.zeros(picture.shape)
-        field[random.integers(0, picture.height, count), random.integers(0, picture.width, count)] = random.uniform(0.3, 1, count)
+        field = np.zeros(canvas.shape)
+        field[random.integers(0, canvas.height, count), random.integers(0, canvas.width, count)] = random.uniform(0.3, 1, count)
         field = ndimage.gaussian_filter(field, size) * size * size * 7 * strength
-        picture.blend(random.choice(("#cfe0ff", "#ffffff", "#ffe9cf")), field, "add")
+        canvas.blend(random.choice(("#cfe0ff", "#ffffff", "#ffe9cf")), field, "add")
     for x, y, size in ((820, 130, 60), (1760, 210, 46), (610, 860, 34), (1090, 70, 30)):
-        picture.glow(x, y, size, "#cfe2ff", 0.8, 5)
-        picture.blend("#dbe8ff", np.exp(-np.abs(picture.x - x) / (size * 0.3)) * np.exp(-np.abs(picture.y - y) / 1.1) * 0.9, "add")
-        picture.blend("#dbe8ff", np.exp(-np.abs(picture.y - y) / (size * 0.3)) * np.exp(-np.abs(picture.x - x) / 1.1) * 0.9, "add")
+        canvas.glow(x, y, size, "#cfe2ff", 0.8, 5)
+        canvas.blend("#dbe8ff", np.exp(-np.abs(canvas.x - x) / (size * 0.3)) * np.exp(-np.abs(canvas.y - y) / 1.1) * 0.9, "add")
+        canvas.blend("#dbe8ff", np.exp(-np.abs(canvas.y - y) / (size * 0.3)) * np.exp(-np.abs(canvas.x - x) / 1.1) * 0.9, "add")
 
 
-def nebula(picture):
-    drift = fractal(picture.shape, 520, 3, octaves=5) - 0.5
-    along = (picture.x * 0.42 + picture.y) / 1080 - 0.92 + drift * 0.55
+def nebula(canvas):
+    drift = fractal(canvas.shape, 520, 3, octaves=5) - 0.5
+    along = (canvas.x * 0.42 + canvas.y) / 1080 - 0.92 + drift * 0.55
     band = np.exp(-((along / 0.34) ** 2))
-    dust = fractal(picture.shape, 330, 17, octaves=8, gain=0.56)
-    picture.blend("#3d2a8f", band * smooth(dust, 0.25, 0.9) * 0.75, "screen")
-    picture.blend("#c2418c", band**2 * smooth(fractal(picture.shape, 260, 23, octaves=7), 0.52, 1) * 0.55, "screen")
-    picture.blend("#2aa6c9", np.exp(-(((along + 0.3) / 0.2) ** 2)) * smooth(dust, 0.5, 1) * 0.45, "screen")
-    picture.blend("#03040f", band * smooth(fractal(picture.shape, 210, 29, octaves=8), 0.6, 0.95) * 0.7)
+    dust = fractal(canvas.shape, 330, 17, octaves=8, gain=0.56)
+    canvas.blend("#3d2a8f", band * smooth(dust, 0.25, 0.9) * 0.75, "screen")
+    canvas.blend("#c2418c", band**2 * smooth(fractal(canvas.shape, 260, 23, octaves=7), 0.52, 1) * 0.55, "screen")
+    canvas.blend("#2aa6c9", np.exp(-(((along + 0.3) / 0.2) ** 2)) * smooth(dust, 0.5, 1) * 0.45, "screen")
+    canvas.blend("#03040f", band * smooth(fractal(canvas.shape, 210, 29, octaves=8), 0.6, 0.95) * 0.7)
 
 
-def planet(picture):
-    x, y = (picture.x - PLANET_X) / PLANET, (picture.y - PLANET_Y) / PLANET
+def planet(canvas):
+    x, y = (canvas.x - PLANET_X) / PLANET, (canvas.y - PLANET_Y) / PLANET
     reach = np.hypot(x, y)
     disc = np.clip((1 - reach) * PLANET + 0.5, 0, 1)
     z = np.sqrt(np.clip(1 - reach**2, 0, 1))
@@ -40,13 +40,13 @@ def planet(picture):
     sunlit = x * light[0] + y * light[1] + z * light[2]
     # Bands follow latitude on a tilted globe, stirred by noise.
     latitude = y * math.cos(TILT) - x * math.sin(TILT)
-    stir = fractal(picture.shape, 240, 51, octaves=6, stretch=(2.6, 0.5)) - 0.5
+    stir = fractal(canvas.shape, 240, 51, octaves=6, stretch=(2.6, 0.5)) - 0.5
     place = latitude * (1.1 - 0.25 * z) + stir * 0.16
-    bands = np.zeros(picture.shape + (3,))
+    bands = np.zeros(canvas.shape + (3,))
     stops = [(-1.2, "#7d4a3a"), (-0.7, "#d59a62"), (-0.5, "#8e4a3c"), (-0.3, "#f0c48c"), (-0.12, "#c87a4a"), (0.02, "#ffe2b0"), (0.14, "#b5623f"), (0.36, "#e5ab70"), (0.52, "#7b3f3a"), (0.8, "#c98a5e"), (1.2, "#5d3430")]
     for channel in range(3):
         bands[..., channel] = np.interp(place, [p for p, _ in stops], [rgb(c)[channel] for _, c in stops])
-    fine = fractal(picture.shape, 70, 52, octaves=6, stretch=(3.4, 0.35))
+    fine = fractal(canvas.shape, 70, 52, octaves=6, stretch=(3.4, 0.35))
     bands *= (0.82 + 0.36 * fine)[..., None]
     shade = smooth(sunlit, -0.12, 0.75) ** 1.15
     bands = bands * shade[..., None] + np.array(rgb("#0a0a1f")) * (1 - shade[..., None]) * 0.9
@@ -56,14 +56,14 @@ def planet(picture):
     rim = smooth(reach, 0.82, 1.0) * smooth(sunlit, -0.1, 0.5)
     bands += rim[..., None] * np.array(rgb("#7fb4ff")) * 0.6
     halo = np.clip(1 - (reach - 1) / 0.16, 0, 1) ** 3 * (reach > 1) * smooth(x * light[0] + y * light[1], -0.1, 0.9)
-    picture.blend("#6ea6ff", halo * 0.65, "screen")
-    picture.blend(bands, disc)
+    canvas.blend("#6ea6ff", halo * 0.65, "screen")
+    canvas.blend(bands, disc)
 
 
-def ring(picture, front):
+def ring(canvas, front):
     turn = math.radians(-19)
-    u = ((picture.x - PLANET_X) * math.cos(turn) + (picture.y - PLANET_Y) * math.sin(turn)) / PLANET
-    v = (-(picture.x - PLANET_X) * math.sin(turn) + (picture.y - PLANET_Y) * math.cos(turn)) / PLANET / 0.2
+    u = ((canvas.x - PLANET_X) * math.cos(turn) + (canvas.y - PLANET_Y) * math.sin(turn)) / PLANET
+    v = (-(canvas.x - PLANET_X) * math.sin(turn) + (canvas.y - PLANET_Y) * math.cos(turn)) / PLANET / 0.2
     reach = np.hypot(u, v)
     random = np.random.default_rng(8)
     marks = np.linspace(1.3, 2.2, 140)
@@ -76,7 +76,7 @@ def ring(picture, front):
     # The globe's shadow falls on the part of the ring that lies behind it, away from the sun.
     dark = np.exp(-(((u - 1.05 - 0.12 * v) / 0.5) ** 4)) * (v <= 0)
     colour = np.array(rgb("#f1d3a6")) * (0.75 + 0.35 * density[..., None]) * (1 - 0.85 * dark[..., None])
-    picture.blend(colour, density * half * 0.82)
+    canvas.blend(colour, density * half * 0.82)
 
 
 def ship(context, length):
@@ -104,7 +104,7 @@ HEADING = -0.2
 SHIPS = [(1190, 412, 290), (1010, 590, 140), (1290, 232, 120), (1105, 690, 84), (1075, 250, 80), (1480, 322, 66)]
 
 
-def fleet(picture, ships=SHIPS):
+def fleet(canvas, ships=SHIPS):
     for x, y, length in ships[::-1]:
         turn = HEADING
         def trail(context):
@@ -119,13 +119,13 @@ def fleet(picture, ships=SHIPS):
             context.rotate(turn)
             ship(context, length)
 
-        picture.draw(trail, blur=length * 0.035, how="add")
-        picture.draw(craft)
+        canvas.draw(trail, blur=length * 0.035, how="add")
+        canvas.draw(craft)
         ex, ey = x - length * 1.02 * math.cos(turn), y - length * 1.02 * math.sin(turn) - 0.03 * length
-        picture.glow(ex, ey, length * 0.42, "#7fd8ff", 0.95, 3)
+        canvas.glow(ex, ey, length * 0.42, "#7fd8ff", 0.95, 3)
 
 
-def chart(picture):
+def chart(canvas):
     """The lines of a star map, faint, as the game draws them."""
 
     def lines(context):
@@ -153,27 +153,27 @@ def chart(picture):
                     context.line_to(cx, cy - down * arm)
             context.stroke()
 
-    picture.draw(lines, how="add")
+    canvas.draw(lines, how="add")
 
 
 def make():
-    picture = Picture(colour="#050716")
-    picture.gradient([(0, "#04050f"), (0.5, "#0a0d28"), (1, "#0c0820")], 60)
-    nebula(picture)
-    stars(picture)
-    ring(picture, False)
-    planet(picture)
-    ring(picture, True)
+    canvas = Canvas(colour="#050716")
+    canvas.gradient([(0, "#04050f"), (0.5, "#0a0d28"), (1, "#0c0820")], 60)
+    nebula(canvas)
+    stars(canvas)
+    ring(canvas, False)
+    planet(canvas)
+    ring(canvas, True)
     sun_x, sun_y = PLANET_X + SUN[0] * PLANET * 1.06, PLANET_Y + SUN[1] * PLANET * 1.5 + 62
-    picture.glow(sun_x, sun_y, 420, "#ffb36b", 0.35, 2.4)
-    chart(picture)
-    fleet(picture)
-    picture.blend("#04061a", (1 - smooth(picture.x, 240, 1000)) * 0.7)
-    picture.vignette(0.35, 0.6, 0.5).grain(0.01)
+    canvas.glow(sun_x, sun_y, 420, "#ffb36b", 0.35, 2.4)
+    chart(canvas)
+    fleet(canvas)
+    canvas.blend("#04061a", (1 - smooth(canvas.x, 240, 1000)) * 0.7)
+    canvas.vignette(0.35, 0.6, 0.5).grain(0.01)
 
     shadow = ("#01020a", 18, 4, 0.85)
-    write(picture, 122, 170, "THE STRATEGY EPIC", "Jura SemiBold", 34, "#8fdcff", tracking=260, shadow=shadow)
-    write(picture, 118, 268, "HELION", "League Spartan ExtraBold", 176, ["#ffffff", "#bcd6ff"], tracking=40, shadow=shadow)
-    write(picture, 118, 438, "REACH", "League Spartan ExtraBold", 176, ["#bfe9ff", "#5aa8ff"], tracking=40, shadow=shadow)
-    write(picture, 122, 640, "Command the last fleet home.", "Lato Bold", 46, "#ffffff", shadow=shadow)
-    return picture
+    write(canvas, 122, 170, "THE STRATEGY EPIC", "Jura SemiBold", 34, "#8fdcff", tracking=260, shadow=shadow)
+    write(canvas, 118, 268, "HELION", "League Spartan ExtraBold", 176, ["#ffffff", "#bcd6ff"], tracking=40, shadow=shadow)
+    write(canvas, 118, 438, "REACH", "League Spartan ExtraBold", 176, ["#bfe9ff", "#5aa8ff"], tracking=40, shadow=shadow)
+    write(canvas, 122, 640, "Command the last fleet home.", "Lato Bold", 46, "#ffffff", shadow=shadow)
+    return canvas

@@ -1,4 +1,4 @@
-"""Square pictures of twelve made-up products, one sign on one ground each, for grids and lists."""
+"""Square images of twelve made-up products, one sign on one ground each, for grids and lists."""
 
 from studio import *
 
@@ -6,28 +6,28 @@ SIZE = 512
 
 
 def ground(top, bottom, glow=None):
-    picture = Picture(SIZE, SIZE)
-    picture.gradient([(0, top), (1, bottom)], 62)
+    canvas = Canvas(SIZE, SIZE)
+    canvas.gradient([(0, top), (1, bottom)], 62)
     if glow:
-        picture.glow(170, 120, 460, glow, 0.55, 1.8)
-    return picture
+        canvas.glow(170, 120, 460, glow, 0.55, 1.8)
+    return canvas
 
 
-def sign(picture, work, shadow=0.55):
+def sign(canvas, work, shadow=0.55):
     """Draws a sign with its soft shadow."""
 
     def cast(context):
         context.translate(6, 14)
         work(context, "#000000")
 
-    picture.draw(cast, blur=13, opacity=shadow)
-    picture.draw(lambda context: work(context, None))
-    return picture.grain(0.006)
+    canvas.draw(cast, blur=13, opacity=shadow)
+    canvas.draw(lambda context: work(context, None))
+    return canvas.grain(0.006)
 
 
 def summit_fury():
-    picture = ground("#4a1b6b", "#ff7a3c", "#ffb56b")
-    picture.draw(lambda c: (ellipse(c, 330, 178, 74, 74), paint(c, "#fff0c4")))
+    canvas = ground("#4a1b6b", "#ff7a3c", "#ffb56b")
+    canvas.draw(lambda c: (ellipse(c, 330, 178, 74, 74), paint(c, "#fff0c4")))
 
     def work(context, flat):
         for points, light, dark in (
@@ -43,15 +43,15 @@ def summit_fury():
         context.set_source_rgb(*rgb(flat or "#ff6a3c"))
         context.stroke()
 
-    return sign(picture, work, 0.3)
+    return sign(canvas, work, 0.3)
 
 
 def helion_reach():
-    picture = ground("#070a26", "#2a1a6b", "#4a5cff")
+    canvas = ground("#070a26", "#2a1a6b", "#4a5cff")
     random = np.random.default_rng(5)
-    field = np.zeros(picture.shape)
+    field = np.zeros(canvas.shape)
     field[random.integers(0, SIZE, 90), random.integers(0, SIZE, 90)] = 1
-    picture.blend("#ffffff", ndimage.gaussian_filter(field, 1) * 5, "add")
+    canvas.blend("#ffffff", ndimage.gaussian_filter(field, 1) * 5, "add")
 
     def ring(context, flat, begin, end):
         context.save()
@@ -71,11 +71,11 @@ def helion_reach():
         paint(context, flat or radial(256, 262, 140, (0, "#ffdca0"), (0.55, "#e08a4a"), (1, "#5a2440"), fx=205, fy=205))
         ring(context, flat, 0, math.pi)
 
-    return sign(picture, work)
+    return sign(canvas, work)
 
 
 def lantern_isles():
-    picture = ground("#221a5c", "#e0607a", "#ff9a6a").glow(256, 260, 250, "#ffc45a", 0.9, 2)
+    canvas = ground("#221a5c", "#e0607a", "#ff9a6a").glow(256, 260, 250, "#ffc45a", 0.9, 2)
 
     def work(context, flat):
         context.arc(256, 128, 46, math.pi, 2 * math.pi)
@@ -94,11 +94,11 @@ def lantern_isles():
             context.set_source_rgba(*rgb(flat or "#7a2f1a"), 0.6)
             context.stroke()
 
-    return sign(picture, work, 0.4)
+    return sign(canvas, work, 0.4)
 
 
 def saffron_salt():
-    picture = ground("#1f5a52", "#0c2725", "#4a9a84")
+    canvas = ground("#1f5a52", "#0c2725", "#4a9a84")
 
     def work(context, flat):
         context.set_line_width(13)
@@ -123,11 +123,11 @@ def saffron_salt():
             context.set_source_rgb(*rgb(flat or "#e5573f"))
             context.stroke()
 
-    return sign(picture, work)
+    return sign(canvas, work)
 
 
 def wildgrove():
-    picture = ground("#1c6a44", "#0b3428", "#5fb070")
+    canvas = ground("#1c6a44", "#0b3428", "#5fb070")
 
     def work(context, flat):
         context.translate(256, 250)
@@ -143,11 +143,11 @@ def wildgrove():
         ellipse(context, 0, 0, 56, 56)
         paint(context, flat or radial(0, 0, 56, (0, "#ffe58a"), (1, "#e59a1c")))
 
-    return sign(picture, work)
+    return sign(canvas, work)
 
 
 def starlite():
-    picture = ground("#12104a", "#7a1f7a", "#ff5aa8")
+    canvas = ground("#12104a", "#7a1f7a", "#ff5aa8")
 
     def star(context):
         polygon(context, [(256 + r * math.sin(i * math.pi / 5), 262 - r * math.cos(i * math.pi / 5)) for i, r in enumerate([178, 78] * 5)])
@@ -159,8 +159,8 @@ def starlite():
         context.stroke()
 
     for blur in (34, 12):
-        picture.draw(tube, blur=blur, how="screen")
-    picture.draw(tube)
+        canvas.draw(tube, blur=blur, how="screen")
+    canvas.draw(tube)
 
     def core(context):
         star(context)
@@ -168,11 +168,11 @@ def starlite():
         context.set_source_rgb(*rgb("#fff0f8"))
         context.stroke()
 
-    return picture.draw(core).grain(0.006)
+    return canvas.draw(core).grain(0.006)
 
 
 def nordlys():
-    picture = ground("#7fb4ea", "#eef6ff", "#ffffff")
+    canvas = ground("#7fb4ea", "#eef6ff", "#ffffff")
 
     def work(context, flat):
         polygon(context, [(36, 420), (200, 150), (290, 290), (346, 214), (476, 420)])
@@ -187,11 +187,11 @@ def nordlys():
         rounded(context, -20, 420, 560, 140, 20)
         paint(context, flat or "#fbfdff")
 
-    return sign(picture, work, 0.2)
+    return sign(canvas, work, 0.2)
 
 
 def tidemark():
-    picture = ground("#10c0c8", "#0a4a9a", "#a0fff0")
+    canvas = ground("#10c0c8", "#0a4a9a", "#a0fff0")
 
     def work(context, flat):
         for base, light, dark in ((250, "#e8fffb", "#7fe0ea"), (320, "#7fd8f0", "#2a8fd0"), (392, "#2f8fd8", "#0b3f8a")):
@@ -200,11 +200,11 @@ def tidemark():
             polygon(context, [(-20, 600)] + crest + [(540, 600)])
             paint(context, flat or linear(0, base - 66, 0, base + 150, (0, light), (1, dark)))
 
-    return sign(picture, work, 0.35)
+    return sign(canvas, work, 0.35)
 
 
 def pocket_gambit():
-    picture = ground("#8a5a34", "#2f1a10", "#e0a868")
+    canvas = ground("#8a5a34", "#2f1a10", "#e0a868")
 
     def work(context, flat):
         rook = [(150, 412), (150, 384), (176, 372), (190, 226), (162, 206), (162, 120), (200, 120), (200, 152), (236, 152), (236, 120), (276, 120), (276, 152), (312, 152), (312, 120), (350, 120), (350, 206), (322, 226), (336, 372), (362, 384), (362, 412)]
@@ -216,11 +216,11 @@ def pocket_gambit():
             rounded(context, 178, 224, 156, 12, 6)
             paint(context, "#a8763c")
 
-    return sign(picture, work)
+    return sign(canvas, work)
 
 
 def morrow():
-    picture = ground("#1a1450", "#4a3aa0", "#8a7aff")
+    canvas = ground("#1a1450", "#4a3aa0", "#8a7aff")
 
     def work(context, flat):
         ellipse(context, 240, 266, 152, 152)
@@ -236,11 +236,11 @@ def morrow():
                 context.curve_to(x, y, x, y, x + size * math.cos(a), y + size * math.sin(a))
             paint(context, flat or "#ffffff")
 
-    return sign(picture, work)
+    return sign(canvas, work)
 
 
 def cadenza():
-    picture = ground("#e8443a", "#6a0f2a", "#ffb08a")
+    canvas = ground("#e8443a", "#6a0f2a", "#ffb08a")
 
     def work(context, flat):
         for key in range(5):
@@ -250,11 +250,11 @@ def cadenza():
             rounded(context, 129 + key * 71, 122, 42, 158, 9)
             paint(context, flat or linear(0, 122, 0, 280, (0, "#3a2030"), (1, "#0e060c")))
 
-    return sign(picture, work)
+    return sign(canvas, work)
 
 
 def paper_fleet():
-    picture = ground("#ffcf5a", "#f0763a", "#fff6c8")
+    canvas = ground("#ffcf5a", "#f0763a", "#fff6c8")
 
     def work(context, flat):
         polygon(context, [(256, 96), (150, 276), (256, 276)])
@@ -266,7 +266,7 @@ def paper_fleet():
         polygon(context, [(186, 290), (256, 276), (326, 290), (256, 404)])
         paint(context, flat or "#dbe6f2")
 
-    return sign(picture, work, 0.4)
+    return sign(canvas, work, 0.4)
 
 
 ALL = (summit_fury, helion_reach, lantern_isles, saffron_salt, wildgrove, starlite, nordlys, tidemark, pocket_gambit, morrow, cadenza, paper_fleet)

@@ -11,7 +11,7 @@ HOURS = {
 }
 
 
-def isle(picture, x, y, wide, tall, colour, dark, seed, lanterns=0):
+def isle(canvas, x, y, wide, tall, colour, dark, seed, lanterns=0):
     """A rock with trees that stands in the sea; (x, y) is the middle of its waterline."""
     random = np.random.default_rng(seed)
     points = [(x - wide / 2, y)]
@@ -37,15 +37,15 @@ def isle(picture, x, y, wide, tall, colour, dark, seed, lanterns=0):
                 ellipse(context, tx + dx * size, ty + dy * size, r * size, r * size * 0.82)
                 paint(context, radial(tx + dx * size, ty + dy * size, r * size, (0, mix(colour, "#fff6cf", 0.22)), (1, mix(colour, dark, 0.55)), fx=tx + (dx - 0.15) * size, fy=ty + (dy - 0.2) * size))
 
-    picture.draw(rock).draw(trees)
+    canvas.draw(rock).draw(trees)
     for _ in range(lanterns):
         share = random.uniform(0.15, 0.85)
         lx = x - wide / 2 + wide * share
-        lantern(picture, lx, np.interp(lx, [p[0] for p in points], [p[1] for p in points]) - tall * 0.06, max(7, tall * 0.07))
+        lantern(canvas, lx, np.interp(lx, [p[0] for p in points], [p[1] for p in points]) - tall * 0.06, max(7, tall * 0.07))
 
 
-def lantern(picture, x, y, size):
-    picture.glow(x, y, size * 6.5, "#ffb347", 0.75, 2.6)
+def lantern(canvas, x, y, size):
+    canvas.glow(x, y, size * 6.5, "#ffb347", 0.75, 2.6)
 
     def glass(context):
         spline(context, [(x - size * 0.5, y - size * 0.6), (x + size * 0.5, y - size * 0.6), (x + size * 0.72, y), (x + size * 0.45, y + size * 0.75), (x - size * 0.45, y + size * 0.75), (x - size * 0.72, y)], True)
@@ -54,10 +54,10 @@ def lantern(picture, x, y, size):
             rounded(context, x - size * 0.5, y + top * size, size, size * 0.2, size * 0.08)
             paint(context, "#5b2a1a")
 
-    picture.draw(glass)
+    canvas.draw(glass)
 
 
-def boat(picture, x, y, size, dark, sail):
+def boat(canvas, x, y, size, dark, sail):
     def craft(context):
         context.translate(x, y)
         context.scale(size / 100, size / 100)
@@ -77,45 +77,45 @@ def boat(picture, x, y, size, dark, sail):
         context.set_source_rgb(*rgb("#e8b46a"))
         context.stroke()
 
-    picture.draw(craft)
-    lantern(picture, x + 0.84 * size, y - 0.36 * size, size * 0.1)
+    canvas.draw(craft)
+    lantern(canvas, x + 0.84 * size, y - 0.36 * size, size * 0.1)
 
 
 def scene(width, height, hour, seed, boat_at=0.3, isles=5, lanterns=2):
     tone = HOURS[hour]
     random = np.random.default_rng(seed)
-    picture = Picture(width, height)
+    canvas = Canvas(width, height)
     horizon = height * 0.6
-    picture.gradient([(p / 0.62 * 0.6, c) for p, c in tone["sky"]] + [(1, tone["sky"][-1][1])])
+    canvas.gradient([(p / 0.62 * 0.6, c) for p, c in tone["sky"]] + [(1, tone["sky"][-1][1])])
     dark_hours = hour in ("night", "aurora")
     if dark_hours:
-        field = np.zeros(picture.shape)
+        field = np.zeros(canvas.shape)
         count = width * height // 3600
         field[random.integers(0, int(horizon), count), random.integers(0, width, count)] = random.uniform(0.3, 1, count)
-        picture.blend("#ffffff", ndimage.gaussian_filter(field, 0.8) * 4, "add")
+        canvas.blend("#ffffff", ndimage.gaussian_filter(field, 0.8) * 4, "add")
     if hour == "aurora":
         for base, colour in ((0.16, "#3effb0"), (0.27, "#41d0ff"), (0.08, "#a27bff")):
-            wave = fractal(picture.shape, height * 0.55, seed + int(base * 100), octaves=4, stretch=(1.5, 4))
-            curtain = np.exp(-(((picture.y / height - base - 0.12 * np.sin(picture.x / width * 7 + base * 30)) / 0.12) ** 2))
-            picture.blend(colour, curtain * smooth(wave, 0.3, 0.9) * 0.6, "screen")
+            wave = fractal(canvas.shape, height * 0.55, seed + int(base * 100), octaves=4, stretch=(1.5, 4))
+            curtain = np.exp(-(((canvas.y / height - base - 0.12 * np.sin(canvas.x / width * 7 + base * 30)) / 0.12) ** 2))
+            canvas.blend(colour, curtain * smooth(wave, 0.3, 0.9) * 0.6, "screen")
     sx, sy = tone["disc"][0] * width, tone["disc"][1] * height
-    clouds = fractal(picture.shape, height * 0.34, seed + 3, octaves=7, stretch=(2.8, 0.7))
-    picture.blend(tone["light"], smooth(clouds, 0.55, 1) * (1 - smooth(picture.y / height, 0.3, 0.56)) * (0.2 if dark_hours else 0.6), "screen")
-    picture.glow(sx, sy, height * 0.95, tone["glow"], 0.7, 2.2)
+    clouds = fractal(canvas.shape, height * 0.34, seed + 3, octaves=7, stretch=(2.8, 0.7))
+    canvas.blend(tone["light"], smooth(clouds, 0.55, 1) * (1 - smooth(canvas.y / height, 0.3, 0.56)) * (0.2 if dark_hours else 0.6), "screen")
+    canvas.glow(sx, sy, height * 0.95, tone["glow"], 0.7, 2.2)
     radius = height * (0.075 if hour != "dusk" else 0.12)
-    picture.draw(lambda c: (ellipse(c, sx, sy, radius, radius), paint(c, tone["light"])), blur=0.8)
+    canvas.draw(lambda c: (ellipse(c, sx, sy, radius, radius), paint(c, tone["light"])), blur=0.8)
     line = ridge(width, horizon + 4, height * 0.15, 0.5, seed + 9, 8)
-    picture.mountains(line, mix(tone["land"], tone["sky"][-1][1], 0.55), tone["sky"][-1][1], height * 0.16)
+    canvas.mountains(line, mix(tone["land"], tone["sky"][-1][1], 0.55), tone["sky"][-1][1], height * 0.16)
 
-    surface = picture.y >= horizon
-    depth = np.clip((picture.y - horizon) / (height - horizon), 0, 1)
+    surface = canvas.y >= horizon
+    depth = np.clip((canvas.y - horizon) / (height - horizon), 0, 1)
     sea = np.array(rgb(tone["sea"][0])) * (1 - depth[..., None]) + np.array(rgb(tone["sea"][1])) * depth[..., None]
-    picture.blend(sea, surface.astype(float))
-    waves = fractal(picture.shape, height * 0.08, seed + 5, octaves=6, stretch=(5, 0.42))
-    picture.blend(tone["light"], surface * smooth(waves, 0.62, 0.98) * (0.16 + 0.22 * depth), "screen")
-    picture.blend(tone["sea"][1], surface * smooth(1 - waves, 0.6, 1) * 0.35)
-    path = np.exp(-(((picture.x - sx) / (width * (0.03 + 0.11 * depth))) ** 2))
-    picture.blend(tone["light"], surface * path * smooth(waves, 0.45, 0.8) * 0.75, "screen")
+    canvas.blend(sea, surface.astype(float))
+    waves = fractal(canvas.shape, height * 0.08, seed + 5, octaves=6, stretch=(5, 0.42))
+    canvas.blend(tone["light"], surface * smooth(waves, 0.62, 0.98) * (0.16 + 0.22 * depth), "screen")
+    canvas.blend(tone["sea"][1], surface * smooth(1 - waves, 0.6, 1) * 0.35)
+    path = np.exp(-(((canvas.x - sx) / (width * (0.03 + 0.11 * depth))) ** 2))
+    canvas.blend(tone["light"], surface * path * smooth(waves, 0.45, 0.8) * 0.75, "screen")
 
     places = np.linspace(0.06, 0.94, isles) + random.uniform(-0.05, 0.05, isles)
     nearness = [0.03 if abs(place - boat_at) < 0.13 else random.uniform(0.05, 0.38) for place in places]
@@ -125,19 +125,19 @@ def scene(width, height, hour, seed, boat_at=0.3, isles=5, lanterns=2):
         wide = height * (0.28 + 0.85 * near) * random.uniform(0.9, 1.25)
         tall = wide * random.uniform(0.42, 0.66)
         shade = np.clip(near * 2.4, 0, 1)
-        picture.blend(tone["near"], np.exp(-(((picture.x - places[i] * width) / (wide * 0.5)) ** 2)) * np.exp(-np.abs(picture.y - y) / (tall * 0.28)) * surface * 0.42)
-        isle(picture, places[i] * width, y, wide, tall, mix(mix(tone["land"], tone["sky"][-1][1], 0.35), tone["land"], shade), mix(tone["land"], tone["near"], 0.4 + 0.6 * shade), seed + 20 + int(i), lanterns if near > 0.1 else 0)
+        canvas.blend(tone["near"], np.exp(-(((canvas.x - places[i] * width) / (wide * 0.5)) ** 2)) * np.exp(-np.abs(canvas.y - y) / (tall * 0.28)) * surface * 0.42)
+        isle(canvas, places[i] * width, y, wide, tall, mix(mix(tone["land"], tone["sky"][-1][1], 0.35), tone["land"], shade), mix(tone["land"], tone["near"], 0.4 + 0.6 * shade), seed + 20 + int(i), lanterns if near > 0.1 else 0)
     by = horizon + (height - horizon) * 0.52
-    picture.blend(tone["near"], np.exp(-(((picture.x - boat_at * width) / (height * 0.16)) ** 2)) * np.exp(-np.abs(picture.y - by - height * 0.03) / (height * 0.05)) * 0.5)
-    boat(picture, boat_at * width, by, height * 0.2, tone["near"], "#fff0d8" if hour != "noon" else "#ff8f6b")
+    canvas.blend(tone["near"], np.exp(-(((canvas.x - boat_at * width) / (height * 0.16)) ** 2)) * np.exp(-np.abs(canvas.y - by - height * 0.03) / (height * 0.05)) * 0.5)
+    boat(canvas, boat_at * width, by, height * 0.2, tone["near"], "#fff0d8" if hour != "noon" else "#ff8f6b")
     for _ in range(lanterns * 3):
-        lantern(picture, random.uniform(0.05, 0.95) * width, random.uniform(0.1, 0.5) * height, height * random.uniform(0.012, 0.024))
-    return picture
+        lantern(canvas, random.uniform(0.05, 0.95) * width, random.uniform(0.1, 0.5) * height, height * random.uniform(0.012, 0.024))
+    return canvas
 
 
-def panel(picture, words):
-    """What the game itself writes over its pictures."""
-    height = picture.height
+def panel(canvas, words):
+    """What the game itself writes over its images."""
+    height = canvas.height
     size = height * 0.066
 
     def plate(context):
@@ -146,8 +146,8 @@ def panel(picture, words):
         context.set_source_rgba(0.04, 0.06, 0.16, 0.62)
         context.fill()
 
-    picture.draw(plate)
-    write(picture, 60 + size * 0.8, height - 60 - size * 1.5, words, "Quicksand Bold", size, "#fff6df")
+    canvas.draw(plate)
+    write(canvas, 60 + size * 0.8, height - 60 - size * 1.5, words, "Quicksand Bold", size, "#fff6df")
 
 
 SCREENSHOTS = (
@@ -161,24 +161,24 @@ SCREENSHOTS = (
 
 def screenshot(number):
     hour, seed, boat_at, words = SCREENSHOTS[number]
-    picture = scene(1400, 515, hour, seed, boat_at, 6, 2 if hour != "noon" else 0)
-    panel(picture, words)
-    return picture.vignette(0.2).grain(0.008)
+    canvas = scene(1400, 515, hour, seed, boat_at, 6, 2 if hour != "noon" else 0)
+    panel(canvas, words)
+    return canvas.vignette(0.2).grain(0.008)
 
 
 def cover():
-    picture = scene(720, 720, "dusk", 91, 0.5, 4, 2)
-    picture.blend("#2a1252", (1 - smooth(picture.y, 220, 420)) * 0.55)
+    canvas = scene(720, 720, "dusk", 91, 0.5, 4, 2)
+    canvas.blend("#2a1252", (1 - smooth(canvas.y, 220, 420)) * 0.55)
     shadow = ("#1a0b3a", 10, 4, 0.85)
-    write(picture, 360, 96, "Lantern", "Lobster Two Bold Italic", 138, ["#fffdf0", "#ffe0a0"], shadow=shadow, align="centre")
-    write(picture, 360, 244, "ISLES", "Bebas Neue Bold", 92, "#fff6e0", shadow=shadow, align="centre", tracking=240)
-    return picture.vignette(0.25).grain(0.008)
+    write(canvas, 360, 96, "Lantern", "Lobster Two Bold Italic", 138, ["#fffdf0", "#ffe0a0"], shadow=shadow, align="centre")
+    write(canvas, 360, 244, "ISLES", "Bebas Neue Bold", 92, "#fff6e0", shadow=shadow, align="centre", tracking=240)
+    return canvas.vignette(0.25).grain(0.008)
 
 
 def banner():
-    picture = scene(1920, 640, "night", 64, 0.72, 7, 3)
-    picture.blend("#050a26", (1 - smooth(picture.x, 300, 1050)) * 0.7)
+    canvas = scene(1920, 640, "night", 64, 0.72, 7, 3)
+    canvas.blend("#050a26", (1 - smooth(canvas.x, 300, 1050)) * 0.7)
     shadow = ("#03061a", 14, 4, 0.85)
-    write(picture, 118, 120, "Lantern Isles", "Lobster Two Bold Italic", 156, ["#fffdf0", "#ffd98a"], shadow=shadow)
-    write(picture, 122, 318, "A small boat. A very dark sea.", "Lato Bold", 44, "#ffffff", shadow=shadow)
-    return picture.vignette(0.25).grain(0.008)
+    write(canvas, 118, 120, "Lantern Isles", "Lobster Two Bold Italic", 156, ["#fffdf0", "#ffd98a"], shadow=shadow)
+    write(canvas, 122, 318, "A small boat. A very dark sea.", "Lato Bold", 44, "#ffffff", shadow=shadow)
+    return canvas.vignette(0.25).grain(0.008)

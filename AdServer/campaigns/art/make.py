@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Draws the pictures of the campaigns beside this folder. Each is made of nothing but the code here and of typefaces.
+"""Draws the images of the campaigns beside this folder. Each is made of nothing but the code here and of typefaces.
 
     /usr/bin/python3 make.py [NAME…]       all of them, or those whose file names begin with one of the names
 
@@ -24,8 +24,8 @@ HERE = Path(__file__).resolve().parent
 FULLSCREEN = (summit_fury, saffron_salt, helion_reach, nordlys_lodge, starlite_drive_in, wildgrove)
 
 
-def pictures():
-    """Every file name with what makes its picture."""
+def images():
+    """Every file name with what makes its canvas."""
     for module in FULLSCREEN:
         yield module.__name__.replace("_", "-"), module.make
     yield "lantern-isles-cover", lantern_isles.cover
@@ -37,7 +37,7 @@ def pictures():
 
 
 def main(names):
-    for name, make in pictures():
+    for name, make in images():
         if names and not any(name.startswith(one) for one in names):
             continue
         path = HERE.parent / "images" / f"{name}.jpg"

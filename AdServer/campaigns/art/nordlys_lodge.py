@@ -32,7 +32,7 @@ def pine(context, x, y, height, colour, snow):
         paint(context, linear(x - half, 0, x + half, 0, (0, snow), (0.45, snow), (1, mix(snow, colour, 0.5))))
 
 
-def cabin(picture, x, y, size):
+def cabin(canvas, x, y, size):
     def at(context):
         context.translate(x, y)
         context.scale(size / 100, size / 100)
@@ -89,23 +89,23 @@ def cabin(picture, x, y, size):
         spline(context, [(-104, -56), (-82, -84), (-58, -116), (-34, -84), (-10, -54), (-16, -48), (-36, -70), (-57, -97), (-78, -72), (-98, -48)], True)
         paint(context, linear(-104, 0, -10, 0, (0, "#ffffff"), (0.6, "#eaf2fd"), (1, "#b9cdea")))
 
-    picture.draw(shadow, blur=14, opacity=0.55)
-    picture.draw(walls).draw(windows)
-    picture.draw(windows, blur=16, how="screen", opacity=0.9)
-    picture.draw(frames).draw(roof)
+    canvas.draw(shadow, blur=14, opacity=0.55)
+    canvas.draw(walls).draw(windows)
+    canvas.draw(windows, blur=16, how="screen", opacity=0.9)
+    canvas.draw(frames).draw(roof)
     for left, top in ((-69, -38), (-43, -38), (15, -34), (51, -34)):
-        picture.glow(x + left * size / 100, y + top * size / 100, size * 0.62, "#ffb44f", 0.42, 2.4)
-    picture.glow(x - 0.2 * size, y + 0.14 * size, size * 1.3, "#ffbf6b", 0.35, 2, squash=0.24)
+        canvas.glow(x + left * size / 100, y + top * size / 100, size * 0.62, "#ffb44f", 0.42, 2.4)
+    canvas.glow(x - 0.2 * size, y + 0.14 * size, size * 1.3, "#ffbf6b", 0.35, 2, squash=0.24)
 
 
 def make():
-    picture = Picture()
-    picture.gradient([(0, "#6fa4dc"), (0.26, "#a9cdef"), (0.46, "#dfeaf6"), (0.58, "#fde9d6"), (1, "#ffffff")])
-    picture.glow(1480, 470, 1000, "#fff1d4", 0.8, 1.8).glow(1480, 470, 260, "#ffffff", 0.9, 1.6)
-    clouds = fractal(picture.shape, 300, 12, octaves=7, stretch=(3, 0.7))
-    picture.blend("#ffffff", smooth(clouds, 0.55, 1) * (1 - smooth(picture.y, 260, 480)) * 0.55)
+    canvas = Canvas()
+    canvas.gradient([(0, "#6fa4dc"), (0.26, "#a9cdef"), (0.46, "#dfeaf6"), (0.58, "#fde9d6"), (1, "#ffffff")])
+    canvas.glow(1480, 470, 1000, "#fff1d4", 0.8, 1.8).glow(1480, 470, 260, "#ffffff", 0.9, 1.6)
+    clouds = fractal(canvas.shape, 300, 12, octaves=7, stretch=(3, 0.7))
+    canvas.blend("#ffffff", smooth(clouds, 0.55, 1) * (1 - smooth(canvas.y, 260, 480)) * 0.55)
 
-    width = picture.width
+    width = canvas.width
     columns = np.arange(width)
     for base, height, seed, top, bottom, points, texture in (
         (560, 230, 3, "#b7cfec", "#f3ece8", 7, 0.35),
@@ -113,42 +113,42 @@ def make():
     ):
         line = ridge(width, base, height, 0.52, seed, points)
         line = line + 150 * np.exp(-(((columns - 330) / 430) ** 2)) * (seed == 15)
-        picture.mountains(line, top, bottom, 300)
-        below = picture.y - line[None, :]
+        canvas.mountains(line, top, bottom, 300)
+        below = canvas.y - line[None, :]
         # Spurs run down from the ridge: noise that is the finer across the slope the nearer it is to the top.
-        spurs = 1 - np.abs(2 * fractal(picture.shape, 260, seed + 40, octaves=7, stretch=(0.5, 1.5)) - 1)
+        spurs = 1 - np.abs(2 * fractal(canvas.shape, 260, seed + 40, octaves=7, stretch=(0.5, 1.5)) - 1)
         lean = np.gradient(ndimage.gaussian_filter(spurs + 0.004 * below, 2.5), axis=1) * 45
         face = smooth(below, 0, 10) * (1 - smooth(below, 110, 330))
-        picture.blend("#ffffff", face * smooth(lean, -0.12, 0.65) * texture * 1.2)
-        picture.blend("#5f83b8", face * smooth(-lean, 0.1, 0.9) * texture * 0.5)
+        canvas.blend("#ffffff", face * smooth(lean, -0.12, 0.65) * texture * 1.2)
+        canvas.blend("#5f83b8", face * smooth(-lean, 0.1, 0.9) * texture * 0.5)
 
     def forest(seed, base, low, high, count, left, right, colour, snow):
         random = np.random.default_rng(seed)
         trees = sorted((random.uniform(left, right), random.uniform(low, high)) for _ in range(count))
-        picture.draw(lambda context: [pine(context, x, base(x) + random.uniform(-6, 10), tall, colour, snow) for x, tall in trees])
+        canvas.draw(lambda context: [pine(context, x, base(x) + random.uniform(-6, 10), tall, colour, snow) for x, tall in trees])
 
     far = lambda x: 690 + 26 * math.sin(x / 300)
     forest(1, far, 60, 120, 90, 620, 1960, "#7797bf", "#e4eefa")
-    picture.mountains(np.array([far(x) - 8 for x in columns]), "#e9f1fb", "#ffffff", 120)
-    picture.blend("#ffffff", np.exp(-(((picture.y - 690) / 60) ** 2)) * 0.5)
+    canvas.mountains(np.array([far(x) - 8 for x in columns]), "#e9f1fb", "#ffffff", 120)
+    canvas.blend("#ffffff", np.exp(-(((canvas.y - 690) / 60) ** 2)) * 0.5)
     middle = lambda x: 776 - 60 * math.exp(-(((x - 1330) / 300) ** 2)) + 18 * math.sin(x / 170)
     forest(2, middle, 130, 260, 26, 1560, 1950, "#41628f", "#eef5fd")
     forest(4, middle, 110, 200, 9, 930, 1120, "#4c6f9d", "#eef5fd")
     hill = np.array([middle(x) for x in columns])
-    picture.mountains(hill, "#f6faff", "#d7e5f7", 210)
-    cabin(picture, 1330, 742, 176)
+    canvas.mountains(hill, "#f6faff", "#d7e5f7", 210)
+    cabin(canvas, 1330, 742, 176)
 
-    smoke = fractal(picture.shape, 120, 60, octaves=5, stretch=(0.8, 1.3))
-    rise = (520 - picture.y) / 420
+    smoke = fractal(canvas.shape, 120, 60, octaves=5, stretch=(0.8, 1.3))
+    rise = (520 - canvas.y) / 420
     drift = 1330 + 121 + 70 * rise + 26 * np.sin(rise * 7)
-    plume = np.exp(-(((picture.x - drift) / (10 + 52 * np.clip(rise, 0, 1))) ** 2)) * smooth(rise, 0, 0.05) * (1 - smooth(rise, 0.55, 1))
-    picture.blend("#ffffff", plume * smooth(smoke, 0.2, 0.8) * 0.75)
+    plume = np.exp(-(((canvas.x - drift) / (10 + 52 * np.clip(rise, 0, 1))) ** 2)) * smooth(rise, 0, 0.05) * (1 - smooth(rise, 0.55, 1))
+    canvas.blend("#ffffff", plume * smooth(smoke, 0.2, 0.8) * 0.75)
 
     front = 905 + 46 * np.sin(columns / 410 + 2.4) - 30 * np.exp(-(((columns - 1700) / 300) ** 2))
-    picture.mountains(front, "#fcfdff", "#eef4fc", 180)
-    drifts = fractal(picture.shape, 260, 71, octaves=5, stretch=(3.2, 0.5))
-    on_snow = smooth(picture.y - np.minimum(hill, front)[None, :], 10, 60) * smooth(picture.x, 420, 760)
-    picture.blend("#a9c4ea", on_snow * smooth(drifts, 0.55, 1) * 0.5)
+    canvas.mountains(front, "#fcfdff", "#eef4fc", 180)
+    drifts = fractal(canvas.shape, 260, 71, octaves=5, stretch=(3.2, 0.5))
+    on_snow = smooth(canvas.y - np.minimum(hill, front)[None, :], 10, 60) * smooth(canvas.x, 420, 760)
+    canvas.blend("#a9c4ea", on_snow * smooth(drifts, 0.55, 1) * 0.5)
     forest(9, lambda x: 1010, 300, 430, 5, 1700, 1960, "#28466f", "#f7fbff")
 
     def path(context):
@@ -159,7 +159,7 @@ def make():
             context.set_source_rgba(0.55, 0.69, 0.88, 0.7)
             context.stroke()
 
-    picture.draw(path, blur=1.6)
+    canvas.draw(path, blur=1.6)
     random = np.random.default_rng(4)
 
     def flakes(context):
@@ -169,13 +169,13 @@ def make():
             context.set_source_rgba(1, 1, 1, random.uniform(0.35, 0.95))
             context.fill()
 
-    picture.draw(flakes, blur=0.8)
-    picture.blend("#ffffff", (1 - smooth(picture.x, 200, 940)) * smooth(picture.y, 180, 460) * 0.5)
-    picture.blend("#ffffff", (1 - smooth(np.hypot(picture.x - 120, picture.y - 960), 160, 520)) * 0.9)
-    picture.grain(0.007)
+    canvas.draw(flakes, blur=0.8)
+    canvas.blend("#ffffff", (1 - smooth(canvas.x, 200, 940)) * smooth(canvas.y, 180, 460) * 0.5)
+    canvas.blend("#ffffff", (1 - smooth(np.hypot(canvas.x - 120, canvas.y - 960), 160, 520)) * 0.9)
+    canvas.grain(0.007)
 
-    write(picture, 124, 126, "WINTER ABOVE THE CLOUDS", "Manrope ExtraBold", 29, "#173a6b", tracking=170)
-    write(picture, 118, 214, "Nordlys", "EB Garamond 12", 206, "#10305f")
-    write(picture, 118, 408, "Lodge", "EB Garamond 12 Italic", 206, "#b04a1d")
-    write(picture, 122, 648, "Three nights. One private sauna.", "Lato Bold", 46, "#12294d")
-    return picture
+    write(canvas, 124, 126, "WINTER ABOVE THE CLOUDS", "Manrope ExtraBold", 29, "#173a6b", tracking=170)
+    write(canvas, 118, 214, "Nordlys", "EB Garamond 12", 206, "#10305f")
+    write(canvas, 118, 408, "Lodge", "EB Garamond 12 Italic", 206, "#b04a1d")
+    write(canvas, 122, 648, "Three nights. One private sauna.", "Lato Bold", 46, "#12294d")
+    return canvas

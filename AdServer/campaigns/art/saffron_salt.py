@@ -7,29 +7,29 @@ from studio import *
 BOWL_X, BOWL_Y, BOWL = 1370, 540, 430
 
 
-def table(picture):
-    picture.gradient([(0, "#16302f"), (0.5, "#1d3b38"), (1, "#0f2423")], 35)
-    grain = fractal(picture.shape, 300, 5, octaves=8, gain=0.62, stretch=(9, 0.16))
-    picture.blend("#2f5650", smooth(grain, 0.5, 0.95) * 0.5)
-    picture.blend("#081615", smooth(1 - grain, 0.55, 0.98) * 0.6)
+def table(canvas):
+    canvas.gradient([(0, "#16302f"), (0.5, "#1d3b38"), (1, "#0f2423")], 35)
+    grain = fractal(canvas.shape, 300, 5, octaves=8, gain=0.62, stretch=(9, 0.16))
+    canvas.blend("#2f5650", smooth(grain, 0.5, 0.95) * 0.5)
+    canvas.blend("#081615", smooth(1 - grain, 0.55, 0.98) * 0.6)
     for board, y in enumerate((-20, 268, 556, 844)):
-        picture.blend("#050d0d", np.exp(-(((picture.y - y) / 2.2) ** 2)) * 0.85)
-        picture.blend("#4a776c", np.exp(-(((picture.y - y - 4) / 1.6) ** 2)) * 0.25)
-    picture.glow(1250, 60, 1300, "#ffd9a0", 0.22, 1.6)
+        canvas.blend("#050d0d", np.exp(-(((canvas.y - y) / 2.2) ** 2)) * 0.85)
+        canvas.blend("#4a776c", np.exp(-(((canvas.y - y - 4) / 1.6) ** 2)) * 0.25)
+    canvas.glow(1250, 60, 1300, "#ffd9a0", 0.22, 1.6)
 
 
-def soft_shadow(picture, shape, dx=26, dy=38, blur=26, strength=0.75):
+def soft_shadow(canvas, shape, dx=26, dy=38, blur=26, strength=0.75):
     def cast(context):
         context.translate(dx, dy)
         shape(context)
         paint(context, "#030a0a")
 
-    picture.draw(cast, blur=blur, opacity=strength)
+    canvas.draw(cast, blur=blur, opacity=strength)
 
 
-def bowl(picture):
+def bowl(canvas):
     disc = lambda context, radius: ellipse(context, BOWL_X, BOWL_Y, radius, radius)
-    soft_shadow(picture, lambda context: disc(context, BOWL), 34, 48, 38, 0.85)
+    soft_shadow(canvas, lambda context: disc(context, BOWL), 34, 48, 38, 0.85)
 
     def ware(context):
         disc(context, BOWL)
@@ -43,7 +43,7 @@ def bowl(picture):
         disc(context, BOWL - 76)
         paint(context, radial(BOWL_X, BOWL_Y, BOWL - 76, (0, "#d98b34"), (0.7, "#b9621f"), (0.93, "#8d4216"), (1, "#57260d"), fx=BOWL_X + 60, fy=BOWL_Y + 80))
 
-    picture.draw(ware)
+    canvas.draw(ware)
     random = np.random.default_rng(12)
     speckles = [(random.uniform(0, 2 * math.pi), random.uniform(BOWL - 17, BOWL - 2), random.uniform(0.8, 2.4)) for _ in range(170)]
 
@@ -52,15 +52,15 @@ def bowl(picture):
             ellipse(context, BOWL_X + reach * math.cos(angle), BOWL_Y + reach * math.sin(angle), size, size)
         paint(context, "#5d5144")
 
-    picture.draw(glaze, opacity=0.6)
+    canvas.draw(glaze, opacity=0.6)
 
 
-def broth(picture):
+def broth(canvas):
     random = np.random.default_rng(5)
-    inside = np.hypot(picture.x - BOWL_X, picture.y - BOWL_Y) < BOWL - 78
-    swirl = fractal(picture.shape, 130, 14, octaves=5)
-    picture.blend("#f2b45a", inside * smooth(swirl, 0.55, 0.95) * 0.45)
-    picture.blend("#7a3210", inside * smooth(1 - swirl, 0.6, 1) * 0.5)
+    inside = np.hypot(canvas.x - BOWL_X, canvas.y - BOWL_Y) < BOWL - 78
+    swirl = fractal(canvas.shape, 130, 14, octaves=5)
+    canvas.blend("#f2b45a", inside * smooth(swirl, 0.55, 0.95) * 0.45)
+    canvas.blend("#7a3210", inside * smooth(1 - swirl, 0.6, 1) * 0.5)
 
     def oil(context):
         for _ in range(120):
@@ -69,10 +69,10 @@ def broth(picture):
             ellipse(context, x, y, size, size * 0.94)
             paint(context, radial(x, y, size, (0, "#ffd488", 0.25), (0.75, "#ffca70", 0.3), (1, "#fff0c8", 0.75)))
 
-    picture.draw(oil)
+    canvas.draw(oil)
 
 
-def noodles(picture):
+def noodles(canvas):
     random = np.random.default_rng(9)
     strands = []
     for bundle in range(9):
@@ -103,12 +103,12 @@ def noodles(picture):
                 context.stroke()
                 context.restore()
 
-    picture.draw(lay)
+    canvas.draw(lay)
 
 
-def egg(picture, x, y, angle, size=1.0):
+def egg(canvas, x, y, angle, size=1.0):
     shape = lambda context: ellipse(context, x, y, 92 * size, 74 * size, angle)
-    soft_shadow(picture, shape, 8, 14, 9, 0.6)
+    soft_shadow(canvas, shape, 8, 14, 9, 0.6)
 
     def halves(context):
         shape(context)
@@ -118,13 +118,13 @@ def egg(picture, x, y, angle, size=1.0):
         ellipse(context, x - 12 * size, y - 14 * size, 17 * size, 9 * size, angle - 0.5)
         paint(context, radial(x - 12 * size, y - 14 * size, 18 * size, (0, "#ffffff", 0.9), (1, "#ffffff", 0)))
 
-    picture.draw(halves)
+    canvas.draw(halves)
 
 
-def meat(picture, x, y, size, seed):
+def meat(canvas, x, y, size, seed):
     random = np.random.default_rng(seed)
     edge = [(x + size * (1 + random.uniform(-0.05, 0.05)) * math.cos(a), y + size * 0.94 * (1 + random.uniform(-0.05, 0.05)) * math.sin(a)) for a in np.linspace(0, 2 * math.pi, 15)[:-1]]
-    soft_shadow(picture, lambda context: spline(context, edge, True), 9, 14, 9, 0.65)
+    soft_shadow(canvas, lambda context: spline(context, edge, True), 9, 14, 9, 0.65)
 
     def slice_(context):
         spline(context, edge, True)
@@ -145,25 +145,25 @@ def meat(picture, x, y, size, seed):
         context.set_source(linear(x - size, y - size, x + size, y + size, (0, "#f2b184"), (0.6, "#7c3018"), (1, "#3d130a")))
         context.stroke()
 
-    picture.draw(slice_)
+    canvas.draw(slice_)
 
 
-def nori(picture):
+def nori(canvas):
     points = [(1560, 236), (1690, 330), (1640, 486), (1496, 404)]
-    soft_shadow(picture, lambda context: polygon(context, points), 12, 18, 10, 0.65)
+    soft_shadow(canvas, lambda context: polygon(context, points), 12, 18, 10, 0.65)
 
     def sheet(context):
         polygon(context, points)
         paint(context, linear(1500, 240, 1690, 480, (0, "#2f4a37"), (0.5, "#172a20"), (1, "#0a1711")))
 
-    picture.draw(sheet)
-    plain = Image.new("L", (picture.width, picture.height))
+    canvas.draw(sheet)
+    plain = Image.new("L", (canvas.width, canvas.height))
     ImageDraw.Draw(plain).polygon(points, fill=255)
     mask = np.asarray(plain) / 255
-    picture.blend("#5a8a63", mask * smooth(fractal(picture.shape, 14, 3, octaves=4), 0.55, 0.9) * 0.4)
+    canvas.blend("#5a8a63", mask * smooth(fractal(canvas.shape, 14, 3, octaves=4), 0.55, 0.9) * 0.4)
 
 
-def greens(picture):
+def greens(canvas):
     random = np.random.default_rng(31)
     rings = []
     for _ in range(46):
@@ -202,10 +202,10 @@ def greens(picture):
             context.set_source_rgb(*rgb(random.choice(("#d8281c", "#b3160f", "#f04a2a"))))
             context.stroke()
 
-    picture.draw(cast, blur=4, opacity=0.6).draw(lay).draw(seeds).draw(chilli)
+    canvas.draw(cast, blur=4, opacity=0.6).draw(lay).draw(seeds).draw(chilli)
 
 
-def chopsticks(picture):
+def chopsticks(canvas):
     pairs = [((1130, 1010), (1905, 742)), ((1150, 1046), (1912, 790))]
 
     def shape(context):
@@ -214,7 +214,7 @@ def chopsticks(picture):
             nx, ny = -math.sin(angle), math.cos(angle)
             polygon(context, [(x0 + nx * 4, y0 + ny * 4), (x1 + nx * 12, y1 + ny * 12), (x1 - nx * 12, y1 - ny * 12), (x0 - nx * 4, y0 - ny * 4)])
 
-    soft_shadow(picture, shape, 16, 26, 10, 0.7)
+    soft_shadow(canvas, shape, 16, 26, 10, 0.7)
 
     def wood(context):
         for (x0, y0), (x1, y1) in pairs:
@@ -226,11 +226,11 @@ def chopsticks(picture):
             polygon(context, [(ex + nx * 11, ey + ny * 11), (x1 + nx * 12, y1 + ny * 12), (x1 - nx * 12, y1 - ny * 12), (ex - nx * 11, ey - ny * 11)])
             paint(context, linear(ex - nx * 12, ey - ny * 12, ex + nx * 12, ey + ny * 12, (0, "#fff0c4"), (0.4, "#d9a441"), (1, "#7a4f12")))
 
-    picture.draw(wood)
+    canvas.draw(wood)
 
 
-def saucer(picture, x, y, size, filling):
-    soft_shadow(picture, lambda context: ellipse(context, x, y, size, size), 14, 22, 16, 0.75)
+def saucer(canvas, x, y, size, filling):
+    soft_shadow(canvas, lambda context: ellipse(context, x, y, size, size), 14, 22, 16, 0.75)
 
     def dish(context):
         ellipse(context, x, y, size, size)
@@ -240,10 +240,10 @@ def saucer(picture, x, y, size, filling):
         ellipse(context, x, y, size * 0.78, size * 0.78)
         paint(context, filling)
 
-    picture.draw(dish)
+    canvas.draw(dish)
 
 
-def herbs(picture):
+def herbs(canvas):
     random = np.random.default_rng(77)
 
     def leaf(context, x, y, length, turn, shade):
@@ -272,35 +272,35 @@ def herbs(picture):
             for lx, ly, length, turn in leaves:
                 leaf(context, lx, ly, length, turn, random.choice(("#3f8c3b", "#2f7434", "#58a044")))
 
-        picture.draw(cast, blur=8, opacity=0.7).draw(lay)
+        canvas.draw(cast, blur=8, opacity=0.7).draw(lay)
 
 
 def make():
-    picture = Picture()
-    table(picture)
-    chopsticks(picture)
-    herbs(picture)
-    saucer(picture, 1010, 190, 104, radial(1010, 190, 82, (0, "#8d2414"), (0.7, "#5c0f0a"), (1, "#2b0504"), fx=985, fy=160))
-    bowl(picture)
-    broth(picture)
-    noodles(picture)
-    nori(picture)
-    meat(picture, 1215, 400, 118, 2)
-    meat(picture, 1330, 318, 104, 4)
-    egg(picture, 1560, 640, 0.5)
-    egg(picture, 1430, 742, -0.2, 0.94)
-    greens(picture)
-    rim = np.hypot(picture.x - BOWL_X, picture.y - BOWL_Y)
-    picture.blend("#1c0d05", (rim < BOWL - 76) * smooth(rim, BOWL - 150, BOWL - 76) * 0.45 * smooth(-(picture.x + picture.y), -2300, -1500))
-    steam = fractal(picture.shape, 340, 41, octaves=5, stretch=(0.55, 1.5))
-    plume = np.exp(-(((picture.x - 1330) / 330) ** 2)) * np.exp(-(((picture.y - 330) / 330) ** 2))
-    picture.blend("#fff4e2", smooth(steam, 0.45, 1) * plume * 0.34, "screen")
-    picture.blend("#0a1a19", (1 - smooth(picture.x, 300, 1010)) * 0.72)
-    picture.vignette(0.4, 0.62, 0.5).grain(0.011)
+    canvas = Canvas()
+    table(canvas)
+    chopsticks(canvas)
+    herbs(canvas)
+    saucer(canvas, 1010, 190, 104, radial(1010, 190, 82, (0, "#8d2414"), (0.7, "#5c0f0a"), (1, "#2b0504"), fx=985, fy=160))
+    bowl(canvas)
+    broth(canvas)
+    noodles(canvas)
+    nori(canvas)
+    meat(canvas, 1215, 400, 118, 2)
+    meat(canvas, 1330, 318, 104, 4)
+    egg(canvas, 1560, 640, 0.5)
+    egg(canvas, 1430, 742, -0.2, 0.94)
+    greens(canvas)
+    rim = np.hypot(canvas.x - BOWL_X, canvas.y - BOWL_Y)
+    canvas.blend("#1c0d05", (rim < BOWL - 76) * smooth(rim, BOWL - 150, BOWL - 76) * 0.45 * smooth(-(canvas.x + canvas.y), -2300, -1500))
+    steam = fractal(canvas.shape, 340, 41, octaves=5, stretch=(0.55, 1.5))
+    plume = np.exp(-(((canvas.x - 1330) / 330) ** 2)) * np.exp(-(((canvas.y - 330) / 330) ** 2))
+    canvas.blend("#fff4e2", smooth(steam, 0.45, 1) * plume * 0.34, "screen")
+    canvas.blend("#0a1a19", (1 - smooth(canvas.x, 300, 1010)) * 0.72)
+    canvas.vignette(0.4, 0.62, 0.5).grain(0.011)
 
     shadow = ("#04100f", 14, 5, 0.7)
-    write(picture, 120, 176, "THE KITCHEN COMPANION", "Lato Bold", 29, "#e5b96c", tracking=200)
-    write(picture, 118, 268, "Saffron", "EB Garamond 12", 196, "#fff6e6", shadow=shadow)
-    write(picture, 118, 448, "& Salt", "EB Garamond 12 Italic", 196, "#f0bf6a", shadow=shadow)
-    write(picture, 122, 668, "Dinner in twenty minutes.", "Lato Bold", 46, "#ffffff", shadow=shadow)
-    return picture
+    write(canvas, 120, 176, "THE KITCHEN COMPANION", "Lato Bold", 29, "#e5b96c", tracking=200)
+    write(canvas, 118, 268, "Saffron", "EB Garamond 12", 196, "#fff6e6", shadow=shadow)
+    write(canvas, 118, 448, "& Salt", "EB Garamond 12 Italic", 196, "#f0bf6a", shadow=shadow)
+    write(canvas, 122, 668, "Dinner in twenty minutes.", "Lato Bold", 46, "#ffffff", shadow=shadow)
+    return canvas

@@ -5,19 +5,19 @@ from studio import *
 SCREEN = [(1010, 236), (1746, 190), (1746, 640), (1010, 606)]
 
 
-def sky(picture):
-    picture.gradient([(0, "#070b2a"), (0.3, "#14184f"), (0.52, "#4a2276"), (0.66, "#b23a7f"), (0.74, "#ff7d6b"), (0.8, "#ffb27a"), (1, "#ffb27a")])
+def sky(canvas):
+    canvas.gradient([(0, "#070b2a"), (0.3, "#14184f"), (0.52, "#4a2276"), (0.66, "#b23a7f"), (0.74, "#ff7d6b"), (0.8, "#ffb27a"), (1, "#ffb27a")])
     random = np.random.default_rng(2)
-    field = np.zeros(picture.shape)
+    field = np.zeros(canvas.shape)
     field[random.integers(0, 560, 620), random.integers(0, 1920, 620)] = random.uniform(0.3, 1, 620)
-    picture.blend("#ffffff", ndimage.gaussian_filter(field, 0.8) * 4.2 * (1 - smooth(picture.y, 250, 600)), "add")
-    clouds = fractal(picture.shape, 280, 8, octaves=7, stretch=(3.4, 0.6))
-    band = smooth(picture.y, 330, 560) * (1 - smooth(picture.y, 700, 800))
-    picture.blend("#2a1456", smooth(clouds, 0.5, 0.95) * band * 0.55)
-    picture.blend("#ff9f8a", smooth(1 - clouds, 0.62, 1) * band * 0.35, "screen")
+    canvas.blend("#ffffff", ndimage.gaussian_filter(field, 0.8) * 4.2 * (1 - smooth(canvas.y, 250, 600)), "add")
+    clouds = fractal(canvas.shape, 280, 8, octaves=7, stretch=(3.4, 0.6))
+    band = smooth(canvas.y, 330, 560) * (1 - smooth(canvas.y, 700, 800))
+    canvas.blend("#2a1456", smooth(clouds, 0.5, 0.95) * band * 0.55)
+    canvas.blend("#ff9f8a", smooth(1 - clouds, 0.62, 1) * band * 0.35, "screen")
 
 
-def palm(picture, x, y, height, lean, colour, seed):
+def palm(canvas, x, y, height, lean, colour, seed):
     random = np.random.default_rng(seed)
     top_x, top_y = x + lean, y - height
 
@@ -45,11 +45,11 @@ def palm(picture, x, y, height, lean, colour, seed):
             context.set_source_rgb(*rgb(colour))
             context.stroke()
 
-    picture.draw(tree)
+    canvas.draw(tree)
 
 
-def screen(picture):
-    picture.glow(1378, 420, 900, "#7fb6ff", 0.42, 2.2)
+def screen(canvas):
+    canvas.glow(1378, 420, 900, "#7fb6ff", 0.42, 2.2)
 
     def frame(context):
         for x in (1090, 1250, 1500, 1660):
@@ -66,7 +66,7 @@ def screen(picture):
         polygon(context, [(x + dx, y + dy) for (x, y), (dx, dy) in zip(SCREEN, ((-20, -20), (20, -20), (20, 20), (-20, 20)))])
         paint(context, linear(0, 180, 0, 660, (0, "#2c1d55"), (1, "#120a2b")))
 
-    picture.draw(frame)
+    canvas.draw(frame)
 
     def film(context):
         polygon(context, SCREEN)
@@ -94,8 +94,8 @@ def screen(picture):
         type_path(context, 1378, 258, "THE LONG WAY WEST", "Bebas Neue Bold", 66, tracking=60, align="centre", safe=False)
         paint(context, "#3b2a66")
 
-    picture.draw(film)
-    picture.draw(lambda context: (polygon(context, SCREEN), paint(context, "#cfe4ff")), blur=46, how="screen", opacity=0.16)
+    canvas.draw(film)
+    canvas.draw(lambda context: (polygon(context, SCREEN), paint(context, "#cfe4ff")), blur=46, how="screen", opacity=0.16)
 
 
 def car(context, x, y, size, colour, kind):
@@ -135,7 +135,7 @@ def car(context, x, y, size, colour, kind):
     context.restore()
 
 
-def cars(picture):
+def cars(canvas):
     rows = (
         (806, 118, [(1130, "#3a7bd5", "coupe"), (1290, "#d64550", "wagon"), (1455, "#e8b23a", "coupe"), (1615, "#49a078", "convertible"), (1780, "#8e5bd0", "coupe")]),
         (884, 176, [(1040, "#d98f2b", "convertible"), (1278, "#2fa3a0", "coupe"), (1520, "#c8395a", "coupe"), (1764, "#3f68c8", "wagon")]),
@@ -147,15 +147,15 @@ def cars(picture):
                 ellipse(context, x, y + 4, size * 0.58, size * 0.07)
             paint(context, "#04020e")
 
-        picture.draw(shadow, blur=size * 0.05, opacity=0.85)
-        picture.draw(lambda context: [car(context, x, y, size, colour, kind) for x, colour, kind in row])
+        canvas.draw(shadow, blur=size * 0.05, opacity=0.85)
+        canvas.draw(lambda context: [car(context, x, y, size, colour, kind) for x, colour, kind in row])
         for x, _, _ in row:
             for side in (-1, 1):
-                picture.glow(x + side * 0.41 * size, y - 0.22 * size, size * 0.22, "#ff4b3e", 0.6, 2.6)
-            picture.glow(x, y + 0.05 * size, size * 0.8, "#ff5a6a", 0.16, 2, squash=0.22)
+                canvas.glow(x + side * 0.41 * size, y - 0.22 * size, size * 0.22, "#ff4b3e", 0.6, 2.6)
+            canvas.glow(x, y + 0.05 * size, size * 0.8, "#ff5a6a", 0.16, 2, squash=0.22)
 
 
-def lights(picture):
+def lights(canvas):
     posts = [(-40, 96), (500, 62), (1010, 120), (1500, 64), (1960, 110)]
     bulbs = []
 
@@ -168,20 +168,20 @@ def lights(picture):
         context.set_source_rgb(*rgb("#0b0824"))
         context.stroke()
 
-    picture.draw(wire)
+    canvas.draw(wire)
 
     def glass(context):
         for x, y in bulbs:
             ellipse(context, x, y + 9, 6.5, 9)
             paint(context, radial(x, y + 9, 9, (0, "#fffbe6"), (1, "#ffc35a")))
 
-    picture.draw(glass, blur=14, how="screen", opacity=1)
-    picture.draw(glass)
+    canvas.draw(glass, blur=14, how="screen", opacity=1)
+    canvas.draw(glass)
 
 
-def neon(picture, x, y, text, font, size, colour, core):
+def neon(canvas, x, y, text, font, size, colour, core):
     for blur, opacity in ((46, 0.85), (18, 0.8), (6, 0.9)):
-        picture.draw(lambda c: (type_path(c, x, y, text, font, size), paint(c, colour)), blur=blur, how="screen", opacity=opacity)
+        canvas.draw(lambda c: (type_path(c, x, y, text, font, size), paint(c, colour)), blur=blur, how="screen", opacity=opacity)
 
     def tube(context):
         type_path(context, x, y, text, font, size)
@@ -191,29 +191,29 @@ def neon(picture, x, y, text, font, size, colour, core):
         context.set_source_rgb(*rgb(core))
         context.fill()
 
-    picture.draw(tube)
+    canvas.draw(tube)
 
 
 def make():
-    picture = Picture()
-    sky(picture)
+    canvas = Canvas()
+    sky(canvas)
     hills = ridge(1920, 800, 90, 0.5, 44, 9)
-    picture.mountains(hills, "#3b1a5f", "#221046", 160)
-    palm(picture, 930, 806, 330, 36, "#1b0f3d", 1)
-    palm(picture, 1830, 816, 470, -46, "#160b33", 2)
-    palm(picture, 1888, 820, 350, 20, "#120829", 3)
-    screen(picture)
-    picture.mountains(np.full(1920, 776.0), "#2b1650", "#0b0620", 240)
-    picture.glow(1378, 800, 780, "#8fb8ff", 0.34, 2, squash=0.26)
-    gravel = fractal(picture.shape, 40, 30, octaves=5, stretch=(2.6, 0.5))
-    picture.blend("#4a3a86", (picture.y > 776) * smooth(gravel, 0.55, 1) * 0.18)
-    cars(picture)
-    lights(picture)
-    picture.blend("#090722", (1 - smooth(picture.x, 300, 1060)) * 0.66)
-    picture.vignette(0.3, 0.62, 0.5).grain(0.011)
+    canvas.mountains(hills, "#3b1a5f", "#221046", 160)
+    palm(canvas, 930, 806, 330, 36, "#1b0f3d", 1)
+    palm(canvas, 1830, 816, 470, -46, "#160b33", 2)
+    palm(canvas, 1888, 820, 350, 20, "#120829", 3)
+    screen(canvas)
+    canvas.mountains(np.full(1920, 776.0), "#2b1650", "#0b0620", 240)
+    canvas.glow(1378, 800, 780, "#8fb8ff", 0.34, 2, squash=0.26)
+    gravel = fractal(canvas.shape, 40, 30, octaves=5, stretch=(2.6, 0.5))
+    canvas.blend("#4a3a86", (canvas.y > 776) * smooth(gravel, 0.55, 1) * 0.18)
+    cars(canvas)
+    lights(canvas)
+    canvas.blend("#090722", (1 - smooth(canvas.x, 300, 1060)) * 0.66)
+    canvas.vignette(0.3, 0.62, 0.5).grain(0.011)
 
     shadow = ("#05031a", 14, 4, 0.8)
-    neon(picture, 116, 224, "Starlite", "Lobster Two Bold Italic", 218, "#ff4fa3", "#ffe3f1")
-    write(picture, 124, 468, "DRIVE-IN CINEMA", "Bebas Neue Bold", 104, ["#fff6d8", "#ffd27a"], tracking=66, shadow=shadow)
-    write(picture, 124, 598, "Tonight at nine. Bring a blanket.", "Lato Bold", 46, "#ffffff", shadow=shadow)
-    return picture
+    neon(canvas, 116, 224, "Starlite", "Lobster Two Bold Italic", 218, "#ff4fa3", "#ffe3f1")
+    write(canvas, 124, 468, "DRIVE-IN CINEMA", "Bebas Neue Bold", 104, ["#fff6d8", "#ffd27a"], tracking=66, shadow=shadow)
+    write(canvas, 124, 598, "Tonight at nine. Bring a blanket.", "Lato Bold", 46, "#ffffff", shadow=shadow)
+    return canvas

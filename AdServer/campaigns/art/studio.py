@@ -1,4 +1,4 @@
-"""What every picture here is made with: a canvas of light, soft layers, noise and type.
+"""What every canvas here is made with: a canvas of light, soft layers, noise and type.
 
 Colours are "#rrggbb" or (r, g, b) from 0 to 1. Positions are pixels from the top left.
 """
@@ -64,7 +64,7 @@ def ridge(width, base, height, roughness, seed, points=9):
     return base - np.interp(np.linspace(0, len(line) - 1, width), np.arange(len(line)), line)
 
 
-class Picture:
+class Canvas:
     def __init__(self, width=1920, height=1080, colour="#000000"):
         self.width, self.height = width, height
         self.light = np.ones((height, width, 3)) * rgb(colour)
@@ -87,7 +87,7 @@ class Picture:
         return self
 
     def blend(self, colour, coverage, how="normal"):
-        """Lays a colour, or a picture's light, over it as far as `coverage` (0 to 1 for each pixel) says."""
+        """Lays a colour, or a canvas's light, over it as far as `coverage` (0 to 1 for each pixel) says."""
         paint = colour if isinstance(colour, np.ndarray) else np.array(rgb(colour))
         cover = np.clip(coverage, 0, 1)[..., None]
         if how == "add":
@@ -153,9 +153,9 @@ class Picture:
 
     def save(self, path, quality=86, limit=395_000):
         """As a progressive JPEG below `limit` bytes."""
-        picture = self.image()
+        canvas = self.image()
         while True:
-            picture.save(path, quality=quality, optimize=True, progressive=True, subsampling=0 if quality > 80 else 2)
+            canvas.save(path, quality=quality, optimize=True, progressive=True, subsampling=0 if quality > 80 else 2)
             if path.stat().st_size < limit:
                 return
             quality -= 3
@@ -196,7 +196,7 @@ def type_path(context, x, y, text, font, size, safe=True, **style):
     return box
 
 
-def write(picture, x, y, text, font, size, colour, shadow=None, opacity=1.0, slant=0.0, **style):
+def write(canvas, x, y, text, font, size, colour, shadow=None, opacity=1.0, slant=0.0, **style):
     """Type in one colour, or in a vertical gradient of two, with an optional soft shadow (colour, blur, dy, strength).
     Returns the ink's box."""
     box = []
@@ -227,8 +227,8 @@ def write(picture, x, y, text, font, size, colour, shadow=None, opacity=1.0, sla
             context.set_source_rgb(*rgb(tint))
             context.fill()
 
-        picture.draw(cast, blur=blur, opacity=strength)
-    picture.draw(fill, opacity=opacity)
+        canvas.draw(cast, blur=blur, opacity=strength)
+    canvas.draw(fill, opacity=opacity)
     return tuple(box)
 
 

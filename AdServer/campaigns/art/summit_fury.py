@@ -8,13 +8,13 @@ REACH = 1080 - HORIZON
 
 
 def road_edge(y, side):
-    """Where the road's edge lies at height y; side is -1 or 1. The road leaves the picture at the bottom right."""
+    """Where the road's edge lies at height y; side is -1 or 1. The road leaves the canvas at the bottom right."""
     depth = np.clip((y - HORIZON) / REACH, 0, 1)
     middle = 1105 + 130 * np.sin(depth * 2.6 + 0.2) * (1 - depth) + 330 * depth**1.15
     return middle + side * (8 + 640 * depth**1.55)
 
 
-def road(picture):
+def road(canvas):
     heights = np.arange(float(HORIZON), 1081, 4)
 
     def surface(context):
@@ -48,10 +48,10 @@ def road(picture):
         polygon(context, top + low)
         paint(context, linear(700, 0, 1500, 0, (0, "#5b2d55"), (0.6, "#ff9c6a"), (1, "#6b3358")))
 
-    picture.draw(surface).draw(markings, opacity=0.85).draw(rail)
+    canvas.draw(surface).draw(markings, opacity=0.85).draw(rail)
 
 
-def car(picture, x, y, size):
+def car(canvas, x, y, size):
     """From behind; (x, y) is the middle of the ground below it, `size` its width."""
 
     def at(context):
@@ -111,17 +111,17 @@ def car(picture, x, y, size):
         rounded(context, -66, -110, 132, 4, 2)
         paint(context, "#ff5a3c")
 
-    picture.draw(shadow, blur=12, opacity=0.9)
-    picture.draw(body)
-    picture.draw(lamps, blur=26, how="add")
-    picture.draw(lamps, blur=7, how="add", opacity=0.8)
-    picture.draw(lamps)
+    canvas.draw(shadow, blur=12, opacity=0.9)
+    canvas.draw(body)
+    canvas.draw(lamps, blur=26, how="add")
+    canvas.draw(lamps, blur=7, how="add", opacity=0.8)
+    canvas.draw(lamps)
     for side in (-1, 1):
-        picture.glow(x + side * 0.33 * size, y - 0.28 * size, 0.24 * size, "#ff3b24", 0.55)
-        picture.glow(x + side * 0.23 * size, y - 0.11 * size, 0.1 * size, "#ffb04a", 0.9)
+        canvas.glow(x + side * 0.33 * size, y - 0.28 * size, 0.24 * size, "#ff3b24", 0.55)
+        canvas.glow(x + side * 0.23 * size, y - 0.11 * size, 0.1 * size, "#ffb04a", 0.9)
 
 
-def pines(picture, seed, count, left, right, base, tall, colour):
+def pines(canvas, seed, count, left, right, base, tall, colour):
     random = np.random.default_rng(seed)
 
     def trees(context):
@@ -135,42 +135,42 @@ def pines(picture, seed, count, left, right, base, tall, colour):
                 polygon(context, [(x - half, low), (x, low - height * 0.32), (x + half, low)])
                 paint(context, colour)
 
-    picture.draw(trees)
+    canvas.draw(trees)
 
 
 def make(width=1920, height=1080):
-    picture = Picture(width, height)
-    picture.gradient([(0, "#160f3d"), (0.2, "#3a1a63"), (0.38, "#8a2a70"), (0.5, "#e2574f"), (0.58, "#ff9a4a"), (0.64, "#ffd58a"), (1, "#ffd58a")])
-    clouds = fractal(picture.shape, 260, 4, octaves=7, stretch=(3.6, 0.8))
-    band = smooth(picture.y, 60, 330) * (1 - smooth(picture.y, 480, 640))
-    picture.blend("#ffb277", smooth(clouds, 0.5, 0.95) * band * 0.75, "screen")
-    picture.blend("#2a1250", smooth(1 - clouds, 0.55, 0.95) * band * 0.5)
+    canvas = Canvas(width, height)
+    canvas.gradient([(0, "#160f3d"), (0.2, "#3a1a63"), (0.38, "#8a2a70"), (0.5, "#e2574f"), (0.58, "#ff9a4a"), (0.64, "#ffd58a"), (1, "#ffd58a")])
+    clouds = fractal(canvas.shape, 260, 4, octaves=7, stretch=(3.6, 0.8))
+    band = smooth(canvas.y, 60, 330) * (1 - smooth(canvas.y, 480, 640))
+    canvas.blend("#ffb277", smooth(clouds, 0.5, 0.95) * band * 0.75, "screen")
+    canvas.blend("#2a1250", smooth(1 - clouds, 0.55, 0.95) * band * 0.5)
     sun_x, sun_y = 1215, 560
-    picture.glow(sun_x, sun_y, 1250, "#ff6a3a", 0.5, 2.2).glow(sun_x, sun_y, 560, "#ffbc66", 0.75, 2)
-    picture.draw(lambda c: (ellipse(c, sun_x, sun_y, 132, 132), paint(c, "#fff3cf")), blur=1.2)
-    picture.draw(lambda c: (ellipse(c, sun_x, sun_y, 150, 150), paint(c, "#fff0c0")), blur=34, how="screen", opacity=0.8)
+    canvas.glow(sun_x, sun_y, 1250, "#ff6a3a", 0.5, 2.2).glow(sun_x, sun_y, 560, "#ffbc66", 0.75, 2)
+    canvas.draw(lambda c: (ellipse(c, sun_x, sun_y, 132, 132), paint(c, "#fff3cf")), blur=1.2)
+    canvas.draw(lambda c: (ellipse(c, sun_x, sun_y, 150, 150), paint(c, "#fff0c0")), blur=34, how="screen", opacity=0.8)
 
     far = ridge(width, 640, 250, 0.5, 21, 7)
     valley = np.exp(-(((np.arange(width) - sun_x) / 330) ** 2))
-    picture.mountains(far + valley * 120, "#b5476b", "#ffb072", 260)
-    rock = fractal(picture.shape, 150, 8, octaves=7, stretch=(0.55, 1.3))
+    canvas.mountains(far + valley * 120, "#b5476b", "#ffb072", 260)
+    rock = fractal(canvas.shape, 150, 8, octaves=7, stretch=(0.55, 1.3))
     near = ridge(width, 690, 400, 0.55, 35, 6) + valley * 210
-    picture.mountains(near, "#6a2b63", "#e8775c", 380)
+    canvas.mountains(near, "#6a2b63", "#e8775c", 380)
     lit = np.gradient(ndimage.gaussian_filter(rock, 3), axis=1) * 90
-    face = smooth(picture.y - near[None, :], 0, 8) * (1 - smooth(picture.y - near[None, :], 60, 300))
-    picture.blend("#ff9a78", face * smooth(lit, 0.1, 0.9) * 0.45)
-    picture.blend("#3d1a55", face * smooth(-lit, 0.1, 0.9) * 0.4)
+    face = smooth(canvas.y - near[None, :], 0, 8) * (1 - smooth(canvas.y - near[None, :], 60, 300))
+    canvas.blend("#ff9a78", face * smooth(lit, 0.1, 0.9) * 0.45)
+    canvas.blend("#3d1a55", face * smooth(-lit, 0.1, 0.9) * 0.4)
     left = ridge(width, 820, 430, 0.5, 52, 5) + smooth(np.arange(width), 380, 1080) * 360
     right = ridge(width, 850, 560, 0.5, 68, 5) + smooth(-np.arange(width), -1880, -1330) * 420
-    picture.mountains(np.minimum(left, right), "#3d1c52", "#7b3461", 460)
+    canvas.mountains(np.minimum(left, right), "#3d1c52", "#7b3461", 460)
     hill = 742 + 60 * np.sin(np.arange(width) / 260 + 0.6) + ridge(width, 0, 16, 0.7, 5, 40)
-    picture.mountains(hill, "#25133f", "#150b29", 340)
+    canvas.mountains(hill, "#25133f", "#150b29", 340)
     for seed, tall, shade in ((1, 130, "#241340"), (2, 190, "#190d30")):
-        pines(picture, seed, 60, -20, 760, lambda x: np.interp(x, np.arange(width), hill) + 18, tall, shade)
-        pines(picture, seed + 10, 26, 1500, 1940, lambda x: np.interp(x, np.arange(width), hill) + 6, tall, shade)
-    road(picture)
-    picture.glow(sun_x, 660, 520, "#ff9d55", 0.5, 2, squash=0.35)
-    car(picture, 1335, 915, 430)
+        pines(canvas, seed, 60, -20, 760, lambda x: np.interp(x, np.arange(width), hill) + 18, tall, shade)
+        pines(canvas, seed + 10, 26, 1500, 1940, lambda x: np.interp(x, np.arange(width), hill) + 6, tall, shade)
+    road(canvas)
+    canvas.glow(sun_x, 660, 520, "#ff9d55", 0.5, 2, squash=0.35)
+    car(canvas, 1335, 915, 430)
 
     random = np.random.default_rng(3)
 
@@ -185,14 +185,14 @@ def make(width=1920, height=1080):
             context.set_source_rgba(1, 0.75, 0.45, random.uniform(0.15, 0.7))
             context.stroke()
 
-    picture.draw(sparks, how="add")
-    shade = (1 - smooth(picture.x, 120, 1050)) * smooth(picture.y, -500, 700)
-    picture.blend("#12082a", shade * 0.62)
-    picture.vignette(0.32, 0.58, 0.52).grain()
+    canvas.draw(sparks, how="add")
+    shade = (1 - smooth(canvas.x, 120, 1050)) * smooth(canvas.y, -500, 700)
+    canvas.blend("#12082a", shade * 0.62)
+    canvas.vignette(0.32, 0.58, 0.52).grain()
 
     shadow = ("#0c0420", 16, 8, 0.75)
-    write(picture, 122, 132, "REDSTONE WORKS PRESENTS", "Lato Bold", 30, "#ffd9b0", tracking=190, shadow=shadow)
-    write(picture, 126, 232, "SUMMIT", "Bebas Neue Bold", 276, ["#fffaf0", "#ffd7a1"], slant=0.16, shadow=shadow)
-    write(picture, 120, 456, "FURY", "Bebas Neue Bold", 276, ["#ffb35c", "#ff5a36"], slant=0.16, shadow=shadow)
-    write(picture, 122, 694, "Twelve peaks. One record. Yours.", "Lato Bold", 46, "#ffffff", shadow=shadow)
-    return picture
+    write(canvas, 122, 132, "REDSTONE WORKS PRESENTS", "Lato Bold", 30, "#ffd9b0", tracking=190, shadow=shadow)
+    write(canvas, 126, 232, "SUMMIT", "Bebas Neue Bold", 276, ["#fffaf0", "#ffd7a1"], slant=0.16, shadow=shadow)
+    write(canvas, 120, 456, "FURY", "Bebas Neue Bold", 276, ["#ffb35c", "#ff5a36"], slant=0.16, shadow=shadow)
+    write(canvas, 122, 694, "Twelve peaks. One record. Yours.", "Lato Bold", 46, "#ffffff", shadow=shadow)
+    return canvas

@@ -22,7 +22,7 @@ def petal(context, length, wide, light, dark, heart, veins=5, notch=0.0):
     context.restore()
 
 
-def flower(picture, x, y, size, light, dark, heart, centre, petals=(13, 11), seed=1, turn=0.0, squash=0.94):
+def flower(canvas, x, y, size, light, dark, heart, centre, petals=(13, 11), seed=1, turn=0.0, squash=0.94):
     random = np.random.default_rng(seed)
 
     def at(context):
@@ -39,7 +39,7 @@ def flower(picture, x, y, size, light, dark, heart, centre, petals=(13, 11), see
             petal(context, size, size * 0.24, "#02100a", "#02100a", "#02100a", veins=0)
             context.restore()
 
-    picture.draw(cast, blur=size * 0.06, opacity=0.6)
+    canvas.draw(cast, blur=size * 0.06, opacity=0.6)
     for ring, count in enumerate(petals):
         reach = size * (1 - 0.26 * ring)
         angles = [2 * math.pi * i / count + ring * 0.3 + random.uniform(-0.07, 0.07) for i in range(count)]
@@ -63,8 +63,8 @@ def flower(picture, x, y, size, light, dark, heart, centre, petals=(13, 11), see
                 context.restore()
 
         if ring:
-            picture.draw(shade, blur=size * 0.025, opacity=0.4)
-        picture.draw(lay)
+            canvas.draw(shade, blur=size * 0.025, opacity=0.4)
+        canvas.draw(lay)
 
     def seeds(context):
         at(context)
@@ -79,7 +79,7 @@ def flower(picture, x, y, size, light, dark, heart, centre, petals=(13, 11), see
             ellipse(context, px, py, dot * 0.8, dot * 0.8)
             paint(context, mix(centre, "#fff2b8", 0.25 + 0.6 * i / 150))
 
-    picture.draw(seeds)
+    canvas.draw(seeds)
 
 
 def leaf(context, x, y, length, wide, turn, light, dark, bend=0.18):
@@ -110,16 +110,16 @@ def leaf(context, x, y, length, wide, turn, light, dark, bend=0.18):
     context.restore()
 
 
-def foliage(picture, leaves, blur=0.0, strength=1.0):
+def foliage(canvas, leaves, blur=0.0, strength=1.0):
     def cast(context):
         for x, y, length, wide, turn, _, _ in leaves:
             leaf(context, x + 14, y + 22, length, wide, turn, "#010a06", "#010a06")
 
-    picture.draw(cast, blur=14 + blur, opacity=0.55 * strength)
-    picture.draw(lambda context: [leaf(context, *one) for one in leaves], blur=blur, opacity=strength)
+    canvas.draw(cast, blur=14 + blur, opacity=0.55 * strength)
+    canvas.draw(lambda context: [leaf(context, *one) for one in leaves], blur=blur, opacity=strength)
 
 
-def sprig(picture, x, y, length, turn, colour, seed):
+def sprig(canvas, x, y, length, turn, colour, seed):
     random = np.random.default_rng(seed)
 
     def lay(context):
@@ -140,13 +140,13 @@ def sprig(picture, x, y, length, turn, colour, seed):
             ellipse(context, px, py, size, size * 0.8)
             paint(context, mix(colour, "#ffffff", random.uniform(0, 0.45)))
 
-    picture.draw(lay)
+    canvas.draw(lay)
 
 
 def make():
-    picture = Picture()
-    picture.gradient([(0, "#0c3b2c"), (0.55, "#0a2f26"), (1, "#06201b")], 40)
-    picture.glow(1380, 420, 1000, "#4f9a68", 0.4, 1.8)
+    canvas = Canvas()
+    canvas.gradient([(0, "#0c3b2c"), (0.55, "#0a2f26"), (1, "#06201b")], 40)
+    canvas.glow(1380, 420, 1000, "#4f9a68", 0.4, 1.8)
     random = np.random.default_rng(16)
     greens = (("#6fae62", "#1f5a38"), ("#4f9460", "#123f2c"), ("#8cc06a", "#2f6a3a"), ("#3f8a78", "#0d3a36"))
 
@@ -155,15 +155,15 @@ def make():
         angle = random.uniform(0, 2 * math.pi)
         light, dark = greens[random.integers(0, 4)]
         deep.append((1390 + 250 * math.cos(angle), 560 + 210 * math.sin(angle), random.uniform(260, 430), random.uniform(52, 84), angle + random.uniform(-0.5, 0.5), mix(light, "#0a2f26", 0.55), mix(dark, "#06201b", 0.55)))
-    foliage(picture, deep, blur=3, strength=0.9)
+    foliage(canvas, deep, blur=3, strength=0.9)
     for x, y, length, turn, colour, seed in ((1240, 520, 430, -2.25, "#9a7be0", 1), (1330, 430, 420, -1.7, "#b48cf0", 2), (1600, 470, 420, -0.62, "#9a7be0", 3), (1560, 640, 400, 0.62, "#8a6ad8", 4), (1180, 700, 380, 2.75, "#a98bea", 5)):
-        sprig(picture, x, y, length, turn, colour, seed)
+        sprig(canvas, x, y, length, turn, colour, seed)
     front = []
     for _ in range(30):
         angle = random.uniform(0, 2 * math.pi)
         light, dark = greens[random.integers(0, 4)]
         front.append((1390 + 200 * math.cos(angle), 560 + 170 * math.sin(angle), random.uniform(230, 340), random.uniform(42, 66), angle + random.uniform(-0.5, 0.5), light, dark))
-    foliage(picture, front)
+    foliage(canvas, front)
 
     pinks = ("#ffd0dc", "#f0608f", "#8f1547", "#f2b430")
     corals = ("#ffd9b8", "#ff7f50", "#a82a1a", "#ffcf5a")
@@ -181,7 +181,7 @@ def make():
         (1540, 520, 190, corals, (14, 12, 10), 18, 0.9),
         (1280, 560, 232, pinks, (15, 13, 11), 19, 0.15),
     ):
-        flower(picture, x, y, size, *colours, petals=petals, seed=seed, turn=turn)
+        flower(canvas, x, y, size, *colours, petals=petals, seed=seed, turn=turn)
 
     def pollen(context):
         for _ in range(70):
@@ -190,13 +190,13 @@ def make():
             context.set_source_rgba(1, 0.93, 0.65, random.uniform(0.25, 0.85))
             context.fill()
 
-    picture.draw(pollen, blur=1.1, how="screen")
-    picture.blend("#06231b", (1 - smooth(picture.x, 420, 1000)) * 0.75)
-    picture.vignette(0.34, 0.66, 0.5).grain(0.009)
+    canvas.draw(pollen, blur=1.1, how="screen")
+    canvas.blend("#06231b", (1 - smooth(canvas.x, 420, 1000)) * 0.75)
+    canvas.vignette(0.34, 0.66, 0.5).grain(0.009)
 
     shadow = ("#02120c", 14, 4, 0.7)
-    write(picture, 122, 172, "THE SPRING CATALOGUE", "Lato Bold", 29, "#ffd98a", tracking=200)
-    write(picture, 116, 268, "Wildgrove", "EB Garamond 12", 186, "#fffaf0", shadow=shadow)
-    write(picture, 118, 452, "Seeds", "EB Garamond 12 Italic", 186, "#ffb9c9", shadow=shadow)
-    write(picture, 122, 664, "Four hundred ways to bloom.", "Lato Bold", 46, "#ffffff", shadow=shadow)
-    return picture
+    write(canvas, 122, 172, "THE SPRING CATALOGUE", "Lato Bold", 29, "#ffd98a", tracking=200)
+    write(canvas, 116, 268, "Wildgrove", "EB Garamond 12", 186, "#fffaf0", shadow=shadow)
+    write(canvas, 118, 452, "Seeds", "EB Garamond 12 Italic", 186, "#ffb9c9", shadow=shadow)
+    write(canvas, 122, 664, "Four hundred ways to bloom.", "Lato Bold", 46, "#ffffff", shadow=shadow)
+    return canvas

@@ -1,7 +1,0 @@
-#pragma once
-
-#include <string>
-
-/// The bytes of a 1920×1080 JPEG as an ad's picture is: gradients, shapes and text, some 200 to 400 KB.
-/// Pictures of different numbers differ.
-[[nodiscard]] std::string adPicture(int number);
