@@ -22,19 +22,26 @@
 namespace adserver
 {
 
-class AdServer::Machinery
+class AdServer::State
 {
 public:
-    Machinery(AdServerOptions given, AdServer& server)
+    State(AdServerOptions given, AdServer& server)
         : options(std::move(given))
         , sessions(options.pingInterval, options.sessionLifetime)
-        , control(server, sessions)
-        , ads(sessions, transactions, campaigns)
-        , vast(campaigns)
-        , files(campaigns)
-        , store(campaigns)
-        , pipeline({faults, log, control, ads, vast, files, store}, scheme(), options.clock)
+        , pipeline(faults, log, endpoints(server), scheme(), options.clock)
     {
+    }
+
+    /// Asked in this order; the one list that a new endpoint joins.
+    [[nodiscard]] RequestPipeline::Endpoints endpoints(AdServer& server)
+    {
+        RequestPipeline::Endpoints all;
+        all.push_back(std::make_unique<ControlEndpoints>(server, sessions));
+        all.push_back(std::make_unique<AdEndpoints>(sessions, transactions, campaigns));
+        all.push_back(std::make_unique<VASTEndpoints>(campaigns));
+        all.push_back(std::make_unique<FileEndpoint>(campaigns));
+        all.push_back(std::make_unique<StorePage>(campaigns));
+        return all;
     }
 
     [[nodiscard]] std::string scheme() const { return options.plainHTTP ? "http" : "https"; }
@@ -49,7 +56,7 @@ public:
         faults.replaceCampaignFaults(campaigns.faults());
     }
 
-    /// Guards `listener` and `authorityFile`; not held while answering.
+    /// Guards `listener` and `authorityFile`; not held while a request is served.
     mutable std::mutex mutex;
     const AdServerOptions options;
     CampaignCatalogue campaigns;
@@ -57,20 +64,12 @@ public:
     FaultTable faults;
     RequestLog log;
     SessionTable sessions;
-    ControlEndpoints control;
-    AdEndpoints ads;
-    VASTEndpoints vast;
-    FileEndpoint files;
-    StorePage store;
     RequestPipeline pipeline;
     std::filesystem::path authorityFile;
     std::unique_ptr<HTTPListener> listener;
 };
 
-AdServer::AdServer(AdServerOptions options)
-    : m_machinery(std::make_unique<Machinery>(std::move(options), *this))
-{
-}
+AdServer::AdServer(AdServerOptions options) : m_state(std::make_unique<State>(std::move(options), *this)) {}
 
 AdServer::~AdServer()
 {
@@ -79,38 +78,38 @@ AdServer::~AdServer()
 
 void AdServer::start()
 {
-    auto& machinery = *m_machinery;
-    const std::lock_guard lock(machinery.mutex);
-    if (machinery.listener)
+    auto& state = *m_state;
+    const std::lock_guard lock(state.mutex);
+    if (state.listener)
         return;
-    machinery.campaigns.read(machinery.options.campaignsFolder);
-    machinery.beginAnew();
-    machinery.log.open(machinery.options.logFile);
+    state.campaigns.read(state.options.campaignsFolder);
+    state.beginAnew();
+    state.log.open(state.options.logFile);
     TLSContextPointer tls;
-    machinery.authorityFile.clear();
-    if (!machinery.options.plainHTTP) {
-        const auto& folder = machinery.options.stateFolder;
+    state.authorityFile.clear();
+    if (!state.options.plainHTTP) {
+        const auto& folder = state.options.stateFolder;
         const CertificateAuthority authority(folder.empty() ? CertificateAuthority::defaultFolder() : folder,
-                                             machinery.options.clock());
+                                             state.options.clock());
         tls = authority.makeTLSContext();
-        machinery.authorityFile = authority.authorityFile();
+        state.authorityFile = authority.authorityFile();
     }
     auto listener = std::make_unique<HTTPListener>(
         std::move(tls),
-        [&machinery](const httplib::Request& request, ClientConnection& connection) {
-            return machinery.pipeline.respond(request, connection);
+        [&state](const httplib::Request& request, ClientConnection& connection) {
+            return state.pipeline.respond(request, connection);
         },
-        [&machinery](const RequestLogEntry& entry) { machinery.log.note(entry); });
-    listener->listen(machinery.options.port);
-    machinery.listener = std::move(listener);
+        [&state](const RequestLogEntry& entry) { state.log.note(entry); });
+    listener->listen(state.options.port);
+    state.listener = std::move(listener);
 }
 
 void AdServer::stop()
 {
     std::unique_ptr<HTTPListener> ending;
     {
-        const std::lock_guard lock(m_machinery->mutex);
-        ending = std::move(m_machinery->listener);
+        const std::lock_guard lock(m_state->mutex);
+        ending = std::move(m_state->listener);
     }
     if (ending)
         ending->stop();
@@ -118,32 +117,32 @@ void AdServer::stop()
 
 std::uint16_t AdServer::port() const
 {
-    const std::lock_guard lock(m_machinery->mutex);
-    return m_machinery->listener ? m_machinery->listener->port() : std::uint16_t{0};
+    const std::lock_guard lock(m_state->mutex);
+    return m_state->listener ? m_state->listener->port() : std::uint16_t{0};
 }
 
 std::string AdServer::baseURL() const
 {
-    return m_machinery->scheme() + "://localhost:" + std::to_string(port());
+    return m_state->scheme() + "://localhost:" + std::to_string(port());
 }
 
 std::filesystem::path AdServer::authorityFile() const
 {
-    const std::lock_guard lock(m_machinery->mutex);
-    return m_machinery->authorityFile;
+    const std::lock_guard lock(m_state->mutex);
+    return m_state->authorityFile;
 }
 
 void AdServer::addCampaign(const std::string& name, const std::string& text,
                            const std::filesystem::path& folder)
 {
-    auto& campaigns = m_machinery->campaigns;
-    campaigns.add(readCampaign(name, text, folder.empty() ? m_machinery->options.campaignsFolder : folder));
-    m_machinery->faults.replaceCampaignFaults(campaigns.faults());
+    auto& campaigns = m_state->campaigns;
+    campaigns.add(readCampaign(name, text, folder.empty() ? m_state->options.campaignsFolder : folder));
+    m_state->faults.replaceCampaignFaults(campaigns.faults());
 }
 
 std::vector<std::string> AdServer::campaignErrors() const
 {
-    return m_machinery->campaigns.errors();
+    return m_state->campaigns.errors();
 }
 
 std::vector<std::string> AdServer::checkCampaigns(const std::filesystem::path& folder)
@@ -155,28 +154,28 @@ std::vector<std::string> AdServer::checkCampaigns(const std::filesystem::path& f
 
 void AdServer::setFault(const AdServerFault& fault)
 {
-    m_machinery->faults.set(fault);
+    m_state->faults.set(fault);
 }
 
 void AdServer::clearFaults()
 {
-    m_machinery->faults.clear();
+    m_state->faults.clear();
 }
 
 std::vector<RequestLogEntry> AdServer::requests() const
 {
-    return m_machinery->log.requests();
+    return m_state->log.requests();
 }
 
 void AdServer::clearRequests()
 {
-    m_machinery->log.clear();
+    m_state->log.clear();
 }
 
 bool AdServer::waitUntil(const std::function<bool(const std::vector<RequestLogEntry>&)>& condition,
                          std::chrono::milliseconds timeout) const
 {
-    return m_machinery->log.waitUntil(condition, timeout);
+    return m_state->log.waitUntil(condition, timeout);
 }
 
 bool AdServer::waitForRequests(const std::string& method, const std::string& path, std::size_t count,
@@ -194,23 +193,23 @@ bool AdServer::waitForRequests(const std::string& method, const std::string& pat
 
 void AdServer::expireSessions()
 {
-    m_machinery->sessions.expireAll();
+    m_state->sessions.expireAll();
 }
 
 void AdServer::setPingInterval(std::chrono::milliseconds interval)
 {
-    m_machinery->sessions.setPingInterval(interval);
+    m_state->sessions.setPingInterval(interval);
 }
 
 void AdServer::grantRewards()
 {
-    m_machinery->transactions.grantRewards();
+    m_state->transactions.grantRewards();
 }
 
 void AdServer::reset()
 {
-    m_machinery->faults.clear();
-    m_machinery->beginAnew();
+    m_state->faults.clear();
+    m_state->beginAnew();
 }
 
 } // namespace adserver

@@ -53,8 +53,7 @@ public:
     [[nodiscard]] std::filesystem::path authorityFile() const;
 
     /// Takes a campaign file's text as if `name` stood in `folder` (empty: the campaigns folder). It is asked
-    /// before those of the folder; VAST documents that it names must be its own or those of campaigns that
-    /// have been read. Throws std::invalid_argument naming the key and the reason.
+    /// before those of the folder. Throws std::invalid_argument naming the key and the reason.
     void addCampaign(const std::string& name, const std::string& text,
                      const std::filesystem::path& folder = {});
     /// One line for each campaign file left out: file, key and reason.
@@ -90,8 +89,8 @@ public:
     void reset();
 
 private:
-    class Machinery;
-    std::unique_ptr<Machinery> m_machinery;
+    class State;
+    std::unique_ptr<State> m_state;
 };
 
 } // namespace adserver

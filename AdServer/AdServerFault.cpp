@@ -63,8 +63,6 @@ AdServerFault AdServerFault::fromJSON(const nlohmann::json& value)
             member.eachMember([&](const std::string& name, const JSONChecker& header) {
                 fault.headers[name] = header.text();
             });
-        else if (key == "wrongJSON")
-            fault.wrongJSON = member.truth();
         else if (key == "bodySize")
             fault.bodySize = sizeOfBody(member);
         else if (key == "chunked")

@@ -12,7 +12,7 @@ namespace adserver
 {
 
 /// What goes wrong with the responses on a path. Only what is set happens, so a `delay` alone gives the right
-/// response late. With `status`, `body`, `wrongJSON` or `bodySize` the response is made up and the request
+/// response late. With `status`, `body` or `bodySize` the response is made up and the request
 /// changes nothing in the server (no click is noted, no session opened); this also serves any path with a
 /// canned response.
 ///
@@ -39,11 +39,10 @@ struct AdServerFault {
     std::optional<std::string> contentType = {};
     /// Added to whatever response goes out; one named here replaces its namesake.
     std::map<std::string, std::string> headers = {};
-    /// A success whose body breaks off in the middle of its JSON.
-    bool wrongJSON = false;
     /// A JSON object of exactly this many bytes (at least 16), generated while it is sent.
     std::optional<std::uint64_t> bodySize = {};
-    /// Sends the made-up body in chunks, so that no head tells its length.
+
+    /// Sends a canned body in chunks, so that no header names its length.
     bool chunked = false;
 
     /// The head names the whole length; the connection is closed after this many bytes of the body.

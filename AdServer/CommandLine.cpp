@@ -1,7 +1,6 @@
 #include "CommandLine.h"
 
 #include <charconv>
-#include <cstdlib>
 #include <functional>
 #include <map>
 #include <stdexcept>
@@ -24,16 +23,6 @@ unsigned wholeNumber(const std::string& option, const std::string& word, unsigne
     return value;
 }
 
-std::chrono::milliseconds seconds(const std::string& option, const std::string& word)
-{
-    constexpr double longest = 86400;
-    char* end = nullptr;
-    const double value = std::strtod(word.c_str(), &end);
-    if (word.empty() || *end != '\0' || !(value > 0 && value <= longest))
-        throw std::invalid_argument(option + " takes seconds, above 0 and up to 86400, not \"" + word + '"');
-    return std::chrono::milliseconds(static_cast<std::int64_t>(value * 1000));
-}
-
 } // namespace
 
 CommandLine CommandLine::read(const std::vector<std::string>& words)
@@ -51,10 +40,6 @@ CommandLine CommandLine::read(const std::vector<std::string>& words)
         {"--log", [&](const auto& word) { line.options.logFile = word; }},
         {"--ready-file", [&](const auto& word) { line.readyFile = word; }},
         {"--faults", [&](const auto& word) { line.faultsFile = word; }},
-        {"--ping-interval",
-         [&](const auto& word) { line.options.pingInterval = seconds("--ping-interval", word); }},
-        {"--session-lifetime",
-         [&](const auto& word) { line.options.sessionLifetime = seconds("--session-lifetime", word); }},
     };
     const std::map<std::string, bool*> switches{{"--help", &line.help},
                                                 {"--http", &line.options.plainHTTP},
@@ -88,11 +73,9 @@ A development ad server on 127.0.0.1. Runs until SIGINT or SIGTERM.
   --http                 plain HTTP in place of HTTPS
   --state DIR            keep the certificate authority in DIR
                          (default $XDG_STATE_HOME/virlo-ad-server or ~/.local/state/virlo-ad-server)
-  --log FILE             append one JSON line for each entry to FILE
+  --log FILE             append one JSON line for each request to FILE
   --faults FILE          set the faults of FILE, a JSON array of them
   --ready-file FILE      write the base URL to FILE once connections are taken
-  --ping-interval S      tell clients to ping every S seconds (default 60)
-  --session-lifetime S   a session expires S seconds after its last ping (default 180)
   --help                 show this
 
 Exit status: 0 stopped by a signal, 1 could not start, 2 wrong use or wrong campaigns.

@@ -44,7 +44,7 @@ void announce(const adserver::AdServer& server, const adserver::CommandLine& lin
     if (!server.authorityFile().empty())
         std::cout << "trust the authority in " << server.authorityFile().string() << '\n';
     if (line.options.campaignsFolder.empty())
-        std::cout << "no campaigns: every request for an ad is responded to with NO_AD\n";
+        std::cout << "no campaigns: every request for an ad gets NO_AD\n";
     std::cout << "listening on " << server.baseURL() << std::endl;
 }
 

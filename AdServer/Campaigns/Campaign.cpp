@@ -16,12 +16,6 @@ namespace
 constexpr std::array addressKeys{"impressionUrl", "clickUrl",  "clickFallback", "clickTracker",
                                  "backgroundUrl", "markupUrl", "pollingUrl"};
 
-void fillIn(std::string& text, std::string_view mark, const std::string& value)
-{
-    for (auto at = text.find(mark); at != text.npos; at = text.find(mark, at + value.size()))
-        text.replace(at, mark.size(), value);
-}
-
 /// Makes the addresses of one item or page what clients can use.
 class AddressFinisher
 {
@@ -99,7 +93,7 @@ const nlohmann::json* Campaign::item(const std::string& cid) const
     return found;
 }
 
-nlohmann::json Campaign::respond(const std::string& txid, const std::string& origin, TimePoint now) const
+nlohmann::json Campaign::response(const std::string& txid, const std::string& origin, TimePoint now) const
 {
     auto served = advertisement;
     setUnlessSaid(served, "txid", txid);

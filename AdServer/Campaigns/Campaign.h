@@ -2,7 +2,6 @@
 
 #include "AdServerFault.h"
 #include "Dates.h"
-#include "VASTDocument.h"
 
 #include <nlohmann/json.hpp>
 
@@ -39,17 +38,12 @@ struct Campaign {
     /// By "cid": how long after the click the reward is there.
     std::map<std::string, std::chrono::milliseconds> rewards;
     std::vector<AdServerFault> faults;
-    /// By name.
-    std::map<std::string, VASTDocument> vast;
-    /// The names of the documents of any campaign that this one's addresses name, by the keys that hold
-    /// those.
-    std::map<std::string, std::string> documentsNamed;
 
     [[nodiscard]] bool fits(const Rule& rule, const std::string& placement, const std::string& type) const;
     /// Null when no page has such an item.
     [[nodiscard]] const nlohmann::json* item(const std::string& cid) const;
-    [[nodiscard]] nlohmann::json respond(const std::string& txid, const std::string& origin,
-                                         TimePoint now) const;
+    [[nodiscard]] nlohmann::json response(const std::string& txid, const std::string& origin,
+                                          TimePoint now) const;
     /// `number` counts from 1; nothing when there is none.
     [[nodiscard]] std::optional<nlohmann::json> page(std::size_t number, const std::string& txid,
                                                      const std::string& origin) const;

@@ -44,28 +44,6 @@ std::string contents(const std::filesystem::path& file)
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-using Campaigns = std::vector<std::shared_ptr<const Campaign>>;
-
-std::shared_ptr<const VASTDocument> documentIn(const Campaigns& campaigns, const std::string& name)
-{
-    for (const auto& campaign : campaigns)
-        if (const auto found = campaign->vast.find(name); found != campaign->vast.end())
-            return {campaign, &found->second};
-    return nullptr;
-}
-
-/// Why the campaign cannot be used beside `known`, among which it need not be; empty when it can.
-std::string missingDocument(const Campaign& campaign, const Campaigns& known)
-{
-    for (const auto& [where, name] : campaign.documentsNamed)
-        if (!campaign.vast.contains(name) && !documentIn(known, name))
-            return std::string(where)
-                .append(": no campaign has a VAST document \"")
-                .append(name)
-                .append(1, '"');
-    return {};
-}
-
 } // namespace
 
 void CampaignCatalogue::read(const std::filesystem::path& folder)
@@ -75,26 +53,11 @@ void CampaignCatalogue::read(const std::filesystem::path& folder)
     if (!folder.empty()) {
         for (const auto& file : campaignFiles(folder)) {
             try {
-                auto campaign = readCampaign(file.filename().string(), contents(file), folder);
-                for (const auto& [name, document] : campaign->vast)
-                    if (documentIn(campaigns, name))
-                        throw std::invalid_argument("vast." + name +
-                                                    ": another campaign has a document of that name");
-                campaigns.push_back(std::move(campaign));
+                campaigns.push_back(readCampaign(file.filename().string(), contents(file), folder));
             } catch (const std::invalid_argument& error) {
                 errors.push_back(file.string() + ": " + error.what());
             }
         }
-    }
-    // Each that goes may take documents with it that others name.
-    for (bool changed = true; changed;) {
-        const auto known = campaigns;
-        changed = std::erase_if(campaigns, [&](const auto& campaign) {
-                      const auto reason = missingDocument(*campaign, known);
-                      if (!reason.empty())
-                          errors.push_back((folder / campaign->name).string() + ": " + reason);
-                      return !reason.empty();
-                  }) > 0;
     }
     const std::lock_guard lock(m_mutex);
     m_folder = folder;
@@ -106,10 +69,6 @@ void CampaignCatalogue::read(const std::filesystem::path& folder)
 void CampaignCatalogue::add(const std::shared_ptr<const Campaign>& campaign)
 {
     const std::lock_guard lock(m_mutex);
-    auto known = m_added;
-    known.insert(known.end(), m_read.begin(), m_read.end());
-    if (const auto reason = missingDocument(*campaign, known); !reason.empty())
-        throw std::invalid_argument(reason);
     std::erase_if(m_added, [&](const auto& other) { return other->name == campaign->name; });
     m_added.push_back(campaign);
 }
@@ -160,13 +119,6 @@ std::optional<nlohmann::json> CampaignCatalogue::item(const std::string& cid) co
             if (const auto* item = campaign->item(cid))
                 return *item;
     return std::nullopt;
-}
-
-std::shared_ptr<const VASTDocument> CampaignCatalogue::document(const std::string& name) const
-{
-    const std::lock_guard lock(m_mutex);
-    auto found = documentIn(m_added, name);
-    return found ? found : documentIn(m_read, name);
 }
 
 std::vector<std::filesystem::path> CampaignCatalogue::folders() const

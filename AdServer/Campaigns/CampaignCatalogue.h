@@ -22,11 +22,10 @@ class CampaignCatalogue
 {
 public:
     /// Reads every *.json of the folder, by name, in place of what it read before; an empty path reads
-    /// nothing. Wrong ones are left out and named, and with them those that name VAST documents which no
-    /// campaign has. Throws std::runtime_error when the folder cannot be read.
+    /// nothing. Wrong ones are left out and named in `errors`. Throws std::runtime_error when the folder
+    /// cannot be read.
     void read(const std::filesystem::path& folder);
-    /// In place of one of that name that was added before. Throws std::invalid_argument when it names a VAST
-    /// document that neither it nor a campaign known already has.
+    /// In place of one of that name that was added before.
     void add(const std::shared_ptr<const Campaign>& campaign);
 
     /// Null when none fits.
@@ -36,8 +35,6 @@ public:
     void restart();
     /// The item of any campaign, for pages that are not bound to a transaction.
     [[nodiscard]] std::optional<nlohmann::json> item(const std::string& cid) const;
-    /// The VAST document of any campaign; null when none has it.
-    [[nodiscard]] std::shared_ptr<const VASTDocument> document(const std::string& name) const;
     [[nodiscard]] std::vector<std::filesystem::path> folders() const;
     [[nodiscard]] std::vector<std::string> errors() const;
     [[nodiscard]] std::vector<AdServerFault> faults() const;

@@ -3,12 +3,12 @@
 #include "JSONChecker.h"
 #include "JSONText.h"
 #include "URLText.h"
-#include "VASTReader.h"
 
 #include <algorithm>
 #include <cctype>
 #include <functional>
 #include <stdexcept>
+#include <string_view>
 
 namespace adserver
 {
@@ -38,7 +38,6 @@ public:
                               {"rules", [this](const auto& value) { readRules(value); }},
                               {"advertisement", [this](const auto& value) { readAdvertisement(value); }},
                               {"morePages", [this](const auto& value) { readPages(value); }},
-                              {"vast", [this](const auto& value) { readDocuments(value); }},
                               {"faults", [this](const auto& value) { readFaults(value); }},
                               {"rewards", skip}});
         if (const auto rewards = file.find("rewards"); rewards != file.end())
@@ -112,12 +111,6 @@ private:
             reward.checkMembers({{"secondsAfterClick", skip}});
             m_campaign.rewards[cid] = std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
         });
-    }
-
-    void readDocuments(const JSONChecker& documents)
-    {
-        m_campaign.vast =
-            readVAST(documents, [this](const JSONChecker& value) { checkAddress(value, true); });
     }
 
     void readFaults(const JSONChecker& faults)
@@ -198,12 +191,18 @@ private:
         if (std::any_of(address.begin(), address.end(),
                         [](unsigned char letter) { return letter <= ' ' || letter == 127; }))
             value.fail("must be an address without spaces");
-        if (auto document = documentNamedBy(address))
-            m_campaign.documentsNamed[value.where()] = std::move(*document);
-        if (!mustExist || isAbsoluteURL(address) || address.starts_with('/'))
+        constexpr std::string_view vastPath = "/vast/";
+        const bool isDocument = address.starts_with(vastPath);
+        if (!mustExist || isAbsoluteURL(address) || (address.starts_with('/') && !isDocument))
             return;
-        if (!std::filesystem::is_regular_file(m_campaign.folder / address))
-            value.fail("there is no file " + (m_campaign.folder / address).string());
+        auto file = m_campaign.folder / address;
+        if (isDocument) {
+            const auto end = address.find_first_of("/?#", vastPath.size());
+            file = m_campaign.folder / "vast" /
+                   (address.substr(vastPath.size(), end - vastPath.size()) + ".xml");
+        }
+        if (!std::filesystem::is_regular_file(file))
+            value.fail("there is no file " + file.string());
     }
 
     Campaign m_campaign;

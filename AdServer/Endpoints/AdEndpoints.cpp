@@ -146,7 +146,7 @@ Response AdEndpoints::advertisement(const ServerRequest& request) const
     const auto campaign = m_campaigns.choose(placement, request.queryItem("type"));
     if (!campaign)
         return Response::error(404, "NO_AD");
-    return Response::json(campaign->respond(m_transactions.begin(campaign), request.origin, request.now));
+    return Response::json(campaign->response(m_transactions.begin(campaign), request.origin, request.now));
 }
 
 std::optional<Response> AdEndpoints::ofTransaction(const ServerRequest& request) const

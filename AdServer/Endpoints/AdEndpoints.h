@@ -1,8 +1,7 @@
 #pragma once
 
 #include "CampaignCatalogue.h"
-#include "Response.h"
-#include "ServerRequest.h"
+#include "Endpoint.h"
 #include "SessionTable.h"
 #include "TransactionTable.h"
 
@@ -28,13 +27,12 @@ namespace adserver
 ///     POST   /ad/form/TXID/CID             200 {"status":"OK"}
 ///     GET    /ad/store/TXID/CID            302 to /store/CID
 ///     GET    /ad/poll/TXID/CID             200 {"status":false}, once due {"status":true,…}; 401
-class AdEndpoints
+class AdEndpoints final : public Endpoint
 {
 public:
     AdEndpoints(SessionTable& sessions, TransactionTable& transactions, CampaignCatalogue& campaigns);
 
-    /// Nothing when the path is none of these.
-    [[nodiscard]] std::optional<Response> respond(const ServerRequest& request) const;
+    [[nodiscard]] std::optional<Response> respond(const ServerRequest& request) const override;
 
 private:
     /// An item of an advertisement that was handed out, as "/ad/WHAT/TXID/CID" names it.

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "Response.h"
-#include "ServerRequest.h"
+#include "Endpoint.h"
 
 #include <nlohmann/json.hpp>
 
@@ -21,20 +20,21 @@ class SessionTable;
 /// Refused to web pages, which a browser marks by an "Origin", and under any name but this machine's own.
 /// Safe from any thread.
 ///
-///     POST   /control/faults          a fault, or an array of them   204
-///     DELETE /control/faults                                         204
-///     GET    /control/requests                                      200 [entry, …], headers and
-///     connection too DELETE /control/requests                                      204 GET
-///     /control/sessions                                       200 [session, …] DELETE /control/sessions all
-///     of them expire             204 PUT    /control/ping-interval   {"seconds": 2.5}               204 POST
-///     /control/rewards         every reward is due            204 POST   /control/reset 204
-class ControlEndpoints
+///     POST   /control/faults          204; the body is a fault, or an array of them
+///     DELETE /control/faults          204
+///     GET    /control/requests        200 the request log as an array, with headers and connection
+///     DELETE /control/requests        204
+///     GET    /control/sessions        200 the open sessions as an array
+///     DELETE /control/sessions        204; all of them expire
+///     PUT    /control/ping-interval   204; the body is {"seconds": 2.5}
+///     POST   /control/rewards         204; every reward is due
+///     POST   /control/reset           204
+class ControlEndpoints final : public Endpoint
 {
 public:
     ControlEndpoints(AdServer& server, const SessionTable& sessions);
 
-    /// Nothing when the path is not below /control/.
-    [[nodiscard]] std::optional<Response> respond(const ServerRequest& request) const;
+    [[nodiscard]] std::optional<Response> respond(const ServerRequest& request) const override;
 
     [[nodiscard]] static bool isControlPath(const std::string& path) { return path.starts_with("/control/"); }
 

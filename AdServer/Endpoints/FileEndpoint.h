@@ -1,8 +1,7 @@
 #pragma once
 
 #include "CampaignCatalogue.h"
-#include "Response.h"
-#include "ServerRequest.h"
+#include "Endpoint.h"
 
 #include <optional>
 
@@ -12,13 +11,12 @@ namespace adserver
 /// GET and HEAD of the files beside the campaigns, whole or a range of bytes, with entity tags. Nothing
 /// outside the campaigns' folders is served, whichever way a path or a link leads there. Safe from any
 /// thread.
-class FileEndpoint
+class FileEndpoint final : public Endpoint
 {
 public:
     explicit FileEndpoint(const CampaignCatalogue& campaigns) : m_campaigns(campaigns) {}
 
-    /// Nothing when the path is not below `campaignFilesPath`.
-    [[nodiscard]] std::optional<Response> respond(const ServerRequest& request) const;
+    [[nodiscard]] std::optional<Response> respond(const ServerRequest& request) const override;
 
 private:
     const CampaignCatalogue& m_campaigns;

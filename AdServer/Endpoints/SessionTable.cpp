@@ -17,7 +17,7 @@ nlohmann::json SessionTable::open(const std::string& app, TimePoint now)
     std::erase_if(m_sessions, [&](const auto& entry) { return now - entry.second.keptUp > m_lifetime; });
     const auto session = randomIdentifier();
     m_sessions[session] = {.app = app, .keptUp = now};
-    return respond(session, now);
+    return response(session, now);
 }
 
 std::optional<nlohmann::json> SessionTable::keepUp(const std::string& session, const nlohmann::json& report,
@@ -29,7 +29,7 @@ std::optional<nlohmann::json> SessionTable::keepUp(const std::string& session, c
         return std::nullopt;
     found->second.keptUp = now;
     found->second.report.update(report);
-    return respond(session, now);
+    return response(session, now);
 }
 
 bool SessionTable::isOpen(const std::string& session, TimePoint now)
@@ -81,7 +81,7 @@ SessionTable::Sessions::iterator SessionTable::find(const std::string& session, 
     return m_sessions.end();
 }
 
-nlohmann::json SessionTable::respond(const std::string& session, TimePoint now) const
+nlohmann::json SessionTable::response(const std::string& session, TimePoint now) const
 {
     return {{"sessionId", session},
             {"pingInterval", static_cast<double>(m_pingInterval.count()) / 1000.0},

@@ -42,7 +42,7 @@ private:
     using Sessions = std::map<std::string, Session>;
 
     [[nodiscard]] Sessions::iterator find(const std::string& session, TimePoint now);
-    [[nodiscard]] nlohmann::json respond(const std::string& session, TimePoint now) const;
+    [[nodiscard]] nlohmann::json response(const std::string& session, TimePoint now) const;
 
     mutable std::mutex m_mutex;
     Sessions m_sessions;

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "CampaignCatalogue.h"
-#include "Response.h"
-#include "ServerRequest.h"
+#include "Endpoint.h"
 
 #include <optional>
 
@@ -11,13 +10,12 @@ namespace adserver
 
 /// GET /store/CID: a page that stands in for the app's page in a store, made of the item's own texts. A
 /// client that accepts JSON only gets the item's name and identifier. Safe from any thread.
-class StorePage
+class StorePage final : public Endpoint
 {
 public:
     explicit StorePage(const CampaignCatalogue& campaigns) : m_campaigns(campaigns) {}
 
-    /// Nothing when the path is not below /store/.
-    [[nodiscard]] std::optional<Response> respond(const ServerRequest& request) const;
+    [[nodiscard]] std::optional<Response> respond(const ServerRequest& request) const override;
 
 private:
     const CampaignCatalogue& m_campaigns;

@@ -1,7 +1,5 @@
 #include "HTTPListener.h"
 
-#include "WorkerPool.h"
-
 #include <algorithm>
 #include <cctype>
 #include <set>
@@ -18,7 +16,9 @@ namespace
 
 using namespace std::chrono_literals;
 
-constexpr auto idlePatience = 75s;
+constexpr auto idleLimit = 75s;
+/// Each connection occupies a thread until it closes; further connections wait.
+constexpr size_t mostConnections = 128;
 constexpr auto everyPath = "[\\s\\S]*";
 constexpr size_t copyBuffer = 65536;
 
@@ -41,7 +41,7 @@ struct BodyFaults {
 
 /// One step of sending `body`; false breaks the response off. Steps end where the body stalls, so that the
 /// next one begins there and no other does.
-bool sendPiece(const ResponseBody& body, std::uint64_t offset, const BodyFaults& faults,
+bool sendChunk(const ResponseBody& body, std::uint64_t offset, const BodyFaults& faults,
                httplib::DataSink& sink, ClientConnection& connection)
 {
     const bool stalls = faults.stallAfter == offset;
@@ -83,7 +83,7 @@ HTTPListener::HTTPListener(TLSContextPointer tls, Responder responder, Noter not
     , m_responder(std::move(responder))
     , m_noter(std::move(noter))
 {
-    new_task_queue = [] { return new WorkerPool; };
+    new_task_queue = [] { return new httplib::ThreadPool(mostConnections); };
     set_tcp_nodelay(true);
     // The layer below would let two servers share a port, and clients meet either.
     set_socket_options([](socket_t socket) {
@@ -91,7 +91,7 @@ HTTPListener::HTTPListener(TLSContextPointer tls, Responder responder, Noter not
         setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     });
     set_keep_alive_max_count(1'000'000);
-    set_keep_alive_timeout(std::chrono::seconds(idlePatience).count());
+    set_keep_alive_timeout(std::chrono::seconds(idleLimit).count());
     set_payload_max_length(largestBody);
     const auto handler = [this](const httplib::Request& request, httplib::Response& output) {
         respond(request, output);
@@ -166,7 +166,7 @@ bool HTTPListener::process_and_close_socket(socket_t socket)
     if (!connection.handshake())
         return false;
     currentConnection = &connection;
-    while (connection.awaitRequest(idlePatience)) {
+    while (connection.awaitRequest(idleLimit)) {
         connection.beginRequest();
         bool closing = false;
         const bool served = process_request(connection, false, closing,
@@ -236,7 +236,7 @@ void HTTPListener::deliver(Response response, httplib::Response& output, ClientC
         output.set_chunked_content_provider(
             contentType, [body, faults, &connection](size_t offset, httplib::DataSink& sink) {
                 if (offset < body->size() || (faults.cutAfter && offset >= *faults.cutAfter))
-                    return sendPiece(*body, offset, faults, sink, connection);
+                    return sendChunk(*body, offset, faults, sink, connection);
                 sink.done();
                 return true;
             });
@@ -244,7 +244,7 @@ void HTTPListener::deliver(Response response, httplib::Response& output, ClientC
         output.set_content_provider(
             static_cast<size_t>(body->size()), contentType,
             [body, faults, &connection](size_t offset, size_t, httplib::DataSink& sink) {
-                return sendPiece(*body, offset, faults, sink, connection);
+                return sendChunk(*body, offset, faults, sink, connection);
             });
 }
 

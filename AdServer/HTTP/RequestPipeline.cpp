@@ -1,5 +1,7 @@
 #include "RequestPipeline.h"
 
+#include "ControlEndpoints.h"
+
 #include <algorithm>
 #include <cctype>
 #include <string_view>
@@ -13,7 +15,7 @@ namespace
 
 bool isCanned(const AdServerFault& fault)
 {
-    return fault.status || fault.body || fault.wrongJSON || fault.bodySize;
+    return fault.status || fault.body || fault.bodySize;
 }
 
 Response cannedResponse(const AdServerFault& fault)
@@ -21,7 +23,7 @@ Response cannedResponse(const AdServerFault& fault)
     Response response;
     response.status = fault.status.value_or(200);
     response.contentType = fault.contentType.value_or("application/json");
-    response.text = fault.wrongJSON ? R"({"txid":"broken","ads":[{"cid":)" : fault.body.value_or("");
+    response.text = fault.body.value_or("");
     if (fault.bodySize)
         response.body = std::make_shared<const FillerBody>(*fault.bodySize);
     return response;
@@ -29,9 +31,11 @@ Response cannedResponse(const AdServerFault& fault)
 
 } // namespace
 
-RequestPipeline::RequestPipeline(const Stations& stations, std::string scheme,
+RequestPipeline::RequestPipeline(FaultTable& faults, RequestLog& log, Endpoints endpoints, std::string scheme,
                                  std::function<TimePoint()> clock)
-    : m_stations(stations)
+    : m_faults(faults)
+    , m_log(log)
+    , m_endpoints(std::move(endpoints))
     , m_scheme(std::move(scheme))
     , m_clock(std::move(clock))
 {
@@ -45,12 +49,12 @@ std::optional<Response> RequestPipeline::respond(const httplib::Request& request
         connection.noted = true;
         return ask(request, connection);
     }
-    const auto fault = m_stations.faults.take(request.method, request.path);
+    const auto fault = m_faults.take(request.method, request.path);
     if (!fault)
         return ask(request, connection);
 
     if (fault->neverResponds) {
-        m_stations.log.note(connection.entry());
+        m_log.note(connection.entry());
         connection.noted = true;
         connection.pause(std::nullopt);
     }
@@ -81,16 +85,9 @@ Response RequestPipeline::ask(const httplib::Request& request, const ClientConne
                               .body = request.body,
                               .origin = *name,
                               .now = m_clock()};
-    if (auto response = m_stations.control.respond(asked))
-        return std::move(*response);
-    if (auto response = m_stations.ads.respond(asked))
-        return std::move(*response);
-    if (auto response = m_stations.vast.respond(asked))
-        return std::move(*response);
-    if (auto response = m_stations.files.respond(asked))
-        return std::move(*response);
-    if (auto response = m_stations.store.respond(asked))
-        return std::move(*response);
+    for (const auto& endpoint : m_endpoints)
+        if (auto response = endpoint->respond(asked))
+            return std::move(*response);
     return Response::notFound();
 }
 

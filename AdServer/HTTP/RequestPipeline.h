@@ -1,21 +1,17 @@
 #pragma once
 
-#include "AdEndpoints.h"
 #include "ClientConnection.h"
-#include "ControlEndpoints.h"
+#include "Endpoint.h"
 #include "FaultTable.h"
-#include "FileEndpoint.h"
 #include "RequestLog.h"
-#include "Response.h"
-#include "ServerRequest.h"
-#include "StorePage.h"
-#include "VASTEndpoints.h"
 
 #include <httplib.h>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace adserver
 {
@@ -24,18 +20,11 @@ namespace adserver
 class RequestPipeline
 {
 public:
-    struct Stations {
-        FaultTable& faults;
-        RequestLog& log;
-        ControlEndpoints& control;
-        AdEndpoints& ads;
-        VASTEndpoints& vast;
-        FileEndpoint& files;
-        StorePage& store;
-    };
+    using Endpoints = std::vector<std::unique_ptr<Endpoint>>;
 
     /// `scheme` is "https" or "http".
-    RequestPipeline(const Stations& stations, std::string scheme, std::function<TimePoint()> clock);
+    RequestPipeline(FaultTable& faults, RequestLog& log, Endpoints endpoints, std::string scheme,
+                    std::function<TimePoint()> clock);
 
     /// Nothing: the connection has been broken off.
     [[nodiscard]] std::optional<Response> respond(const httplib::Request& request,
@@ -45,7 +34,9 @@ private:
     [[nodiscard]] Response ask(const httplib::Request& request, const ClientConnection& connection) const;
     [[nodiscard]] std::optional<std::string> origin(const httplib::Request& request) const;
 
-    const Stations m_stations;
+    FaultTable& m_faults;
+    RequestLog& m_log;
+    const Endpoints m_endpoints;
     const std::string m_scheme;
     const std::function<TimePoint()> m_clock;
 };

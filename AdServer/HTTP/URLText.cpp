@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <string_view>
 
 namespace adserver
 {
@@ -33,6 +32,12 @@ bool isAbsoluteURL(const std::string& reference)
                            return std::isalnum(static_cast<unsigned char>(letter)) != 0 || letter == '+' ||
                                   letter == '-' || letter == '.';
                        });
+}
+
+void fillIn(std::string& text, std::string_view placeholder, const std::string& value)
+{
+    for (auto at = text.find(placeholder); at != text.npos; at = text.find(placeholder, at + value.size()))
+        text.replace(at, placeholder.size(), value);
 }
 
 std::string absoluteURL(const std::string& reference, const std::string& origin, const std::string& folder)

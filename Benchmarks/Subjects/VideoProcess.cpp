@@ -34,19 +34,7 @@ nlohmann::json campaign()
                {{{"cid", "bench-video"},
                  {"type", "content"},
                  {"title", "Video"},
-                 {"markupUrl", "/vast/bench-video?tx={txid}"}}}}}},
-            {"vast",
-             {{"bench-video",
-               {{"ads",
-                 {{{"id", "bench"},
-                   {"creatives",
-                    {{{"id", "video"},
-                      {"duration", 8},
-                      {"mediaFiles",
-                       {{{"url", "clips/helion-720p.mp4"},
-                         {"type", "video/mp4"},
-                         {"width", 1280},
-                         {"height", 720}}}}}}}}}}}}}}};
+                 {"markupUrl", "/vast/helion-video?tx={txid}"}}}}}}};
 }
 
 struct Playing {

@@ -12,7 +12,7 @@ constexpr auto campaign = R"({
       "cid": "summit/1", "type": "appstore", "title": "Summit", "category": "Racing", "description": "Race <up>",
       "price": "Free", "impressionUrl": "/ad/imp/{txid}/{cid}", "clickUrl": "/ad/store/{txid}/{cid}",
       "clickFallback": "https://store.example/summit", "clickTracker": "/ad/click/{txid}/{cid}",
-      "backgroundUrl": "picture.jpg", "screenshots": ["picture.jpg"], "currencyAmount": "50",
+      "backgroundUrl": "image.jpg", "screenshots": ["image.jpg"], "currencyAmount": "50",
       "currencyType": "coins", "rating": 4.5, "reviews": 12, "markupUrl": null,
       "pollingUrl": "/ad/poll/{txid}/{cid}",
       "actionButton": {"actionType": "CLICK_TO_APPSTORE", "text": "Play", "textRed": 255, "textGreen": 255,
@@ -30,7 +30,7 @@ constexpr auto campaign = R"({
 ServerTest::ServerTest() : server(options())
 {
     folder.write("campaigns/summit.json", campaign);
-    folder.write("campaigns/picture.jpg", "0123456789");
+    folder.write("campaigns/image.jpg", "0123456789");
     server.start();
     EXPECT_EQ(server.campaignErrors(), std::vector<std::string>());
     m_client = std::make_unique<httplib::Client>(makeClient());
