@@ -1,9 +1,9 @@
 #include "ImageView.h"
 
 #include "Image.h"
+#include "RoundedImageNode.h"
 
 #include <QQuickWindow>
-#include <QSGImageNode>
 
 #include <algorithm>
 #include <utility>
@@ -69,30 +69,20 @@ void ImageView::setContentMode(ContentMode mode)
 
 QSGNode* ImageView::updateContentNode(QSGNode* old)
 {
-    auto* node = static_cast<QSGImageNode*>(old);
+    auto* node = static_cast<RoundedImageNode*>(old);
     if (!m_image || size().isEmpty()) {
         delete node;
         return nullptr;
     }
-    if (node == nullptr || std::exchange(m_textureIsStale, false)) {
-        const auto options = m_image->qImage().hasAlphaChannel() ? QQuickWindow::TextureHasAlphaChannel
-                                                                 : QQuickWindow::TextureIsOpaque;
-        QSGTexture* texture = window()->createTextureFromImage(m_image->qImage(), options);
-        if (texture == nullptr) {
-            delete node;
-            return nullptr;
-        }
-        if (node == nullptr) {
-            node = window()->createImageNode();
-            node->setOwnsTexture(true);
-            node->setFiltering(QSGTexture::Linear);
-        }
-        node->setTexture(texture);
-    }
-    m_textureIsStale = false;
+    const bool isNew = node == nullptr;
+    if (isNew)
+        node = new RoundedImageNode;
+    if (std::exchange(m_textureIsStale, false) || isNew)
+        node->setImage(m_image->qImage(), *window());
     const Placement placement = place(QSizeF(m_image->qImage().size()), size(), m_mode);
-    node->setRect(placement.target);
-    node->setSourceRect(placement.source);
+    // The corners are the view's: an image that leaves room beside it reaches into none of them.
+    const bool fills = placement.target.size() == size();
+    node->place(placement.target, placement.source, fills ? cornerRadius() : 0, *window());
     return node;
 }
 

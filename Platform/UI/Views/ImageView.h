@@ -10,8 +10,8 @@ namespace virlo
 class Image;
 
 /// Shows an Image. The texture is made when a frame needs it and goes with the image or the view; the
-/// picture's memory is shared with the Image, not copied, on the software backend. An empty view draws its
-/// background alone.
+/// picture's memory is shared with the Image, not copied, on the software backend. `cornerRadius` rounds an
+/// image that fills the view, as it does the background. An empty view draws its background alone.
 class ImageView : public virlo::View
 {
     Q_OBJECT

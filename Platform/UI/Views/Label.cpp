@@ -78,8 +78,10 @@ void Label::setTextAlignment(Qt::Alignment alignment)
 {
     const int horizontal = (alignment & Qt::AlignHorizontal_Mask).toInt();
     const int vertical = (alignment & Qt::AlignVertical_Mask).toInt();
-    m_text->setHAlign(horizontal != 0 ? static_cast<QQuickText::HAlignment>(horizontal)
-                                      : QQuickText::AlignLeft);
+    if (horizontal != 0)
+        m_text->setHAlign(static_cast<QQuickText::HAlignment>(horizontal));
+    else
+        m_text->resetHAlign();
     m_text->setVAlign(vertical != 0 ? static_cast<QQuickText::VAlignment>(vertical)
                                     : QQuickText::AlignVCenter);
     emit styleChanged();
@@ -92,7 +94,7 @@ bool Label::wraps() const
 
 void Label::setWraps(bool wraps)
 {
-    m_text->setWrapMode(wraps ? QQuickText::WordWrap : QQuickText::NoWrap);
+    m_text->setWrapMode(wraps ? QQuickText::Wrap : QQuickText::NoWrap);
     emit styleChanged();
 }
 

@@ -34,7 +34,8 @@ public:
     void setFontSize(double points);
     [[nodiscard]] bool isBold() const;
     void setBold(bool bold);
-    /// Left and vertically centred at first.
+    /// Without a horizontal part a text begins on the side where its script begins. Vertically centred at
+    /// first.
     [[nodiscard]] Qt::Alignment textAlignment() const;
     void setTextAlignment(Qt::Alignment alignment);
     [[nodiscard]] bool wraps() const;
