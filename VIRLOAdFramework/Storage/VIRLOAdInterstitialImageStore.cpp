@@ -37,14 +37,36 @@ std::shared_ptr<const virlo::Image>
 VIRLOAdInterstitialImageStore::imageForItemAtIndexPath(const VIRLOAdItem& item,
                                                        const virlo::IndexPath& indexPath)
 {
+    return screenshot(item, indexPath, [](const std::string& bytes) { return virlo::Image::decode(bytes); });
+}
+
+std::shared_ptr<const virlo::Image> VIRLOAdInterstitialImageStore::imageForItemAtIndexPathCovering(
+    const VIRLOAdItem& item, const virlo::IndexPath& indexPath, int width, int height)
+{
+    return screenshot(item, indexPath, [=](const std::string& bytes) {
+        return virlo::Image::decodeCovering(bytes, width, height);
+    });
+}
+
+bool VIRLOAdInterstitialImageStore::hasImageForItemAtIndexPath(const VIRLOAdItem& item,
+                                                               const virlo::IndexPath& indexPath)
+{
+    const Key key = cacheIndetifierForScreenshotOfItemAtIndexPath(item, indexPath);
+    return recall(m_screenshotsCache, key) || readFile(imageCacheDirectory(), key);
+}
+
+std::shared_ptr<const virlo::Image>
+VIRLOAdInterstitialImageStore::screenshot(const VIRLOAdItem& item, const virlo::IndexPath& indexPath,
+                                          const std::function<Decode>& decode)
+{
     const Key key = cacheIndetifierForScreenshotOfItemAtIndexPath(item, indexPath);
     if (const Bytes bytes = recall(m_screenshotsCache, key))
-        return virlo::Image::decode(*bytes);
+        return decode(*bytes);
     // Not where they are written, and into the cache of whole pictures under the item: kept so on purpose.
     const Bytes bytes = readFile(imageCacheDirectory(), key);
     if (!bytes)
         return nullptr;
-    auto image = virlo::Image::decode(*bytes);
+    auto image = decode(*bytes);
     if (image)
         remember(imageCache(), item.identifier(), bytes);
     return image;
