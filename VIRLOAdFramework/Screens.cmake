@@ -7,6 +7,7 @@ set_target_properties(virlo-screens-static PROPERTIES AUTOMOC ON)
 target_include_directories(virlo-screens-static PUBLIC
   "${CMAKE_CURRENT_SOURCE_DIR}/ViewControllers"
   "${CMAKE_CURRENT_SOURCE_DIR}/ViewControllers/Fullscreen"
+  "${CMAKE_CURRENT_SOURCE_DIR}/ViewControllers/Interstitial"
   "${CMAKE_CURRENT_SOURCE_DIR}/ViewControllers/Video"
 )
 target_link_libraries(virlo-screens-static PUBLIC virlo-core virlo-platform-ui virlo-platform-media Qt6::Quick)
@@ -20,6 +21,8 @@ target_sources(virlo-screens-static PRIVATE
   Utilities/UIButtonVIRLOActionButton.cpp
   Utilities/VIRLOActivityIndicator.cpp
   Utilities/VIRLOButton.cpp
+  Utilities/VIRLOCarousel.cpp
+  Utilities/VIRLOCarouselElement.cpp
   Utilities/VIRLOCircularProgressLayer.cpp
   Utilities/VIRLOColorSampling.cpp
   Utilities/VIRLOFocusPreference.cpp
@@ -28,6 +31,8 @@ target_sources(virlo-screens-static PRIVATE
   Utilities/VIRLOTimerButton.cpp
   Utilities/VIRLOTimerProgress.cpp
   ViewControllers/Fullscreen/VIRLOAdFullscreenViewController.cpp
+  ViewControllers/Interstitial/VIRLOAdInterstitialScreenshots.cpp
+  ViewControllers/Interstitial/VIRLOAdInterstitialViewController.cpp
   ViewControllers/Video/VIRLOAdVideoView.cpp
   ViewControllers/Video/VIRLOAdVideoView.h
   ViewControllers/Video/VIRLOAdVideoViewController.cpp
@@ -37,6 +42,7 @@ target_sources(virlo-screens-static PRIVATE
   ViewControllers/VIRLOAdStoryboardScreens.cpp
   ViewControllers/VIRLOAdViewController.cpp
   ViewControllers/VIRLOAdViewControllerBase.cpp
+  ViewControllers/VIRLOFocusLift.cpp
 )
 
 qt_add_qml_module(virlo-screens-static
@@ -48,10 +54,13 @@ qt_add_qml_module(virlo-screens-static
   IMPORTS Virlo.UI
   SOURCES
     Utilities/VIRLOButton.h
+    Utilities/VIRLOCarousel.h
+    Utilities/VIRLOCarouselElement.h
     Utilities/VIRLOTimerButton.h
     Utilities/VIRLOTimerProgress.h
   QML_FILES
     Storyboard/QDXAdFullscreenViewController.qml
+    Storyboard/QDXAdSingleViewController.qml
 )
 # The code that Qt generates from the documents shadows its own names.
 get_target_property(generated virlo-screens-static SOURCES)
@@ -62,6 +71,9 @@ qt_add_resources(virlo-screens-static virlo-pictures
   PREFIX "/com.virlohq.VIRLOAdFramework"
   BASE Resources
   FILES
+    Resources/Star34-empty.png
+    Resources/Star34-full.png
+    Resources/Star34-half.png
     Resources/countdown_halo.png
     Resources/countdown_halo_light.png
     Resources/fullscreen_close.png

@@ -113,6 +113,22 @@ def bubble(x, y):
     return max(min(body, tail), -dots)
 
 
+def star(x, y):
+    """Five points with rounded tips, 34 points wide."""
+    corners = []
+    for i in range(10):
+        reach = 15.6 if i % 2 == 0 else 7.0
+        angle = math.radians(36 * i - 90)
+        corners.append((17 + reach * math.cos(angle), 18 + reach * math.sin(angle)))
+    inside = False
+    distance = math.inf
+    for (ax, ay), (bx, by) in zip(corners, corners[1:] + corners[:1]):
+        distance = min(distance, segment(x, y, ax, ay, bx, by, 0))
+        if (ay > y) != (by > y) and x < ax + (y - ay) / (by - ay) * (bx - ax):
+            inside = not inside
+    return (-distance if inside else distance) - 1.2
+
+
 def main():
     folder = pathlib.Path(__file__).resolve().parent
     write_png(folder / "fullscreen_close.png", 44, cross(WHITE, BLACK))
@@ -122,6 +138,10 @@ def main():
     write_png(folder / "icon_email.png", 48, glyph(envelope))
     write_png(folder / "icon_phone.png", 48, glyph(handset))
     write_png(folder / "icon_sms.png", 48, glyph(bubble))
+    gold = (0xFF, 0xC2, 0x3D)
+    write_png(folder / "Star34-full.png", 34, lambda x, y: (*gold, coverage(star(x, y))))
+    write_png(folder / "Star34-half.png", 34, lambda x, y: (*gold, coverage(max(star(x, y), x - 17))))
+    write_png(folder / "Star34-empty.png", 34, lambda x, y: (*WHITE, 0.55 * coverage(abs(star(x, y) + 1.2) - 1)))
 
 
 if __name__ == "__main__":

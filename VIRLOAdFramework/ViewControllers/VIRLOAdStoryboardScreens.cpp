@@ -3,6 +3,7 @@
 #include "MainLoop.h"
 #include "Storyboard.h"
 #include "VIRLOAdFullscreenViewController.h"
+#include "VIRLOAdInterstitialViewController.h"
 #include "VIRLOAdServerAPI.h"
 #include "VIRLOAdVideoViewController.h"
 #include "VIRLOAdViewControllerBase.h"
@@ -21,6 +22,7 @@ namespace
 {
 
 constexpr const char* fullscreenScene = "QDXAdFullscreenViewController";
+constexpr const char* interstitialScene = "QDXAdSingleViewController";
 
 std::shared_ptr<VIRLOAdViewControllerBase> sceneNamed(const char* identifier)
 {
@@ -34,6 +36,8 @@ std::shared_ptr<VIRLOAdViewControllerBase> sceneNamed(const char* identifier)
 std::shared_ptr<VIRLOAdViewControllerBase> screenForType(VIRLOAdvertisementType type)
 {
     switch (type) {
+    case VIRLOAdvertisementType::Interstitial:
+        return sceneNamed(interstitialScene);
     case VIRLOAdvertisementType::Video:
         return virlo::ViewController::make<VIRLOAdVideoViewController>();
     case VIRLOAdvertisementType::Engagement:
@@ -67,6 +71,10 @@ bool install()
     static auto* const screens = new VIRLOAdStoryboardScreens;
     VIRLOAdScreens::install(screens);
     VIRLOAdFullscreenViewController::registerScene();
+    virlo::Storyboard::registerScene(
+        VIRLOAdStoryboardScreens::storyboardName, interstitialScene,
+        QUrl(QStringLiteral("qrc:/qt/qml/VIRLOAdFramework/Storyboard/QDXAdSingleViewController.qml")),
+        [] { return virlo::ViewController::make<VIRLOAdInterstitialViewController>(); });
     return true;
 }
 
@@ -112,5 +120,6 @@ void VIRLOAdStoryboardScreens::warmUp()
         return;
     VIRLOFrameworkImages::warmUp();
     if (const auto storyboard = Storyboard::storyboardWithName(storyboardName))
-        storyboard->warmUp(fullscreenScene);
+        for (const char* const scene : {fullscreenScene, interstitialScene})
+            storyboard->warmUp(scene);
 }

@@ -1,6 +1,8 @@
 #include "VIRLOAdViewControllerBase.h"
 
 #include "Application.h"
+#include "DispatchGroup.h"
+#include "GlobalQueue.h"
 #include "MainLoop.h"
 #include "TapRecognizer.h"
 #include "VIRLOActivityIndicator.h"
@@ -152,13 +154,67 @@ void VIRLOAdViewControllerBase::closeAd()
     controller->checkAvailableCurrencyAfterTimeInterval(longAfterClosing);
     if (closeOverlay())
         return;
-    const auto& children = childViewControllers();
-    const auto video =
-        children.empty() ? nullptr : std::dynamic_pointer_cast<VIRLOAdVideoViewController>(children.front());
-    if (video)
+    if (const auto video = firstVideo())
         video->completeAd();
     else
         completeAd();
+}
+
+void VIRLOAdViewControllerBase::preloadVideo(virlo::DispatchGroup group,
+                                             const std::shared_ptr<VIRLOAdItem>& item,
+                                             std::function<void(VIRLOAdVideoViewController&)> show)
+{
+    if (!item || !item->markupURL())
+        return;
+    group.enter();
+    const auto video = virlo::ViewController::make<VIRLOAdVideoViewController>();
+    video->setApi(api());
+    video->setAd(ad());
+    video->setAdCompleted([weak = weakSelf(*this), weakVideo = std::weak_ptr(video)] {
+        MainLoop::shared().post([weak, weakVideo] {
+            const auto self = weak.lock();
+            const auto ended = weakVideo.lock();
+            if (!self || !ended)
+                return;
+            ended->view().removeFromSuperview();
+            ended->removeFromParentViewController();
+            self->setNeedsFocusUpdate();
+            self->updateFocusIfNeeded();
+        });
+    });
+    video->preloadAdElementsWithCompletion(
+        [weak = weakSelf(*this), video, group, show = std::move(show)](const OptionalError& error) {
+            MainLoop::shared().post([weak, video, group, show, failed = error.has_value()]() mutable {
+                const auto self = weak.lock();
+                if (self && !failed) {
+                    self->addChildViewController(video);
+                    video->view().setFrame(self->view().bounds());
+                    show(*video);
+                }
+                group.leave();
+            });
+        });
+}
+
+std::shared_ptr<VIRLOAdVideoViewController> VIRLOAdViewControllerBase::firstVideo() const
+{
+    const auto& children = childViewControllers();
+    return children.empty() ? nullptr
+                            : std::dynamic_pointer_cast<VIRLOAdVideoViewController>(children.front());
+}
+
+void VIRLOAdViewControllerBase::reportImpressionOfItem(const std::shared_ptr<VIRLOAdItem>& item) const
+{
+    if (!item || item->impressionMarked())
+        return;
+    virlo::GlobalQueue::background().async([server = api(), item] {
+        if (!server)
+            return;
+        server->registerImpressionForItemWithCompletion(*item, [item](const OptionalError& error) {
+            if (!error)
+                item->setImpressionMarked(true);
+        });
+    });
 }
 
 std::vector<std::shared_ptr<VIRLOAdVideoViewController>> VIRLOAdViewControllerBase::videos() const

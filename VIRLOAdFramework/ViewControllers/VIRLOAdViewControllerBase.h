@@ -3,6 +3,7 @@
 #include "VIRLOAdViewController.h"
 #include "ViewController.h"
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -13,8 +14,9 @@ class VIRLOAdvertisement;
 
 namespace virlo
 {
+class DispatchGroup;
 class TapRecognizer;
-}
+} // namespace virlo
 
 /// What every full-screen ad screen has: Menu closes it, and an item is opened by its action type after its
 /// click was registered. Held by shared pointers (`virlo::ViewController::make` or a storyboard); `setAd` and
@@ -66,6 +68,17 @@ protected:
     /// Where something lies over the ad that takes a close itself: ends that and answers true, and the ad
     /// stays. The base has nothing of the kind.
     [[nodiscard]] virtual bool closeOverlay();
+
+    /// Where the item has a video: preloads it as a child that takes the whole screen, leaves once it has
+    /// ended, and then has the focus placed anew. `show` puts its view into this one, on the main thread. A
+    /// video whose document cannot be read is left out. Stays in the group until that is done.
+    void preloadVideo(virlo::DispatchGroup group, const std::shared_ptr<VIRLOAdItem>& item,
+                      std::function<void(VIRLOAdVideoViewController& video)> show);
+    /// The first child, where it is a video; else null.
+    [[nodiscard]] std::shared_ptr<VIRLOAdVideoViewController> firstVideo() const;
+
+    /// Reports the item's impression in the background, unless the server has taken a report of it.
+    void reportImpressionOfItem(const std::shared_ptr<VIRLOAdItem>& item) const;
 
     /// For the time in which something lies over the ad.
     void pauseVideos();

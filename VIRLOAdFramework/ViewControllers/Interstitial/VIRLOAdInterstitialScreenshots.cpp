@@ -1,0 +1,205 @@
+#include "VIRLOAdInterstitialScreenshots.h"
+
+#include "DispatchGroup.h"
+#include "GlobalQueue.h"
+#include "Image.h"
+#include "MainLoop.h"
+#include "VIRLOAdInterstitialImageStore.h"
+#include "VIRLOAdItem.h"
+#include "VIRLOAdServerApiImageDownloader.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+using virlo::GlobalQueue;
+using virlo::Image;
+using virlo::IndexPath;
+using virlo::MainLoop;
+using virlo::OptionalError;
+
+namespace
+{
+
+constexpr std::size_t firstFocused = 2; // the carousel's
+
+IndexPath pathOf(std::size_t index)
+{
+    return {.section = 0, .row = static_cast<long>(index)};
+}
+
+/// The part of the image in the middle that has the shape of `shown`; what lies outside is never seen.
+std::shared_ptr<const Image> cropped(const std::shared_ptr<const Image>& image, QSize shown)
+{
+    const QSize whole(image->width(), image->height());
+    const QSize part = shown.scaled(whole, Qt::KeepAspectRatio);
+    if (part == whole || part.isEmpty())
+        return image;
+    return Image::fromQImage(image->qImage().copy((whole.width() - part.width()) / 2,
+                                                  (whole.height() - part.height()) / 2, part.width(),
+                                                  part.height()));
+}
+
+/// From the store, as large as it is shown; null where the store does not have it. On a worker.
+std::shared_ptr<const Image> decoded(const VIRLOAdItem& item, std::size_t index, double pixelsPerPoint)
+{
+    const QSize pixels = QSizeF(QSizeF(VIRLOAdInterstitialScreenshots::shownSize) * pixelsPerPoint).toSize();
+    const auto image = VIRLOAdInterstitialImageStore::sharedStore()->imageForItemAtIndexPathCovering(
+        item, pathOf(index), pixels.width(), pixels.height());
+    return image ? cropped(image, pixels) : nullptr;
+}
+
+} // namespace
+
+std::shared_ptr<VIRLOAdInterstitialScreenshots>
+VIRLOAdInterstitialScreenshots::make(std::shared_ptr<VIRLOAdItem> item,
+                                     std::shared_ptr<VIRLOAdServerApiImageDownloader> downloader)
+{
+    return std::shared_ptr<VIRLOAdInterstitialScreenshots>(
+        new VIRLOAdInterstitialScreenshots(std::move(item), std::move(downloader)));
+}
+
+VIRLOAdInterstitialScreenshots::VIRLOAdInterstitialScreenshots(
+    std::shared_ptr<VIRLOAdItem> item, std::shared_ptr<VIRLOAdServerApiImageDownloader> downloader)
+    : m_item(std::move(item))
+    , m_downloader(std::move(downloader))
+    , m_screenshots(m_item ? m_item->screenshotsURLs().size() : 0)
+    , m_focused(firstFocused)
+{
+}
+
+/// Whether the element is the focused one or one of its neighbours, around the ends of the list.
+bool VIRLOAdInterstitialScreenshots::isNear(std::size_t index) const
+{
+    const std::size_t apart = index > m_focused ? index - m_focused : m_focused - index;
+    return std::min(apart, count() - std::min(count(), apart)) <= heldOnEitherSide;
+}
+
+void VIRLOAdInterstitialScreenshots::preload(virlo::DispatchGroup group)
+{
+    std::vector<bool> near(count());
+    for (std::size_t index = 0; index < count(); ++index) {
+        m_screenshots[index].state = State::Downloading;
+        near[index] = isNear(index);
+        group.enter();
+    }
+    GlobalQueue::high().async(
+        [self = shared_from_this(), group, near = std::move(near), pixels = m_pixelsPerPoint] {
+            self->m_downloader->setImagesStore(VIRLOAdInterstitialImageStore::sharedStore());
+            for (std::size_t index = 0; index < near.size(); ++index)
+                self->preloadOne(index, near[index] ? pixels : 0, group);
+        });
+}
+
+/// On a worker; decodes nothing where `pixels` is 0.
+void VIRLOAdInterstitialScreenshots::preloadOne(std::size_t index, double pixels, virlo::DispatchGroup group)
+{
+    const auto finish = [self = shared_from_this(), index, group, pixels] {
+        const ImagePointer image = pixels > 0 ? decoded(*self->m_item, index, pixels) : nullptr;
+        MainLoop::shared().post([self, index, group, pixels, image]() mutable {
+            Screenshot& screenshot = self->m_screenshots[index];
+            screenshot = {State::Idle, image, pixels};
+            if (self->m_show && image)
+                self->m_show(index, image);
+            self->update();
+            group.leave();
+        });
+    };
+    if (VIRLOAdInterstitialImageStore::sharedStore()->hasImageForItemAtIndexPath(*m_item, pathOf(index)))
+        GlobalQueue::high().async(finish);
+    else
+        m_downloader->retrieveScreenshotForItemAtIndexPathWithCompletion(
+            m_item, pathOf(index), [finish](const OptionalError&) { GlobalQueue::high().async(finish); });
+}
+
+void VIRLOAdInterstitialScreenshots::start(Show show)
+{
+    m_show = std::move(show);
+    for (std::size_t index = 0; index < count(); ++index) {
+        if (m_screenshots[index].image)
+            m_show(index, m_screenshots[index].image);
+    }
+    update();
+}
+
+void VIRLOAdInterstitialScreenshots::stop()
+{
+    m_show = nullptr;
+    for (Screenshot& screenshot : m_screenshots)
+        screenshot.image.reset();
+}
+
+void VIRLOAdInterstitialScreenshots::setFocused(std::size_t index)
+{
+    m_focused = index;
+    update();
+}
+
+void VIRLOAdInterstitialScreenshots::setPixelsPerPoint(double pixels)
+{
+    m_pixelsPerPoint = pixels;
+    update();
+}
+
+void VIRLOAdInterstitialScreenshots::update()
+{
+    if (!m_show)
+        return;
+    for (std::size_t index = 0; index < count(); ++index) {
+        Screenshot& screenshot = m_screenshots[index];
+        if (screenshot.image && !isNear(index)) {
+            screenshot.image.reset();
+            m_show(index, nullptr);
+        }
+    }
+    // The focused one first, then its neighbours, then theirs.
+    for (std::size_t apart = 0; apart <= heldOnEitherSide && apart < count(); ++apart) {
+        load((m_focused + apart) % count());
+        load((m_focused + count() - apart) % count());
+    }
+}
+
+void VIRLOAdInterstitialScreenshots::load(std::size_t index)
+{
+    Screenshot& screenshot = m_screenshots[index];
+    if (screenshot.state != State::Idle || m_loading == mostLoading ||
+        (screenshot.image && screenshot.pixelsPerPoint == m_pixelsPerPoint))
+        return;
+    screenshot.state = State::Loading;
+    ++m_loading;
+    const auto finish = [weak = weak_from_this(), index,
+                         pixels = m_pixelsPerPoint](const ImagePointer& image) {
+        MainLoop::shared().post([weak, index, pixels, image] {
+            if (const auto self = weak.lock())
+                self->didLoad(index, image, pixels);
+        });
+    };
+    GlobalQueue::high().async(
+        [finish, item = m_item, downloader = m_downloader, index, pixels = m_pixelsPerPoint] {
+            if (const ImagePointer image = decoded(*item, index, pixels)) {
+                finish(image);
+                return;
+            }
+            downloader->setImagesStore(VIRLOAdInterstitialImageStore::sharedStore());
+            downloader->retrieveScreenshotForItemAtIndexPathWithCompletion(
+                item, pathOf(index), [finish, item, index, pixels](const OptionalError&) {
+                    GlobalQueue::high().async([=] { finish(decoded(*item, index, pixels)); });
+                });
+        });
+}
+
+void VIRLOAdInterstitialScreenshots::didLoad(std::size_t index, const ImagePointer& image,
+                                             double pixelsPerPoint)
+{
+    --m_loading;
+    if (!m_show)
+        return;
+    Screenshot& screenshot = m_screenshots[index];
+    screenshot.state = image ? State::Idle : State::Missing;
+    if (image && isNear(index)) {
+        screenshot.image = image;
+        screenshot.pixelsPerPoint = pixelsPerPoint;
+        m_show(index, image);
+    }
+    update();
+}
