@@ -1,47 +1,110 @@
-#include "LoopbackServer.h"
+#include "GlobalQueue.h"
+#include "MainLoop.h"
+#include "NotificationCenter.h"
+#include "Outcome.h"
+#include "RawServer.h"
+#include "SystemLog.h"
+#include "Timer.h"
 
 #include <gtest/gtest.h>
 
-#include <spawn.h>
-#include <sys/wait.h>
-
-#include <chrono>
 #include <cstdlib>
+#include <latch>
 
 namespace virlo::test
 {
 namespace
 {
 
-TEST(ProcessExit, WithExchangesUnderWayNeitherCrashesNorHangs)
+/// Keeps the queues, the timers and the log busy after `main`, too.
+void startEndlessWork()
 {
-    const char* program = std::getenv("VIRLO_EXIT_PROGRAM");
-    if (program == nullptr)
-        GTEST_SKIP() << "VIRLO_EXIT_PROGRAM names no program; CTest sets it";
-    const TestAuthority authority;
-    LoopbackServer server(&authority);
-    server.routes().Get("/",
-                        [](const auto&, auto& response) { response.set_content("{}", "application/json"); });
-    server.start();
+    setSystemLogSink([](std::string_view) {});
+    static auto* const queue = new SerialQueue("endless");
+    static auto* const work = new std::function<void()>;
+    *work = [] {
+        queue->sync([] {});
+        queue->async([] { systemLog("still running"); });
+        NotificationCenter::defaultCenter().post("still running");
+        MainLoop::shared().post([] {});
+        GlobalQueue::background().after(Seconds(0.0001), *work);
+    };
+    for (int index = 0; index < 20; ++index)
+        GlobalQueue::standard().async(*work);
+    static const auto timer = Timer::repeating(Seconds(0.0005), [] {});
+    static const auto observation =
+        NotificationCenter::defaultCenter().addObserver("still running", [](const auto&) {});
+}
 
-    // From before the I/O thread has set itself up, over handshakes, to steady traffic.
-    for (const int microseconds :
-         {0, 200, 500, 1000, 2000, 3000, 5000, 8000, 12'000, 20'000, 50'000, 100'000}) {
-        const std::string url = server.url("/");
-        const std::string file = authority.file();
-        const std::string delay = std::to_string(microseconds);
-        const char* arguments[] = {program, url.c_str(), file.c_str(), delay.c_str(), nullptr};
-        const auto start = std::chrono::steady_clock::now();
-        pid_t child = 0;
-        ASSERT_EQ(
-            ::posix_spawn(&child, program, nullptr, nullptr, const_cast<char* const*>(arguments), environ),
-            0);
-        int status = 0;
-        ASSERT_EQ(::waitpid(child, &status, 0), child);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0)
-            << "status " << status << " after " << delay;
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
-    }
+/// Keeps a request active for ever: each completion sends the next.
+void requestForever(const std::shared_ptr<URLSession>& session, const std::string& url)
+{
+    session
+        ->dataTask(request(url),
+                   [session, url](const auto&, const auto&, const auto&) { requestForever(session, url); })
+        ->resume();
+}
+
+struct RequestsAtExit {
+    std::shared_ptr<URLSession> session;
+    std::string url;
+
+    ~RequestsAtExit() { requestForever(session, url); }
+};
+
+[[noreturn]] void exitWhileEverythingRuns(int milliseconds)
+{
+    static RawServer server([](RawServer::Connection& connection) {
+        while (!connection.readHead().empty())
+            connection.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}");
+    });
+    static const RequestsAtExit atExit{makeSession(), server.url("/")};
+    for (int count = 0; count < 12; ++count)
+        requestForever(atExit.session, atExit.url);
+    startEndlessWork();
+    MainLoop::shared().runUntil([] { return false; }, Seconds(milliseconds / 1000.0));
+    std::exit(0);
+}
+
+[[noreturn]] void exitWithWorkSubmittedAtExit()
+{
+    std::atexit([] {
+        SerialQueue queue("at the end");
+        std::latch ran(2);
+        queue.async([&] { ran.count_down(); });
+        GlobalQueue::standard().after(Seconds(0.001), [&] { ran.count_down(); });
+        ran.wait();
+        static std::latch held(GlobalQueue::maximumThreads);
+        static std::latch never(1);
+        for (int index = 0; index < 100; ++index) {
+            GlobalQueue::high().async([] {
+                held.count_down();
+                never.wait();
+            });
+        }
+        held.wait();
+    });
+    std::exit(0);
+}
+
+/// Each exits in a process of its own.
+class ProcessExitDeathTest : public testing::TestWithParam<int>
+{
+protected:
+    void SetUp() override { testing::FLAGS_gtest_death_test_style = "threadsafe"; }
+};
+
+TEST_P(ProcessExitDeathTest, AtAnyMomentIsCleanWhileEverythingRuns)
+{
+    EXPECT_EXIT(exitWhileEverythingRuns(GetParam()), testing::ExitedWithCode(0), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Milliseconds, ProcessExitDeathTest, testing::Values(0, 1, 3, 10, 50));
+
+TEST(WorkAtExitDeathTest, MayStillBeSubmittedAndMayHoldEveryWorker)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(exitWithWorkSubmittedAtExit(), testing::ExitedWithCode(0), "");
 }
 
 } // namespace

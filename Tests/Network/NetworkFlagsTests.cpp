@@ -16,9 +16,9 @@ namespace virlo::test
 namespace
 {
 
-/// Runs `work` on a thread with a network of its own, in which it is alone: nothing of the machine's is
-/// touched. False where the system does not allow that, or lacks `ip` or virtual links.
-bool inNetworkOfItsOwn(const std::function<void()>& work)
+/// Runs `work` on a thread in a new network namespace: the machine's network is not touched. False where the
+/// system does not allow that, or lacks `ip` or virtual links.
+bool inOwnNetwork(const std::function<void()>& work)
 {
     bool possible = false;
     std::thread([&] {
@@ -51,7 +51,7 @@ constexpr std::uint32_t linkLocal = 0xA9FE0000;
 
 TEST(KernelNetworkFlags, FollowRoutesLinksAndAddresses)
 {
-    const bool possible = inNetworkOfItsOwn([] {
+    const bool possible = inOwnNetwork([] {
         const KernelNetworkFlags flags;
         EXPECT_EQ(flags.flagsForAddress(INADDR_ANY), 0U);
         EXPECT_EQ(flags.flagsForAddress(linkLocal), 0U);
@@ -75,7 +75,7 @@ TEST(KernelNetworkFlags, FollowRoutesLinksAndAddresses)
         EXPECT_EQ(flags.flagsForHost("10.0.0.2"), NetworkFlagReachable | NetworkFlagIsDirect);
         EXPECT_EQ(flags.flagsForAddress(linkLocal), NetworkFlagReachable | NetworkFlagIsDirect);
 
-        ip("link set peer0 down"); // the cable is out: the route still stands
+        ip("link set peer0 down"); // the cable is unplugged: the route remains
         expectFlags([&] { return flags.flagsForAddress(INADDR_ANY); }, 0);
         EXPECT_EQ(flags.flagsForAddress(linkLocal), 0U);
         ip("link set peer0 up");
@@ -89,12 +89,12 @@ TEST(KernelNetworkFlags, FollowRoutesLinksAndAddresses)
                     NetworkFlagReachable); // over IPv6 alone
     });
     if (!possible)
-        GTEST_SKIP() << "needs the right to make a network of its own, and iproute2";
+        GTEST_SKIP() << "needs the right to make a network namespace, and iproute2";
 }
 
 TEST(KernelNetworkFlags, ModemsCountAsWWAN)
 {
-    const bool possible = inNetworkOfItsOwn([] {
+    const bool possible = inOwnNetwork([] {
         ip("link set net0 name wwan0");
         ip("address add 10.0.0.1/24 dev wwan0");
         ip("link set wwan0 up");
@@ -104,12 +104,12 @@ TEST(KernelNetworkFlags, ModemsCountAsWWAN)
                     NetworkFlagReachable | NetworkFlagIsWWAN);
     });
     if (!possible)
-        GTEST_SKIP() << "needs the right to make a network of its own, and iproute2";
+        GTEST_SKIP() << "needs the right to make a network namespace, and iproute2";
 }
 
 TEST(KernelNetworkFlags, WatchJoinsABurstAndIsSilentOnceEnded)
 {
-    const bool possible = inNetworkOfItsOwn([] {
+    const bool possible = inOwnNetwork([] {
         std::mutex mutex;
         std::condition_variable called;
         int calls = 0;
@@ -134,12 +134,12 @@ TEST(KernelNetworkFlags, WatchJoinsABurstAndIsSilentOnceEnded)
         EXPECT_EQ(calls, 1);
     });
     if (!possible)
-        GTEST_SKIP() << "needs the right to make a network of its own, and iproute2";
+        GTEST_SKIP() << "needs the right to make a network namespace, and iproute2";
 }
 
 TEST(KernelNetworkFlags, WatchMayEndInsideItsOwnCall)
 {
-    const bool possible = inNetworkOfItsOwn([] {
+    const bool possible = inOwnNetwork([] {
         std::mutex mutex;
         std::condition_variable ended;
         bool done = false;
@@ -155,7 +155,7 @@ TEST(KernelNetworkFlags, WatchMayEndInsideItsOwnCall)
         EXPECT_TRUE(ended.wait_for(lock, std::chrono::seconds(5), [&] { return done; }));
     });
     if (!possible)
-        GTEST_SKIP() << "needs the right to make a network of its own, and iproute2";
+        GTEST_SKIP() << "needs the right to make a network namespace, and iproute2";
 }
 
 } // namespace

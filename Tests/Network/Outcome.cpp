@@ -13,7 +13,7 @@ std::string Outcome::Result::header(const std::string& name) const
     return found == response->headers.end() ? std::string() : found->second;
 }
 
-URLSession::Completion Outcome::completion()
+URLSession::Completion Outcome::completion() const
 {
     return [state = m_state](std::string data, const std::optional<HTTPURLResponse>& response,
                              const OptionalError& error) {
@@ -56,7 +56,7 @@ URLRequest request(const std::string& url, const std::string& method)
     return made;
 }
 
-Outcome::Result exchange(URLSession& session, URLRequest request)
+Outcome::Result send(URLSession& session, URLRequest request)
 {
     Outcome outcome;
     session.dataTask(std::move(request), outcome.completion())->resume();
@@ -65,7 +65,7 @@ Outcome::Result exchange(URLSession& session, URLRequest request)
 
 Outcome::Result get(URLSession& session, const std::string& url)
 {
-    return exchange(session, request(url));
+    return send(session, request(url));
 }
 
 } // namespace virlo::test

@@ -27,7 +27,7 @@ public:
         [[nodiscard]] std::string header(const std::string& name) const;
     };
 
-    [[nodiscard]] URLSession::Completion completion();
+    [[nodiscard]] URLSession::Completion completion() const;
     /// Waits for the completion, at most ten seconds; without one the test fails.
     [[nodiscard]] Result wait() const;
     [[nodiscard]] bool arrived() const;
@@ -48,7 +48,7 @@ private:
 
 [[nodiscard]] URLRequest request(const std::string& url, const std::string& method = "GET");
 /// Sends and waits.
-[[nodiscard]] Outcome::Result exchange(URLSession& session, URLRequest request);
+[[nodiscard]] Outcome::Result send(URLSession& session, URLRequest request);
 [[nodiscard]] Outcome::Result get(URLSession& session, const std::string& url);
 
 } // namespace virlo::test

@@ -11,7 +11,7 @@
 namespace virlo::test
 {
 
-/// A TCP listener on 127.0.0.1 whose answers are whatever the test says, for servers that break the rules.
+/// A TCP listener on 127.0.0.1 that writes whatever the test says, for servers that break the rules.
 /// Each connection is served on a thread of its own and closed when `serve` returns.
 class RawServer
 {

@@ -4,7 +4,7 @@ namespace virlo::test
 {
 
 /// While it lives, name look-ups of "slow.invalid" wait for its end and then fail; all others are the
-/// system's. The program's `getaddrinfo` stands before the C library's.
+/// system's. The program's `getaddrinfo` replaces the C library's.
 class SlowResolver
 {
 public:

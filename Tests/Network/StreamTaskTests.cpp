@@ -1,6 +1,6 @@
-#include "LoopbackServer.h"
 #include "Outcome.h"
 #include "RawServer.h"
+#include "RowName.h"
 #include "Settle.h"
 
 #include <gtest/gtest.h>
@@ -47,20 +47,20 @@ TEST(StreamTask, SlowReceiverHoldsTheServerBackAndLosesNothing)
     makeSession()
         ->streamTask(
             request(server.url("/")),
-            [&](std::string_view piece, const auto&) {
+            [&](std::string_view chunk, const auto&) {
                 const std::lock_guard lock(gate);
-                received += piece;
+                received += chunk;
                 return true;
             },
             outcome.completion())
         ->resume();
 
-    // Until the server has stood still for a while: what it got rid of lies in buffers.
+    // Until the server is blocked: what it has written is in buffers.
     for (std::size_t before = 1; before != written || before == 0;) {
         before = written;
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
     }
-    EXPECT_LT(written, body.size() - (8 << 20)) << "nothing holds the server back";
+    EXPECT_LT(written, body.size() - (8 << 20)) << "the server is not held back";
     EXPECT_FALSE(outcome.arrived());
     closed.unlock();
 
@@ -71,7 +71,7 @@ TEST(StreamTask, SlowReceiverHoldsTheServerBackAndLosesNothing)
     EXPECT_TRUE(received == body);
 }
 
-TEST(StreamTask, ReceiverThatHasEnoughEndsTheExchange)
+TEST(StreamTask, ReceiverThatReturnsFalseEndsTheTransfer)
 {
     RawServer server([](Connection& connection) {
         connection.readHead();
@@ -90,7 +90,7 @@ TEST(StreamTask, ReceiverThatHasEnoughEndsTheExchange)
     EXPECT_EQ(calls, 3);
 }
 
-TEST(StreamTask, HoldsItsPiecesWhileSuspended)
+TEST(StreamTask, HoldsItsChunksWhileSuspended)
 {
     std::promise<void> ending;
     RawServer server([&](Connection& connection) {
@@ -102,20 +102,20 @@ TEST(StreamTask, HoldsItsPiecesWhileSuspended)
         connection.write("end");
     });
     std::mutex mutex;
-    std::vector<std::string> pieces;
+    std::vector<std::string> chunks;
     std::shared_ptr<URLSessionTask> task;
     Outcome outcome;
     const auto received = [&](std::size_t count) {
         const std::lock_guard lock(mutex);
-        return pieces.size() >= count;
+        return chunks.size() >= count;
     };
     task = makeSession()->streamTask(
         request(server.url("/")),
-        [&](std::string_view piece, const HTTPURLResponse& response) {
+        [&](std::string_view chunk, const HTTPURLResponse& response) {
             EXPECT_EQ(response.statusCode, 200);
             EXPECT_EQ(response.headers.find("content-length")->second, "9");
             const std::lock_guard lock(mutex);
-            pieces.emplace_back(piece);
+            chunks.emplace_back(chunk);
             task->suspend();
             return true;
         },
@@ -126,38 +126,38 @@ TEST(StreamTask, HoldsItsPiecesWhileSuspended)
     task->resume();
     ASSERT_TRUE(settle([&] { return received(2); }));
     ending.set_value();
-    EXPECT_EQ(outcome.wait().code(), 0) << "an end is held back by nothing";
-    EXPECT_EQ(pieces, std::vector<std::string>({"one", "two", "end"}));
+    EXPECT_EQ(outcome.wait().code(), 0) << "a suspended stream still ends";
+    EXPECT_EQ(chunks, std::vector<std::string>({"one", "two", "end"}));
 }
 
 struct StreamRow {
     const char* name;
-    const char* answer;
+    const char* response;
     std::string streamed;
     std::string gathered;
     long code;
-    std::size_t bound = 1000;
+    std::size_t limit = 1000;
 };
 
-class StreamAnswerTest : public testing::TestWithParam<StreamRow>
+class StreamResponseTest : public testing::TestWithParam<StreamRow>
 {
 };
 
-TEST_P(StreamAnswerTest, PiecesAndDataAreKeptApart)
+TEST_P(StreamResponseTest, ChunksAndDataAreKeptApart)
 {
     RawServer server([](Connection& connection) {
         connection.readHead();
-        connection.write(GetParam().answer);
+        connection.write(GetParam().response);
     });
     std::string streamed;
     Outcome outcome;
-    URLRequest bounded = request(server.url("/"));
-    bounded.maximumBodySize = GetParam().bound;
+    URLRequest limited = request(server.url("/"));
+    limited.maximumBodySize = GetParam().limit;
     makeSession()
         ->streamTask(
-            bounded,
-            [&](std::string_view piece, const auto&) {
-                streamed += piece;
+            limited,
+            [&](std::string_view chunk, const auto&) {
+                streamed += chunk;
                 return true;
             },
             outcome.completion())
@@ -170,14 +170,14 @@ TEST_P(StreamAnswerTest, PiecesAndDataAreKeptApart)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Rows, StreamAnswerTest,
+    Rows, StreamResponseTest,
     testing::Values(StreamRow{"Found", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\nabc", "abc", "", 0},
                     StreamRow{"NotFound", "HTTP/1.1 404 No\r\nContent-Length: 3\r\n\r\nabc", "", "abc", 0},
                     StreamRow{"Cut", "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc", "abc", "",
                               URLSession::failed},
                     StreamRow{"TooLong", "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc", "", "",
                               URLSession::bodyTooLong, 5}),
-    [](const auto& row) { return row.param.name; });
+    rowName);
 
 } // namespace
 } // namespace virlo::test

@@ -1,7 +1,6 @@
-#include "JSON.h"
-#include "LoopbackServer.h"
-#include "Outcome.h"
+#include "NetworkTest.h"
 #include "RawServer.h"
+#include "RowName.h"
 
 #include <gmock/gmock.h>
 
@@ -10,51 +9,10 @@ namespace virlo::test
 namespace
 {
 
-class URLSessionTest : public testing::Test
-{
-protected:
-    URLSessionTest()
-    {
-        const auto echo = [](const httplib::Request& request, httplib::Response& response) {
-            JSON headers = JSON::object();
-            for (const auto& [name, value] : request.headers)
-                headers[name] = value;
-            response.set_content(
-                JSON{{"method", request.method}, {"body", request.body}, {"headers", headers}}.dump(),
-                "application/json");
-        };
-        auto& routes = m_server.routes();
-        routes.Get("/echo", echo).Post("/echo", echo).Put("/echo", echo).Delete("/echo", echo);
-        routes.Get("/none", [](const auto&, auto& response) { response.status = 204; });
-        routes.Get("/text", [](const auto&, auto& response) {
-            response.set_content(std::string(1 << 20, 'x'), "text/plain"); // which this server compresses
-        });
-        const auto redirect = [](int status, const char* location) {
-            return [=](const auto&, auto& response) {
-                response.status = status;
-                response.set_header("Location", location);
-                response.set_content("moved", "text/plain");
-            };
-        };
-        routes.Get("/hop", redirect(302, "/hop2")).Get("/hop2", redirect(301, "/echo"));
-        routes.Get("/loop", redirect(302, "/loop")).Get("/file", redirect(302, "file:///etc/passwd"));
-        routes.Post("/303", redirect(303, "/echo")).Put("/303", redirect(303, "/echo"));
-        routes.Post("/307", redirect(307, "/echo")).Put("/302", redirect(302, "/echo"));
-        m_server.start();
-    }
-
-    static JSON echoed(const Outcome::Result& result)
-    {
-        const JSON seen = JSON::parse(result.data, nullptr, false);
-        EXPECT_TRUE(seen.is_object()) << result.data << (result.error ? describe(*result.error) : "");
-        return seen.is_object() ? seen : JSON::object();
-    }
-
-    LoopbackServer m_server;
-    std::shared_ptr<URLSession> m_session = makeSession();
-};
+using URLSessionTest = NetworkTest;
 
 struct MethodRow {
+    const char* name;
     const char* method;
     std::optional<std::string> body;
 };
@@ -63,120 +21,158 @@ class MethodTest : public URLSessionTest, public testing::WithParamInterface<Met
 {
 };
 
-TEST_P(MethodTest, ArrivesWithItsBodyAsItIs)
+TEST_P(MethodTest, ArrivesWithItsBodyUnchanged)
 {
-    // One after the other on the same handle: nothing of a request may cling to the next.
-    for (int round = 0; round < 2; ++round) {
-        URLRequest sent = request(m_server.url("/echo"), GetParam().method);
-        sent.body = GetParam().body;
-        const auto result = exchange(*m_session, sent);
-        EXPECT_EQ(result.status(), 200);
-        EXPECT_FALSE(result.error);
-        JSON seen = echoed(result);
-        EXPECT_EQ(seen["method"], GetParam().method);
-        EXPECT_EQ(seen["body"], GetParam().body.value_or(""));
-        EXPECT_FALSE(seen["headers"].contains("Content-Type")) << seen;
-        EXPECT_FALSE(seen["headers"].contains("Expect")) << seen;
-        EXPECT_EQ(echoed(get(*m_session, m_server.url("/echo")))["method"], "GET");
-    }
+    serve("/echo");
+    URLRequest sent = request(url("/echo"), GetParam().method);
+    sent.body = GetParam().body;
+    const auto result = send(*session, sent);
+    EXPECT_EQ(result.status(), 200);
+    EXPECT_FALSE(result.error);
+    const auto seen = server.requests().at(0);
+    EXPECT_EQ(seen.method, GetParam().method);
+    EXPECT_EQ(seen.body, GetParam().body.value_or(""));
+    EXPECT_FALSE(seen.headers.contains("content-type"));
+    EXPECT_FALSE(seen.headers.contains("expect"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, MethodTest,
-                         testing::Values(MethodRow{"GET", {}}, MethodRow{"POST", "{\"a\":1}"},
-                                         MethodRow{"POST", {}}, MethodRow{"PUT", std::string(3 << 20, 'p')},
-                                         MethodRow{"DELETE", {}}, MethodRow{"DELETE", "{}"}),
-                         [](const auto& row) {
-                             return row.param.method + std::to_string(row.param.body.value_or("").size());
-                         });
+                         testing::Values(MethodRow{"Get", "GET", {}}, MethodRow{"Post", "POST", "{\"a\":1}"},
+                                         MethodRow{"PostNothing", "POST", {}},
+                                         MethodRow{"PutLong", "PUT", std::string(500'000, 'p')},
+                                         MethodRow{"Delete", "DELETE", {}},
+                                         MethodRow{"DeleteBody", "DELETE", "{}"}),
+                         rowName);
 
-TEST_F(URLSessionTest, RequestsOwnHeadersWinOverTheSessionsWhateverTheirCase)
+TEST_F(URLSessionTest, RequestsOwnHeadersOverrideTheSessionsWhateverTheirCase)
 {
+    std::string head;
+    RawServer raw([&](RawServer::Connection& connection) {
+        head = connection.readHead();
+        connection.write("HTTP/1.1 204 No Content\r\n\r\n");
+    });
     URLSessionConfiguration configuration;
     configuration.additionalHeaders = {{"User-Agent", "session"}, {"Accept", "application/json"}};
-    URLRequest sent = request(m_server.url("/echo"));
+    URLRequest sent = request(raw.url("/"));
     sent.headers = {{"user-agent", "own\r\nX-Injected: yes"}};
-    JSON headers = echoed(exchange(*URLSession::sessionWithConfiguration(configuration), sent))["headers"];
-    EXPECT_EQ(headers["user-agent"], "own  X-Injected: yes");
-    EXPECT_FALSE(headers.contains("User-Agent"));
-    EXPECT_FALSE(headers.contains("X-Injected"));
-    EXPECT_EQ(headers["Accept"], "application/json");
-}
-
-TEST_F(URLSessionTest, EmptyAnswerIsNoError)
-{
-    const auto result = get(*m_session, m_server.url("/none"));
+    const auto result = send(*URLSession::sessionWithConfiguration(configuration), sent);
     EXPECT_EQ(result.status(), 204);
     EXPECT_EQ(result.data, "");
     EXPECT_FALSE(result.error);
+    EXPECT_THAT(head, testing::HasSubstr("\r\nuser-agent: own  X-Injected: yes\r\n"));
+    EXPECT_THAT(head, testing::Not(testing::HasSubstr("User-Agent")));
+    EXPECT_THAT(head, testing::HasSubstr("\r\nAccept: application/json\r\n"));
 }
 
-TEST_F(URLSessionTest, CompressedAnswerArrivesUnpackedAndBoundedByItsUnpackedLength)
+TEST_F(URLSessionTest, CompressedResponseArrivesUnpackedAndLimitedByItsUnpackedLength)
 {
-    const auto whole = get(*m_session, m_server.url("/text"));
-    EXPECT_EQ(whole.header("content-encoding"), "gzip");
-    EXPECT_EQ(whole.data, std::string(1 << 20, 'x'));
+    using namespace std::string_literals;
+    const std::string packed =
+        "\x1f\x8b\x08\0\0\0\0\0\x02\x03\xed\xc1\x31\x01\0\0\0\xc2\xa0\xda\x8b\x6f\x06\x7f\xa0"s +
+        std::string(193, '\0') + "\x80\xd7\0\x72\x02\xbf\x51\x40\x0d\x03\0"s;
+    server.setFault(
+        {.path = "/text", .status = 200, .body = packed, .headers = {{"Content-Encoding", "gzip"}}});
+    EXPECT_EQ(get(*session, url("/text")).data, std::string(200'000, 'x'));
 
-    URLRequest bounded = request(m_server.url("/text"));
-    bounded.maximumBodySize = 100'000; // the wire carries about one thousand bytes
-    const auto cut = exchange(*m_session, bounded);
+    URLRequest limited = request(url("/text"));
+    limited.maximumBodySize = 50'000;
+    const auto cut = send(*session, limited);
     EXPECT_EQ(cut.code(), URLSession::bodyTooLong);
-    EXPECT_LE(cut.data.size(), bounded.maximumBodySize);
+    EXPECT_LE(cut.data.size(), limited.maximumBodySize);
     EXPECT_EQ(cut.status(), 200);
 }
 
-TEST_F(URLSessionTest, RedirectsLeadToTheFinalAnswerAndItsURL)
+TEST_F(URLSessionTest, RedirectsLeadToTheFinalResponseAndItsURL)
 {
-    const auto result = get(*m_session, m_server.url("/hop"));
+    server.setFault({.path = "/hop", .status = 302, .headers = {{"Location", "/hop2"}}});
+    server.setFault({.path = "/hop2", .status = 301, .headers = {{"Location", "/end"}}});
+    serve("/end");
+    const auto result = get(*session, url("/hop"));
     EXPECT_EQ(result.status(), 200);
-    EXPECT_EQ(result.response->url.absoluteString(), m_server.url("/echo"));
-    EXPECT_EQ(result.header("location"), "") << "a header of an earlier answer";
-    EXPECT_EQ(echoed(result)["method"], "GET");
+    EXPECT_EQ(result.response->url.absoluteString(), url("/end"));
+    EXPECT_EQ(result.header("location"), "") << "a header of an earlier response";
+    EXPECT_EQ(server.requests().back().method, "GET");
 }
 
-TEST_F(URLSessionTest, RedirectedMethods)
+struct RedirectRow {
+    const char* name;
+    const char* method;
+    int status;
+    const char* followed;
+};
+
+class RedirectMethodTest : public URLSessionTest, public testing::WithParamInterface<RedirectRow>
 {
-    for (const char* method : {"POST", "PUT"}) {
-        URLRequest sent = request(m_server.url("/303"), method);
-        sent.body = "{}";
-        JSON seen = echoed(exchange(*m_session, sent));
-        EXPECT_EQ(seen["method"], "GET") << method;
-        EXPECT_EQ(seen["body"], "");
-    }
-    const std::pair<const char*, const char*> kept[] = {{"POST", "/307"}, {"PUT", "/302"}};
-    for (const auto& [method, path] : kept) {
-        URLRequest sent = request(m_server.url(path), method);
-        sent.body = "{}";
-        JSON seen = echoed(exchange(*m_session, sent));
-        EXPECT_EQ(seen["method"], method);
-        EXPECT_EQ(seen["body"], "{}");
-    }
+};
+
+TEST_P(RedirectMethodTest, IsThatOfBrowsers)
+{
+    server.setFault({.path = "/from", .status = GetParam().status, .headers = {{"Location", "/to"}}});
+    serve("/to");
+    URLRequest sent = request(url("/from"), GetParam().method);
+    sent.body = "{}";
+    EXPECT_EQ(send(*session, sent).status(), 200);
+    const auto seen = server.requests().back();
+    EXPECT_EQ(seen.method, GetParam().followed);
+    EXPECT_EQ(seen.body, seen.method == "GET" ? "" : "{}");
 }
 
-TEST_F(URLSessionTest, EndlessAndForbiddenRedirectsEndWithTheRedirectInHand)
+INSTANTIATE_TEST_SUITE_P(Rows, RedirectMethodTest,
+                         testing::Values(RedirectRow{"SeeOtherPost", "POST", 303, "GET"},
+                                         RedirectRow{"SeeOtherPut", "PUT", 303, "GET"},
+                                         RedirectRow{"FoundPost", "POST", 302, "GET"},
+                                         RedirectRow{"FoundPut", "PUT", 302, "PUT"},
+                                         RedirectRow{"TemporaryPost", "POST", 307, "POST"}),
+                         rowName);
+
+struct BrokenRedirectRow {
+    const char* name;
+    std::string location;
+    long code;
+};
+
+class BrokenRedirectTest : public URLSessionTest, public testing::WithParamInterface<BrokenRedirectRow>
 {
-    const auto loop = get(*m_session, m_server.url("/loop"));
-    EXPECT_EQ(loop.code(), URLSession::failed);
-    EXPECT_EQ(loop.status(), 302);
-    const auto file = get(*m_session, m_server.url("/file"));
-    EXPECT_EQ(file.code(), URLSession::unsupportedURL);
-    EXPECT_EQ(file.status(), 302);
-    EXPECT_EQ(file.data.find("root"), std::string::npos);
+};
+
+TEST_P(BrokenRedirectTest, IsNoResponse)
+{
+    server.setFault(
+        {.path = "/hop", .status = 302, .body = "moved", .headers = {{"Location", GetParam().location}}});
+    const auto result = get(*session, url("/hop"));
+    EXPECT_EQ(result.code(), GetParam().code);
+    EXPECT_FALSE(result.response);
+    EXPECT_EQ(result.data, "");
 }
 
-TEST_F(URLSessionTest, MacrosTravelInBracketsAndTheRestEncoded)
+INSTANTIATE_TEST_SUITE_P(
+    Rows, BrokenRedirectTest,
+    testing::Values(BrokenRedirectRow{"Loop", "/hop", URLSession::failed},
+                    BrokenRedirectRow{"Unreachable", unreachableURL(), URLSession::failed},
+                    BrokenRedirectRow{"Forbidden", "file:///etc/passwd", URLSession::unsupportedURL},
+                    BrokenRedirectRow{"NoURL", "http://", URLSession::unsupportedURL}),
+    rowName);
+
+TEST_F(URLSessionTest, RedirectWithoutATargetIsAResponse)
 {
-    std::mutex mutex;
+    server.setFault({.path = "/nowhere", .status = 302, .body = "stay"});
+    const auto result = get(*session, url("/nowhere"));
+    EXPECT_EQ(result.status(), 302);
+    EXPECT_EQ(result.data, "stay");
+    EXPECT_FALSE(result.error);
+}
+
+TEST_F(URLSessionTest, MacrosKeepTheirBracketsAndTheRestIsEncoded)
+{
     std::string head;
-    RawServer server([&](RawServer::Connection& connection) {
-        const std::lock_guard lock(mutex);
+    RawServer raw([&](RawServer::Connection& connection) {
         head = connection.readHead();
         connection.write("HTTP/1.1 200 OK\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
     });
-    const std::string url = server.url("/[CACHEBUSTING]/\xC3\xBC?a=[TS]&b={x|y}&c=%5B#f");
-    const auto result = get(*m_session, url);
+    const std::string text = raw.url("/[CACHEBUSTING]/\xC3\xBC?a=[TS]&b={x|y}&c=%5B#f");
+    const auto result = get(*session, text);
     EXPECT_EQ(result.status(), 200);
-    EXPECT_EQ(result.response->url.absoluteString(), url);
-    const std::lock_guard lock(mutex);
+    EXPECT_EQ(result.response->url.absoluteString(), text);
     EXPECT_THAT(head,
                 testing::StartsWith("GET /[CACHEBUSTING]/%C3%BC?a=[TS]&b=%7Bx%7Cy%7D&c=%5B HTTP/1.1\r\n"));
 }
@@ -193,11 +189,11 @@ class BadRequestTest : public testing::TestWithParam<BadRequestRow>
 {
 };
 
-TEST_P(BadRequestTest, FailsWithoutAnAnswer)
+TEST_P(BadRequestTest, FailsWithoutAResponse)
 {
     URLRequest bad = request(GetParam().url, GetParam().method);
     bad.headers[GetParam().header] = "x";
-    const auto result = exchange(*makeSession(), bad);
+    const auto result = send(*makeSession(), bad);
     EXPECT_EQ(result.code(), GetParam().code);
     EXPECT_FALSE(result.response);
     ASSERT_TRUE(result.error);
@@ -216,7 +212,45 @@ INSTANTIATE_TEST_SUITE_P(
                     BadRequestRow{"Method", "http://127.0.0.1/", "GET /x HTTP/1.1\r\nA: b\r\n\r\n", "A",
                                   URLSession::failed},
                     BadRequestRow{"HeaderName", "http://127.0.0.1/", "GET", "A: b\r\nC", URLSession::failed}),
-    [](const auto& row) { return row.param.name; });
+    rowName);
+
+class TLSTest : public NetworkTest
+{
+};
+
+TEST_F(TLSTest, SessionWithoutTheAuthorityNeverUsesATrustingOnesConnection)
+{
+    serve("/");
+    ASSERT_EQ(get(*session, url("/")).status(), 200);
+    const TemporaryFolder other;
+    adserver::AdServer stranger({.stateFolder = other.path("server")});
+    stranger.start();
+    for (const auto& wary : {makeSession(), makeSession(stranger.authorityFile().string())}) {
+        const auto result = get(*wary, url("/"));
+        EXPECT_EQ(result.code(), URLSession::failed);
+        EXPECT_FALSE(result.response);
+    }
+    EXPECT_EQ(get(*session, url("/")).status(), 200);
+    EXPECT_EQ(server.requests().size(), 2U);
+}
+
+TEST_F(TLSTest, MissingAuthoritiesFileIsAnErrorThatNamesIt)
+{
+    const auto result = get(*makeSession("/nowhere/authority.pem"), url("/"));
+    EXPECT_EQ(result.code(), URLSession::failed);
+    ASSERT_TRUE(result.error);
+    EXPECT_THAT(result.error->userInfo["Reason"].get<std::string>(),
+                testing::HasSubstr("/nowhere/authority.pem"));
+}
+
+TEST_F(TLSTest, DefaultConfigurationCarriesTheProcessWideFile)
+{
+    serve("/");
+    URLSessionConfiguration::setDefaultTrustedAuthoritiesFile(server.authorityFile().string());
+    const auto made = URLSession::sessionWithConfiguration(URLSessionConfiguration::defaultConfiguration());
+    URLSessionConfiguration::setDefaultTrustedAuthoritiesFile({});
+    EXPECT_EQ(get(*made, url("/")).status(), 200);
+}
 
 } // namespace
 } // namespace virlo::test

@@ -1,5 +1,7 @@
 #include "URL.h"
 
+#include "RowName.h"
+
 #include <gtest/gtest.h>
 
 namespace virlo
@@ -44,7 +46,7 @@ INSTANTIATE_TEST_SUITE_P(
                     TextRow{"Control", "http://h/\x01", std::nullopt},
                     TextRow{"Delete", "http://h/\x7F", std::nullopt},
                     TextRow{"NUL", std::string_view("http://h/\0b", 11), std::nullopt}),
-    [](const auto& row) { return row.param.name; });
+    test::rowName);
 
 struct PartsRow {
     const char* name;
@@ -76,7 +78,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, URLParts,
                                          PartsRow{"Relative", "a/b:c?d", "", "", "a/b:c"},
                                          PartsRow{"OnlyColon", ":x", "", "", ":x"},
                                          PartsRow{"NoAuthority", "file:///etc/x", "file", "", "/etc/x"}),
-                         [](const auto& row) { return row.param.name; });
+                         test::rowName);
 
 struct JoinRow {
     const char* name;
@@ -104,9 +106,9 @@ INSTANTIATE_TEST_SUITE_P(
         JoinRow{"BeforeTheQuery", "https://h/a?q=1#f", "b", "https://h/a/b?q=1#f"},
         JoinRow{"Encoded", "https://h", "app/sess/a b/\xC3\xBC", "https://h/app/sess/a%20b/%C3%BC"},
         JoinRow{"Delimiters", "https://h", "a?b#c%41[d]", "https://h/a%3Fb%23c%2541%5Bd%5D"}),
-    [](const auto& row) { return row.param.name; });
+    test::rowName);
 
-TEST(URLQuery, ItemsFollowWhatStandsAndPrecedeTheFragment)
+TEST(URLQuery, ItemsFollowTheExistingQueryAndPrecedeTheFragment)
 {
     EXPECT_EQ(url("http://h/p#f").appendingQueryItems({{"a b", "c&d=\xC3\xBC"}, {"e", ""}}).absoluteString(),
               "http://h/p?a%20b=c%26d%3D%C3%BC&e=#f");

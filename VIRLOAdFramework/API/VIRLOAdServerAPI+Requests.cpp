@@ -1,4 +1,3 @@
-#include "GlobalQueue.h"
 #include "VIRLOAdServerAPI.h"
 #include "VIRLOSession.h"
 
@@ -62,7 +61,7 @@ void VIRLOAdServerAPI::sessionRequestOfTypeToURLWithDictionaryAndCompletionHandl
     if (!completion)
         completion = [](const std::optional<JSON>&, const virlo::OptionalError&, const Response&) {};
     if (!url) {
-        virlo::GlobalQueue::standard().async(
+        m_session->queue().async(
             [completion = std::move(completion)] { completeWithAnswer(completion, {}, std::nullopt); });
         return;
     }

@@ -1,6 +1,5 @@
 #include "VIRLOAdServerApiImageDownloader.h"
 
-#include "GlobalQueue.h"
 #include "VIRLOAdFrameworkLogger.h"
 #include "VIRLOAdItem.h"
 #include "VIRLOConnectionQualityMonitor.h"
@@ -110,7 +109,7 @@ void VIRLOAdServerApiImageDownloader::download(const std::optional<virlo::URL>& 
         done(std::move(data), error);
     };
     if (!url) {
-        virlo::GlobalQueue::background().async([completed = std::move(completed)] {
+        m_session->queue().async([completed = std::move(completed)] {
             completed({}, std::nullopt,
                       virlo::Error{URLSession::errorDomain,
                                    URLSession::unsupportedURL,

@@ -9,7 +9,7 @@ namespace virlo
 {
 
 CurlSession::CurlSession(URLSessionConfiguration configuration)
-    : m_state(std::make_shared<SessionState>(std::move(configuration)))
+    : m_state(std::make_shared<SessionState>(std::move(configuration), m_queue))
 {
     TransferLoop::shared().warmUp();
 }

@@ -17,26 +17,29 @@ namespace virlo
 
 class Transfer;
 
-/// What a session shares with its transfers, each of which keeps it alive. Where nothing else is said it is
-/// used on the I/O thread only.
+/// What a session shares with its transfers, each of which keeps it alive. I/O thread unless marked
+/// otherwise.
 struct SessionState {
-    /// One server's share of the session's connections. A transfer that finds no place waits here, in order.
+    /// The session's connections to one server. Transfers beyond `maximumConnectionsPerHost` wait in order.
     struct Host {
         int active = 0;
-        bool multiplexed = false; ///< its last answer came over HTTP/2
         std::deque<std::shared_ptr<Transfer>> waiting;
     };
 
-    using Hosts = std::map<std::string, Host, std::less<>>; ///< by scheme and authority
+    using Hosts = std::map<std::string, Host, std::less<>>; ///< by the URL's origin
 
-    explicit SessionState(URLSessionConfiguration given) : configuration(std::move(given)) {}
+    SessionState(URLSessionConfiguration given, std::shared_ptr<SerialQueue> sessionQueue)
+        : configuration(std::move(given))
+        , queue(std::move(sessionQueue))
+    {
+    }
 
     const URLSessionConfiguration configuration; ///< any thread
-    SerialQueue queue{"com.virlohq.URLSession"}; ///< any thread
+    const std::shared_ptr<SerialQueue> queue;    ///< any thread
     std::atomic<bool> ended{false};              ///< any thread
 
-    bool cancelled = false; ///< `invalidateAndCancel` has come by: what starts now is refused
-    std::unordered_set<std::shared_ptr<Transfer>> transfers;
+    bool cancelled = false; ///< after `invalidateAndCancel`: transfers that start now are refused
+    std::unordered_set<std::shared_ptr<Transfer>> transfers; ///< active and waiting
     Hosts hosts;
     std::string authorities; ///< see TrustedAuthorities::apply
 };

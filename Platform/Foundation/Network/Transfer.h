@@ -1,7 +1,6 @@
 #pragma once
 
-#include "HandlePool.h"
-#include "ResponseHead.h"
+#include "RequestOptions.h"
 #include "SessionState.h"
 #include "URLSession.h"
 
@@ -11,6 +10,7 @@
 #include <cstddef>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,9 +18,11 @@
 namespace virlo
 {
 
-/// One exchange, and the task that stands for it. `resume` and `cancel` may come from any thread and hand
-/// over to the I/O thread, which does the rest until `finish`; the callbacks then run on the session's queue.
-/// It ends exactly once, by `finish`.
+class TrustedAuthorities;
+
+/// One HTTP request and its response: the task of a CurlSession. `resume`, `suspend` and `cancel` may be
+/// called from any thread and hand over to the I/O thread, which does the rest until `finish`; the callbacks
+/// then run on the session's queue. `finish` is called exactly once.
 class Transfer : public URLSessionTask, public std::enable_shared_from_this<Transfer>
 {
 public:
@@ -38,70 +40,81 @@ public:
 
     // The rest: I/O thread.
 
-    /// Makes `handle` ready for the request, whatever it carried before. A request that cannot be sent is an
-    /// error.
-    [[nodiscard]] OptionalError prepare(HandlePool::Handle& handle);
-    /// False ends the exchange, as does any other number of bytes than those given.
-    [[nodiscard]] bool takeHeaderLine(std::string_view line);
-    [[nodiscard]] std::size_t takeBody(std::string_view piece);
-    /// The reason why `take…` ends the exchange, where it did not say it itself.
-    void noteFailure(std::string_view reason);
-    /// Goes on after the stream's waiting pieces were taken. A failure ends the transfer.
+    /// Makes the libcurl handle. A request that cannot be sent is an error; there is no handle then.
+    [[nodiscard]] OptionalError open(CURLSH* share, const TrustedAuthorities& authorities);
+
+    /// Null before `open` and after `close`.
+    [[nodiscard]] CURL* easy() const noexcept { return m_handle ? m_handle->easy : nullptr; }
+
+    /// The handle must not be in a multi handle any more.
+    void close() { m_handle.reset(); }
+
+    /// Continues after a pause for a slow receiver. An error ends the transfer.
     [[nodiscard]] CURLcode unpause();
 
-    /// Whether a connection kept from earlier exchanges turned out to be closed. libcurl tries six such ones
-    /// before it gives up, and after a pause all that were kept may be. True once.
-    [[nodiscard]] bool isOwedFreshConnection(CURLcode result);
-    void prepareFreshConnection();
+    /// Whether a connection kept from earlier requests turned out to be closed by the server; libcurl itself
+    /// gives up after several such ones. Then the request is sent once more, on a new connection. True once.
+    [[nodiscard]] bool retriesOnNewConnection(CURLcode result);
 
-    /// The outcome is settled: what is left is to `deliver`. The handle is not used any more.
+    /// Settles the outcome; `deliver` reports it.
     void finish(CURLcode result);
     void finish(URLSession::ErrorCode code, std::string_view reason);
     void finish(OptionalError failure);
 
+    /// The time at which the request times out, as far as is known now: received bytes move it on.
+    [[nodiscard]] Clock::Instant deadline() const;
+
+    /// The key under which the loop keeps this transfer; changed by the loop only.
+    Clock::Instant timeoutCheck{};
+
     [[nodiscard]] const std::shared_ptr<SessionState>& session() const noexcept { return m_session; }
 
-    /// Scheme and authority, as they stand in the URL.
-    [[nodiscard]] std::string_view server() const noexcept { return m_server; }
-
-    [[nodiscard]] Clock::Instant deadline() const noexcept { return m_deadline; }
-
-    [[nodiscard]] CURL* easy() const noexcept { return m_easy; }
+    [[nodiscard]] std::string_view origin() const { return m_request.url.origin(); }
 
     [[nodiscard]] bool isCancelled() const noexcept { return m_cancelled; }
 
     [[nodiscard]] bool isFinished() const noexcept { return m_finished; }
 
 private:
-    [[nodiscard]] Error error(URLSession::ErrorCode code, std::string_view reason) const;
+    struct Handle {
+        CURL* easy = nullptr;
+        HeaderLines headerLines;
+        char errorText[CURL_ERROR_SIZE] = {};
 
+        ~Handle() { curl_easy_cleanup(easy); }
+    };
+
+    template <std::size_t (Transfer::*receive)(std::string_view)>
+    static std::size_t callback(char* bytes, std::size_t size, std::size_t count, void* transfer);
+    /// Any other result than the number of bytes given ends the transfer.
+    [[nodiscard]] std::size_t receiveHeaderLine(std::string_view line);
+    [[nodiscard]] std::size_t receiveBody(std::string_view chunk);
+    [[nodiscard]] std::size_t receiveStreamed(std::string_view chunk);
+    [[nodiscard]] bool receiveHeadEnd();
+    [[nodiscard]] HTTPURLResponse readResponse(long status) const;
+
+    [[nodiscard]] Error error(URLSession::ErrorCode code, std::string_view reason) const;
     [[nodiscard]] Error tooLong(std::size_t limit) const;
-    [[nodiscard]] bool takeHead();
-    [[nodiscard]] std::size_t takePiece(std::string_view piece);
-    void gather(std::string_view piece);
-    void setTimeout();
 
     void begin();
-    void deliverPieces(bool areLast);
+    void deliverChunk(bool isLast);
     void deliverCompletion();
 
     const std::shared_ptr<SessionState> m_session;
     URLRequest m_request;
-    std::string_view m_server;
-    std::atomic<bool> m_begun{false}; // resumed, or cancelled before
+    std::atomic<bool> m_begun{false}; ///< resumed, or cancelled before
     std::atomic<bool> m_cancelled{false};
-    Clock::Instant m_deadline{};
 
     // I/O thread
-    CURL* m_easy = nullptr;
-    const char* m_errorText = nullptr;
+    std::unique_ptr<Handle> m_handle;
+    Clock::Instant m_lastActivity{};
     bool m_finished = false;
-    bool m_wentAfresh = false;
+    bool m_retried = false;
+    std::size_t m_headSize = 0; ///< of all heads, redirects included
     std::size_t m_bodySize = 0;
 
-    // I/O thread until `finish`, session queue from there
-    ResponseHead m_head;
-    std::optional<URL> m_redirectedTo;
+    // I/O thread until `finish`, session queue afterwards
+    std::optional<HTTPURLResponse> m_response; ///< set with the end of the final head, unchanged afterwards
     std::string m_data;
     OptionalError m_failure;
 
@@ -109,15 +122,13 @@ private:
     URLSession::Receiver m_receiver;
     URLSession::Completion m_completion;
     const bool m_streams;
-    bool m_refused = false;
+    bool m_refused = false; ///< the receiver returned false, or a chunk was dropped
 
-    std::mutex m_piecesMutex;
-    std::string m_pieces;
+    mutable std::mutex m_chunkMutex;
+    std::string m_chunk; ///< received and not yet delivered
     bool m_deliveryPosted = false;
     bool m_suspended = false;
     bool m_paused = false;
-    std::optional<HTTPURLResponse>
-        m_response; ///< of the pieces; made with the first, unchanged from there on
 };
 
 } // namespace virlo

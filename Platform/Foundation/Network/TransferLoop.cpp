@@ -4,7 +4,6 @@
 #include "ProcessShutdown.h"
 #include "SessionState.h"
 #include "Transfer.h"
-#include "WorkerPool.h"
 
 #include <openssl/crypto.h>
 #include <unistd.h>
@@ -18,16 +17,9 @@ namespace virlo
 
 namespace
 {
-constexpr long maximumConnections = 64; // of the whole process; what comes beyond waits
+constexpr long maximumConnections = 64; ///< of the whole process; more wait
 constexpr long maximumIdleConnections = 32;
-constexpr int maximumStreamsPerHost = 100; // over one HTTP/2 connection
-constexpr std::chrono::seconds longestHalt{1};
-
-bool startLeader(std::function<void()> body)
-{
-    return startDetachedThread("virlo-io", std::move(body));
-}
-
+constexpr std::chrono::seconds longestStop{1};
 } // namespace
 
 TransferLoop& TransferLoop::shared()
@@ -47,61 +39,72 @@ void TransferLoop::start(std::shared_ptr<Transfer> transfer)
     {
         const std::lock_guard lock(m_mutex);
         if (launch()) {
-            enqueue({Command::Kind::Start, std::move(transfer), nullptr});
+            enqueue([this, transfer = std::move(transfer)] { begin(transfer); });
             return;
         }
     }
-    transfer->finish(URLSession::failed, "The system gives no thread or no descriptor.");
+    transfer->finish(URLSession::failed, "The system gives no thread, or the process is exiting.");
     Transfer::deliver({std::move(transfer)});
 }
 
 void TransferLoop::cancel(std::shared_ptr<Transfer> transfer)
 {
     const std::lock_guard lock(m_mutex);
-    enqueue({Command::Kind::Cancel, std::move(transfer), nullptr});
+    enqueue([this, transfer = std::move(transfer)] {
+        // One missing here has finished or has not begun yet; one not begun checks its own cancelled flag.
+        if (!transfer->session()->transfers.contains(transfer))
+            return;
+        transfer->finish(URLSession::cancelled, "Cancelled.");
+        retire(transfer);
+    });
 }
 
 void TransferLoop::unpause(std::shared_ptr<Transfer> transfer)
 {
     const std::lock_guard lock(m_mutex);
-    enqueue({Command::Kind::Unpause, std::move(transfer), nullptr});
+    enqueue([this, transfer = std::move(transfer)] {
+        if (const CURLcode result = transfer->unpause(); result != CURLE_OK) {
+            transfer->finish(result);
+            retire(transfer);
+        }
+    });
 }
 
 void TransferLoop::cancelAll(std::shared_ptr<SessionState> session)
 {
     const std::lock_guard lock(m_mutex);
-    enqueue({Command::Kind::CancelAll, nullptr, std::move(session)});
+    enqueue([this, session = std::move(session)] { cancelAllNow(*session); });
 }
 
-void TransferLoop::exchangeBegan()
+void TransferLoop::transferBegan()
 {
     const std::lock_guard lock(m_mutex);
-    ++m_exchanges;
+    ++m_transfers;
 }
 
-void TransferLoop::exchangeEnded()
+void TransferLoop::transferEnded()
 {
     const std::lock_guard lock(m_mutex);
-    if (--m_exchanges == 0)
-        m_exchangesChanged.notify_all();
+    if (--m_transfers == 0)
+        m_transfersChanged.notify_all();
 }
 
 bool TransferLoop::drain(Seconds limit)
 {
     std::unique_lock lock(m_mutex);
-    m_exchangesChanged.wait_until(lock, std::chrono::steady_clock::now() + Clock::ticks(limit),
-                                  [this] { return m_exchanges == 0 || m_halting; });
-    return m_exchanges == 0;
+    m_transfersChanged.wait_until(lock, std::chrono::steady_clock::now() + Clock::ticks(limit),
+                                  [this] { return m_transfers == 0 || m_stopping; });
+    return m_transfers == 0;
 }
 
 // Called with m_mutex held.
-void TransferLoop::enqueue(Command command)
+void TransferLoop::enqueue(std::function<void()> command)
 {
     if (!m_launched)
         return; // nothing was ever started
     m_commands.push_back(std::move(command));
-    if (std::exchange(m_sleeping, false))
-        m_sockets.wake();
+    if (m_commands.size() == 1 && m_multi != nullptr)
+        curl_multi_wakeup(m_multi);
 }
 
 // Called with m_mutex held.
@@ -113,132 +116,77 @@ bool TransferLoop::launch()
     // us it will; the shutdown is registered after that, so it runs first.
     OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
     static const bool registered =
-        ProcessShutdown::add(ProcessShutdown::Stage::Network, [] { shared().halt(); });
-    m_launched = registered && m_sockets.open() && startLeader([this] {
-                     setUp();
-                     lead();
-                 });
+        ProcessShutdown::add(ProcessShutdown::Stage::Network, [] { shared().stop(); });
+    m_launched = registered && startDetachedThread("virlo-io", [this] { run(); });
     return m_launched;
 }
 
-void TransferLoop::lead()
+void TransferLoop::stop()
 {
-    WorkerPool::Helper helper([this] { return startLeader([this] { lead(); }); });
-    do {
-        waitForEvents();
-        for (const Command& command : m_taken)
-            execute(command);
-        m_taken.clear();
-        expireWaiting();
-        if (m_timer && *m_timer <= std::chrono::steady_clock::now()) {
-            m_timer.reset();
-            int running = 0;
-            curl_multi_socket_action(m_multi, CURL_SOCKET_TIMEOUT, 0, &running);
-        }
-        reap();
-        deliverFinished();
-    } while (helper.work());
+    std::unique_lock lock(m_mutex);
+    m_stopping = true;
+    m_transfersChanged.notify_all();
+    if (m_multi != nullptr)
+        curl_multi_wakeup(m_multi);
+    if (m_launched)
+        m_stopChanged.wait_for(lock, longestStop, [this] { return m_stopped; });
 }
 
 void TransferLoop::setUp()
 {
     curl_global_init(CURL_GLOBAL_DEFAULT);
     m_authorities.locate();
-    m_handles.setUp(m_sockets);
-    m_multi = curl_multi_init();
-    curl_multi_setopt(m_multi, CURLMOPT_SOCKETFUNCTION, &TransferLoop::socketChanged);
-    curl_multi_setopt(m_multi, CURLMOPT_SOCKETDATA, this);
-    curl_multi_setopt(m_multi, CURLMOPT_TIMERFUNCTION, &TransferLoop::timerChanged);
-    curl_multi_setopt(m_multi, CURLMOPT_TIMERDATA, this);
-    curl_multi_setopt(m_multi, CURLMOPT_MAX_TOTAL_CONNECTIONS, maximumConnections);
-    curl_multi_setopt(m_multi, CURLMOPT_MAXCONNECTS, maximumIdleConnections);
+    // So that a TLS session is resumed on whatever handle comes next.
+    m_share = curl_share_init();
+    curl_share_setopt(m_share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
+    CURLM* const multi = curl_multi_init();
+    curl_multi_setopt(multi, CURLMOPT_MAX_TOTAL_CONNECTIONS, maximumConnections);
+    curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, maximumIdleConnections);
+    const std::lock_guard lock(m_mutex);
+    m_multi = multi;
 }
 
-void TransferLoop::halt()
+void TransferLoop::run()
 {
-    std::unique_lock lock(m_mutex);
-    m_halting = true;
-    m_exchangesChanged.notify_all();
-    if (!m_launched)
-        return;
-    m_sockets.wake();
-    m_haltChanged.wait_for(lock, longestHalt, [this] { return m_halted; });
+    setUp();
+    for (;;) {
+        runCommands();
+        int running = 0;
+        curl_multi_perform(m_multi, &running);
+        endFinished();
+        endTimedOut();
+        deliverFinished();
+        curl_multi_poll(m_multi, nullptr, 0, millisecondsToTimeout(), nullptr);
+    }
 }
 
-void TransferLoop::waitForEvents()
+void TransferLoop::runCommands()
 {
-    std::optional<Clock::Instant> next = m_timer;
-    if (!m_waiting.empty() && (!next || m_waiting.begin()->first < *next))
-        next = m_waiting.begin()->first;
-    int timeout = -1;
-    if (next) {
-        const auto left =
-            std::chrono::ceil<std::chrono::milliseconds>(*next - std::chrono::steady_clock::now());
-        timeout = static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, 3'600'000));
-    }
-    {
-        const std::lock_guard lock(m_mutex);
-        m_sleeping = m_commands.empty();
-        if (!m_sleeping || m_halting)
-            timeout = 0;
-    }
-
-    const std::vector<epoll_event>& events = m_sockets.wait(timeout);
+    std::vector<std::function<void()>> commands;
     {
         std::unique_lock lock(m_mutex);
-        m_sleeping = false;
-        m_taken.swap(m_commands);
-        if (m_halting) {
-            m_halted = true;
-            m_haltChanged.notify_all();
+        commands.swap(m_commands);
+        if (m_stopping) {
+            m_stopped = true;
+            m_stopChanged.notify_all();
             lock.unlock();
             for (;;)
                 ::pause();
         }
     }
-    for (const epoll_event& event : events) {
-        const int mask = ((event.events & EPOLLIN) != 0 ? CURL_CSELECT_IN : 0) |
-                         ((event.events & EPOLLOUT) != 0 ? CURL_CSELECT_OUT : 0) |
-                         ((event.events & (EPOLLERR | EPOLLHUP)) != 0 ? CURL_CSELECT_ERR : 0);
-        int running = 0;
-        curl_multi_socket_action(m_multi, event.data.fd, mask, &running);
-    }
+    for (const auto& command : commands)
+        command();
 }
 
-void TransferLoop::execute(const Command& command)
-{
-    switch (command.kind) {
-    case Command::Kind::Start:
-        begin(command.transfer);
-        break;
-    case Command::Kind::Cancel:
-        // Unknown here is what has ended, and what is still to come: that looks at its own mark.
-        if (command.transfer->session()->transfers.contains(command.transfer))
-            conclude(command.transfer, URLSession::cancelled, "Cancelled.");
-        break;
-    case Command::Kind::Unpause:
-        if (const CURLcode result = command.transfer->unpause(); result != CURLE_OK)
-            conclude(command.transfer, result);
-        break;
-    case Command::Kind::CancelAll:
-        command.session->cancelled = true;
-        for (const auto& transfer :
-             std::vector(command.session->transfers.begin(), command.session->transfers.end()))
-            conclude(transfer, URLSession::cancelled, "Cancelled.");
-        break;
-    }
-}
-
-void TransferLoop::cancelAllOnLoop(SessionState& session)
+void TransferLoop::cancelAllNow(SessionState& session)
 {
     session.cancelled = true;
-    const std::vector transfers(session.transfers.begin(), session.transfers.end());
-    // Those waiting first: an ended one would give its place to the next.
-    for (const bool running : {false, true}) {
-        for (const auto& transfer : transfers) {
-            if ((transfer->easy() != nullptr) == running)
-                conclude(transfer, URLSession::cancelled, "Cancelled.");
-        }
+    // Those waiting go first, or a cancelled one would start the next.
+    for (auto& [origin, host] : session.hosts)
+        host.waiting.clear();
+    for (const auto& transfer : std::vector(session.transfers.begin(), session.transfers.end())) {
+        transfer->finish(URLSession::cancelled, "Cancelled.");
+        retire(transfer);
     }
 }
 
@@ -250,119 +198,111 @@ void TransferLoop::begin(const std::shared_ptr<Transfer>& transfer)
         m_finished.push_back(transfer);
         return;
     }
-
-    auto found = session.hosts.find(transfer->server());
-    if (found == session.hosts.end())
-        found = session.hosts.emplace(transfer->server(), SessionState::Host()).first;
     session.transfers.insert(transfer);
-    found->second.waiting.push_back(transfer);
-    m_waiting.emplace(transfer->deadline(), transfer);
-    admitWaiting(session, found);
+    scheduleTimeout(transfer);
+    const auto host = session.hosts.try_emplace(std::string(transfer->origin())).first;
+    host->second.waiting.push_back(transfer);
+    admitWaiting(session, host);
 }
 
 void TransferLoop::admitWaiting(SessionState& session, SessionState::Hosts::iterator position)
 {
     SessionState::Host& host = position->second;
-    const int limit = host.multiplexed ? maximumStreamsPerHost
-                                       : std::max(1, session.configuration.maximumConnectionsPerHost);
+    const int limit = std::max(1, session.configuration.maximumConnectionsPerHost);
     while (host.active < limit && !host.waiting.empty()) {
         const std::shared_ptr<Transfer> transfer = std::move(host.waiting.front());
         host.waiting.pop_front();
         if (transfer->isFinished())
             continue;
-        m_waiting.erase({transfer->deadline(), transfer});
-        if (admit(transfer, host.multiplexed)) {
+        if (admit(*transfer))
             ++host.active;
-        } else {
-            session.transfers.erase(transfer);
-            m_finished.push_back(transfer);
-        }
+        else
+            retire(transfer);
     }
-    if (host.active == 0 && host.waiting.empty() && !host.multiplexed)
+    if (host.active == 0 && host.waiting.empty())
         session.hosts.erase(position);
 }
 
-bool TransferLoop::admit(const std::shared_ptr<Transfer>& transfer, bool multiplexed)
+bool TransferLoop::admit(Transfer& transfer)
 {
-    auto handle = m_handles.take();
-    if (!handle) {
-        transfer->finish(CURLE_FAILED_INIT);
+    if (auto failure = transfer.open(m_share, m_authorities)) {
+        transfer.finish(std::move(failure));
         return false;
     }
-    CURL* const easy = handle->easy;
-    m_authorities.apply(easy, *transfer->session());
-    curl_easy_setopt(easy, CURLOPT_PIPEWAIT, multiplexed ? 1L : 0L);
-    curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 0L);
-    if (auto failure = transfer->prepare(*handle)) {
-        transfer->finish(std::move(failure));
-        m_handles.putBack(std::move(handle));
+    if (curl_multi_add_handle(m_multi, transfer.easy()) != CURLM_OK) {
+        transfer.finish(CURLE_FAILED_INIT);
+        transfer.close();
         return false;
     }
-    handle->transfer = transfer;
-    if (curl_multi_add_handle(m_multi, easy) != CURLM_OK) {
-        transfer->finish(CURLE_FAILED_INIT);
-        return false;
-    }
-    static_cast<void>(handle.release()); // found again by HandlePool::of once the exchange ends
     return true;
 }
 
-// What `result` is made of goes to the transfer's own `finish`.
-template <typename... Result>
-void TransferLoop::conclude(const std::shared_ptr<Transfer>& transfer, Result... result)
+void TransferLoop::retire(std::shared_ptr<Transfer> transfer)
 {
-    // The handle may hold the caller's own.
-    const std::shared_ptr<Transfer> kept = transfer; // NOLINT(performance-unnecessary-copy-initialization)
-    SessionState& session = *kept->session();
-    const auto host = session.hosts.find(kept->server());
-    CURL* const easy = kept->easy();
-    if (easy != nullptr)
-        curl_multi_remove_handle(m_multi, easy);
-    else
-        m_waiting.erase({kept->deadline(), kept});
-    kept->finish(result...);
-    m_finished.push_back(kept);
-    session.transfers.erase(kept);
-    if (easy == nullptr)
-        return; // it leaves its line when its turn comes
-    m_handles.putBack(std::unique_ptr<HandlePool::Handle>(HandlePool::of(easy)));
+    SessionState& session = *transfer->session();
+    m_timeouts.erase({transfer->timeoutCheck, transfer});
+    session.transfers.erase(transfer);
+    m_finished.push_back(transfer);
+    if (transfer->easy() == nullptr)
+        return; // it was waiting; `admitWaiting` drops it from its host's line
+    curl_multi_remove_handle(m_multi, transfer->easy());
+    transfer->close();
+    const auto host = session.hosts.find(transfer->origin());
     --host->second.active;
     admitWaiting(session, host);
 }
 
-void TransferLoop::expireWaiting()
+void TransferLoop::scheduleTimeout(const std::shared_ptr<Transfer>& transfer)
+{
+    transfer->timeoutCheck = transfer->deadline();
+    m_timeouts.emplace(transfer->timeoutCheck, transfer);
+}
+
+void TransferLoop::endTimedOut()
 {
     const auto now = std::chrono::steady_clock::now();
-    while (!m_waiting.empty() && m_waiting.begin()->first <= now) {
-        const std::shared_ptr<Transfer> transfer = m_waiting.begin()->second;
-        conclude(transfer, URLSession::timedOut, "Timed out while waiting for a connection.");
+    while (!m_timeouts.empty() && m_timeouts.begin()->first <= now) {
+        const std::shared_ptr<Transfer> transfer = m_timeouts.begin()->second;
+        if (transfer->deadline() > now) { // bytes came since
+            m_timeouts.erase(m_timeouts.begin());
+            scheduleTimeout(transfer);
+            continue;
+        }
+        transfer->finish(URLSession::timedOut, transfer->easy() != nullptr
+                                                   ? "Timed out while no data came."
+                                                   : "Timed out while waiting for a connection.");
+        retire(transfer);
     }
 }
 
-void TransferLoop::reap()
+int TransferLoop::millisecondsToTimeout() const
+{
+    constexpr std::int64_t anHour = 3'600'000;
+    if (m_timeouts.empty())
+        return anHour;
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(m_timeouts.begin()->first -
+                                                                   std::chrono::steady_clock::now());
+    return static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, anHour));
+}
+
+void TransferLoop::endFinished()
 {
     int left = 0;
     while (const CURLMsg* message = curl_multi_info_read(m_multi, &left)) {
         if (message->msg != CURLMSG_DONE)
             continue;
+        Transfer* found = nullptr;
+        curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &found);
+        const std::shared_ptr<Transfer> transfer = found->shared_from_this();
         const CURLcode result = message->data.result;
-        const std::shared_ptr<Transfer> transfer = HandlePool::of(message->easy_handle)->transfer;
-        if (result == CURLE_OK) {
-            long version = 0;
-            curl_easy_getinfo(message->easy_handle, CURLINFO_HTTP_VERSION, &version);
-            auto& hosts = transfer->session()->hosts;
-            hosts.find(transfer->server())->second.multiplexed = version == CURL_HTTP_VERSION_2_0;
+        if (transfer->retriesOnNewConnection(result)) {
+            curl_multi_remove_handle(m_multi, transfer->easy());
+            if (curl_multi_add_handle(m_multi, transfer->easy()) == CURLM_OK)
+                continue;
         }
-        if (!transfer->isOwedFreshConnection(result) || !goOnAfresh(*transfer))
-            conclude(transfer, result);
+        transfer->finish(result);
+        retire(transfer);
     }
-}
-
-bool TransferLoop::goOnAfresh(Transfer& transfer)
-{
-    curl_multi_remove_handle(m_multi, transfer.easy());
-    transfer.prepareFreshConnection();
-    return curl_multi_add_handle(m_multi, transfer.easy()) == CURLM_OK;
 }
 
 void TransferLoop::deliverFinished()
@@ -375,25 +315,6 @@ void TransferLoop::deliverFinished()
         first = end;
     }
     m_finished.clear();
-}
-
-int TransferLoop::socketChanged(CURL*, curl_socket_t socket, int what, void* self, void*)
-{
-    const bool reads = what == CURL_POLL_IN || what == CURL_POLL_INOUT;
-    const bool writes = what == CURL_POLL_OUT || what == CURL_POLL_INOUT;
-    static_cast<TransferLoop*>(self)->m_sockets.want(socket,
-                                                     (reads ? EPOLLIN : 0U) | (writes ? EPOLLOUT : 0U));
-    return 0;
-}
-
-int TransferLoop::timerChanged(CURLM*, long milliseconds, void* self)
-{
-    auto& timer = static_cast<TransferLoop*>(self)->m_timer;
-    if (milliseconds < 0)
-        timer.reset();
-    else
-        timer = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
-    return 0;
 }
 
 } // namespace virlo

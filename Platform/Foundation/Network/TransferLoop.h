@@ -1,18 +1,16 @@
 #pragma once
 
 #include "Clock.h"
-#include "HandlePool.h"
 #include "SessionState.h"
-#include "SocketPoll.h"
 #include "TrustedAuthorities.h"
 
 #include <curl/curl.h>
 
 #include <condition_variable>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <set>
 #include <utility>
 #include <vector>
@@ -22,13 +20,10 @@ namespace virlo
 
 class Transfer;
 
-/// The process's I/O thread, 'virlo-io': it runs every session's transfers over one libcurl multi handle,
-/// sleeps in epoll while nothing moves, and is started by the first use. Between its rounds it does the work
-/// that the answers give rise to, as one of the pool's helpers; where a piece of it takes long, another
-/// thread leads the loop from there on. There is one loop for the process and it is never destroyed; at the
-/// process's exit the thread is halted where it stands, so that nothing of libcurl or OpenSSL runs while
-/// their own exit handlers tear them down. The public operations may be called from any thread and wait for
-/// nothing.
+/// The process's I/O thread, 'virlo-io': it runs every session's transfers over one libcurl multi handle and
+/// sleeps while nothing moves. Started by the first use. There is one loop for the process and it is never
+/// destroyed; when the process exits the thread is stopped, so that nothing of libcurl or OpenSSL runs while
+/// their own exit handlers clean up. The public operations may be called from any thread and do not wait.
 class TransferLoop
 {
 public:
@@ -44,68 +39,51 @@ public:
     void cancelAll(std::shared_ptr<SessionState> session);
 
     /// Counted from a task's start to the return of its completion.
-    void exchangeBegan();
-    void exchangeEnded();
-    /// Waits until no exchange is under way, at most `limit`.
+    void transferBegan();
+    void transferEnded();
+    /// Waits until no transfer is left, at most `limit`.
     bool drain(Seconds limit);
 
 private:
-    struct Command {
-        enum class Kind { Start, Cancel, Unpause, CancelAll } kind;
-        std::shared_ptr<Transfer> transfer;
-        std::shared_ptr<SessionState> session;
-    };
-
     TransferLoop() = default;
 
-    void enqueue(Command command);
+    void enqueue(std::function<void()> command);
     [[nodiscard]] bool launch();
-    void halt();
+    void stop();
 
+    // I/O thread
     void setUp();
-    /// Until another thread leads.
-    void lead();
-    void waitForEvents();
-    void execute(const Command& command);
-
-    void cancelAllOnLoop(SessionState& session);
+    [[noreturn]] void run();
+    void runCommands();
     void begin(const std::shared_ptr<Transfer>& transfer);
-    /// Gives the host's free places to those who wait longest. Forgets a host with nothing under way.
+    void cancelAllNow(SessionState& session);
+    /// Starts those that have waited longest, as far as the session's limit allows. Forgets an unused host.
     void admitWaiting(SessionState& session, SessionState::Hosts::iterator position);
-    [[nodiscard]] bool admit(const std::shared_ptr<Transfer>& transfer, bool multiplexed);
-    template <typename... Result>
-    void conclude(const std::shared_ptr<Transfer>& transfer, Result... result);
-    void expireWaiting();
-    void reap();
-    /// False where it cannot.
-    [[nodiscard]] bool goOnAfresh(Transfer& transfer);
+    [[nodiscard]] bool admit(Transfer& transfer);
+    /// Forgets a transfer whose outcome is settled, and starts another in its stead.
+    void retire(std::shared_ptr<Transfer> transfer);
+    void scheduleTimeout(const std::shared_ptr<Transfer>& transfer);
+    void endTimedOut();
+    void endFinished();
     void deliverFinished();
-
-    static int socketChanged(CURL* easy, curl_socket_t socket, int what, void* self, void* known);
-    static int timerChanged(CURLM* multi, long milliseconds, void* self);
+    [[nodiscard]] int millisecondsToTimeout() const;
 
     // Any thread
     std::mutex m_mutex;
-    std::vector<Command> m_commands;
+    std::vector<std::function<void()>> m_commands;
+    CURLM* m_multi = nullptr; ///< set by the I/O thread, which alone uses it but for waking up
     bool m_launched = false;
-    bool m_sleeping = false;
-    bool m_halting = false;
-    bool m_halted = false;
-    std::condition_variable m_haltChanged;
-    std::size_t m_exchanges = 0;
-    std::condition_variable m_exchangesChanged;
+    bool m_stopping = false;
+    bool m_stopped = false;
+    std::condition_variable m_stopChanged;
+    std::size_t m_transfers = 0;
+    std::condition_variable m_transfersChanged;
 
-    // The leading thread, but for the waking
-    SocketPoll m_sockets;
-
-    // The leading thread
-    CURLM* m_multi = nullptr;
-    HandlePool m_handles;
+    // I/O thread
+    CURLSH* m_share = nullptr;
     TrustedAuthorities m_authorities;
-    std::vector<Command> m_taken;
-    std::optional<Clock::Instant> m_timer;
-    std::set<std::pair<Clock::Instant, std::shared_ptr<Transfer>>> m_waiting; // by deadline
-    std::vector<std::shared_ptr<Transfer>> m_finished;                        // in this round
+    std::set<std::pair<Clock::Instant, std::shared_ptr<Transfer>>> m_timeouts; ///< by Transfer::timeoutCheck
+    std::vector<std::shared_ptr<Transfer>> m_finished;                         ///< in this round
 };
 
 } // namespace virlo

@@ -3,14 +3,20 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
 
 namespace virlo
 {
 
 namespace
 {
-enum CharacterClass : std::uint8_t { Unreserved = 1, PathAlso = 2, SchemeAlso = 4, Blank = 8, Control = 16 };
+enum CharacterClass : std::uint8_t {
+    Unreserved = 1,
+    PathAlso = 2,
+    SchemeAlso = 4,
+    Blank = 8,
+    Control = 16,
+    HTTPAlso = 32
+};
 
 constexpr std::array<std::uint8_t, 256> characterClasses = [] {
     std::array<std::uint8_t, 256> classes{};
@@ -21,6 +27,10 @@ constexpr std::array<std::uint8_t, 256> characterClasses = [] {
     mark("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~", Unreserved | PathAlso);
     mark("!$&'()*+,;=:@/", PathAlso);
     mark("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+-.", SchemeAlso);
+    for (unsigned code = 0x21; code < 0x7F; ++code) {
+        if (std::string_view("\"<>\\^`{|}").find(static_cast<char>(code)) == std::string_view::npos)
+            classes[code] |= HTTPAlso;
+    }
     for (unsigned code = 0; code < 0x20; ++code)
         classes[code] |= Control;
     classes[0x7F] |= Control;
@@ -33,29 +43,10 @@ bool is(char character, int bits)
     return (characterClasses[static_cast<unsigned char>(character)] & bits) != 0;
 }
 
-/// Eight characters at a time: documents hold addresses by the thousand. White space is the blank and control
-/// characters.
-bool holdsBlankOrControl(std::string_view text)
-{
-    constexpr std::uint64_t each = 0x0101010101010101;
-    constexpr std::uint64_t highest = 0x80 * each;
-    while (text.size() >= sizeof(std::uint64_t)) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, text.data(), sizeof word);
-        const std::uint64_t deleteIsZero = word ^ (0x7F * each);
-        const std::uint64_t found = ((word - 0x21 * each) & ~word) | ((deleteIsZero - each) & ~deleteIsZero);
-        if ((found & highest) != 0)
-            return true;
-        text.remove_prefix(sizeof word);
-    }
-    return std::any_of(text.begin(), text.end(),
-                       [](char character) { return is(character, Blank | Control); });
-}
-
-void appendEncoded(std::string& text, std::string_view piece, int kept)
+void appendEncoded(std::string& text, std::string_view part, int kept)
 {
     static constexpr char digits[] = "0123456789ABCDEF";
-    for (const char character : piece) {
+    for (const char character : part) {
         if (is(character, kept)) {
             text += character;
             continue;
@@ -77,9 +68,10 @@ std::size_t schemeLength(std::string_view text)
     return 0;
 }
 
-/// Where the pieces of a URL's text begin and end.
+/// Where the parts of a URL's text begin and end.
 struct Layout {
-    std::size_t authorityStart = 0; // equal to pathStart where there is no authority
+    bool hasAuthority = false;
+    std::size_t authorityStart = 0; ///< equal to pathStart where there is no authority
     std::size_t pathStart = 0;
     std::size_t pathEnd = 0;
     std::size_t queryEnd = 0;
@@ -90,6 +82,7 @@ struct Layout {
         pathStart = scheme == 0 ? 0 : scheme + 1;
         authorityStart = pathStart;
         if (text.substr(pathStart, 2) == "//") {
+            hasAuthority = true;
             authorityStart = pathStart + 2;
             pathStart = std::min(text.find_first_of("/?#", authorityStart), text.size());
         }
@@ -107,9 +100,8 @@ std::optional<URL> URL::fromString(std::string_view text)
         text.remove_prefix(1);
     while (!text.empty() && is(text.back(), Blank))
         text.remove_suffix(1);
-    if (text.empty())
-        return std::nullopt;
-    if (holdsBlankOrControl(text))
+    const auto isForbidden = [](char character) { return is(character, Blank | Control); };
+    if (text.empty() || std::any_of(text.begin(), text.end(), isForbidden))
         return std::nullopt;
     return URL(std::string(text));
 }
@@ -142,6 +134,20 @@ std::string URL::path() const
 {
     const Layout layout(m_text);
     return m_text.substr(layout.pathStart, layout.pathEnd - layout.pathStart);
+}
+
+std::string_view URL::origin() const
+{
+    const Layout layout(m_text);
+    return std::string_view(m_text).substr(0, layout.hasAuthority ? layout.pathStart : 0);
+}
+
+std::string URL::encodedString() const
+{
+    const std::string_view start = origin();
+    std::string text(start);
+    appendEncoded(text, std::string_view(m_text).substr(start.size()), HTTPAlso);
+    return text;
 }
 
 URL URL::appendingPathComponent(std::string_view component) const

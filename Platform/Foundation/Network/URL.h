@@ -30,6 +30,11 @@ public:
     /// As it stands, still percent-encoded.
     [[nodiscard]] std::string path() const;
 
+    /// Scheme and authority as they are in the text; empty where there is no authority.
+    [[nodiscard]] std::string_view origin() const;
+    /// The text that goes over the network: what HTTP cannot carry is percent-encoded.
+    [[nodiscard]] std::string encodedString() const;
+
     /// `component` joined to the path with one slash between; characters that a path may not hold are
     /// percent-encoded, slashes inside the component stay.
     [[nodiscard]] URL appendingPathComponent(std::string_view component) const;

@@ -3,6 +3,7 @@
 #include "Clock.h"
 #include "Error.h"
 #include "Export.h"
+#include "SerialQueue.h"
 #include "URL.h"
 
 #include <cstddef>
@@ -16,7 +17,7 @@
 namespace virlo
 {
 
-/// Sessions keep no store of answers, so both policies reach the server; the policy is kept with the request
+/// Sessions have no response cache, so both policies reach the server; the policy is kept with the request
 /// for a transport that has one.
 enum class CachePolicy { UseProtocolCachePolicy = 0, ReloadIgnoringLocalCacheData = 1 };
 
@@ -26,9 +27,10 @@ struct URLRequest {
     std::map<std::string, std::string> headers = {}; ///< beside the session's; these win
     std::optional<std::string> body = {};
     CachePolicy cachePolicy = CachePolicy::UseProtocolCachePolicy;
-    /// The longest the whole exchange may take.
+    /// The longest time without a received byte, and the longest wait for a connection. A transfer that moves
+    /// steadily is not cut off, but a gathered body ends after one hour at the latest.
     Seconds timeout = Seconds(60);
-    /// The longest body taken; a longer one ends the exchange with an error, `bodyTooLong`.
+    /// The longest body accepted; a longer one ends the transfer with an error, `bodyTooLong`.
     std::size_t maximumBodySize = std::size_t{64} << 20;
 };
 
@@ -53,29 +55,30 @@ struct VIRLO_EXPORT URLSessionConfiguration {
     static void setDefaultTrustedAuthoritiesFile(std::string path);
 };
 
-/// One exchange. Starts with `resume`; its completion is called exactly once, also after `cancel`.
+/// One request and its response. Starts with `resume`; its completion is called exactly once, also after
+/// `cancel`.
 class URLSessionTask
 {
 public:
     virtual ~URLSessionTask() = default;
     virtual void resume() = 0;
 
-    /// Holds a stream's pieces back until the next `resume`; what is under way to the receiver still comes.
-    /// Of an exchange that has ended the rest comes all the same, at most 1 MiB.
+    /// Holds a stream's chunks back until the next `resume`; a chunk already being delivered still arrives.
+    /// Once the transfer has ended its last bytes, at most 1 MiB, are delivered all the same.
     virtual void suspend() {}
 
-    /// Ends the exchange soon; the completion then gets the error `cancelled`. An exchange that has ended
-    /// already keeps its own outcome, and one that was never resumed completes now.
+    /// Ends the transfer soon; the completion then gets the error `cancelled`. One that has ended already
+    /// keeps its own outcome, and one that was never resumed completes now.
     virtual void cancel() = 0;
 };
 
-/// HTTP and HTTPS exchanges over the process's one I/O thread. Redirects are followed (at most 20, to http
-/// and https only; GET stays GET, 303 and redirected POSTs become GET as browsers do). Completions and stream
-/// callbacks run on the session's own serial queue, never on the caller's stack. A session released without
-/// an end lets its tasks finish. Usable from any thread; nothing here waits for the network. A server that
-/// has HTTP/2 is spoken to in it; answers may come compressed. Nothing is kept but idle connections: no
-/// cookies, no cache. Time-outs bound real exchanges and so go by the system's time, whatever clock is in
-/// force. Proxies come from the environment, but none stands before the loopback.
+/// HTTP and HTTPS requests over the process's one I/O thread. Redirects are followed (at most 20, to http and
+/// https only; GET stays GET, 303 and redirected POSTs become GET as in browsers); where the target of one
+/// fails there is no response. Completions and stream callbacks run on the session's own serial queue, never
+/// on the caller's stack. A session released without an end lets its tasks finish. Usable from any thread;
+/// nothing here waits for the network. HTTP/2 is used where the server offers it; responses may be
+/// compressed. Nothing is kept but idle connections: no cookies, no cache. Timeouts use the system's time,
+/// whatever clock is set. Proxies come from the environment, but none is used for the loopback.
 ///
 /// Errors carry domain `errorDomain`, a code of `ErrorCode` and in userInfo "Reason" (libcurl's text) and
 /// "URL".
@@ -93,13 +96,13 @@ public:
         sessionEnded = 6
     };
 
-    /// `response` is absent exactly where no HTTP answer's head arrived. `data` holds what arrived of the
-    /// body, also beside an error.
+    /// `response` is absent exactly where no final head arrived. `data` holds what arrived of the body, also
+    /// beside an error.
     using Completion = std::function<void(std::string data, const std::optional<HTTPURLResponse>& response,
                                           const OptionalError&)>;
-    /// A piece of a 2xx body as it arrives, and the answer that it is of; false ends the exchange as `cancel`
-    /// does. While more than 1 MiB waits for a slow receiver nothing more is read from the server.
-    using Receiver = std::function<bool(std::string_view piece, const HTTPURLResponse& response)>;
+    /// A chunk of a 2xx body as it arrives, and its response; false ends the transfer as `cancel` does. While
+    /// more than 1 MiB waits for a slow receiver nothing more is read from the server.
+    using Receiver = std::function<bool(std::string_view chunk, const HTTPURLResponse& response)>;
 
     [[nodiscard]] VIRLO_EXPORT static std::shared_ptr<URLSession>
     sessionWithConfiguration(URLSessionConfiguration configuration);
@@ -108,8 +111,8 @@ public:
 
     [[nodiscard]] virtual std::shared_ptr<URLSessionTask> dataTask(URLRequest request,
                                                                    Completion completion) = 0;
-    /// As `dataTask`, but a 2xx body goes to `receiver` piece by piece instead of being gathered, and may be
-    /// of any length that `maximumBodySize` allows; any other is gathered up to 1 MiB.
+    /// As `dataTask`, but a 2xx body goes to `receiver` chunk by chunk instead of being gathered; any other
+    /// is gathered up to 1 MiB.
     [[nodiscard]] virtual std::shared_ptr<URLSessionTask> streamTask(URLRequest request, Receiver receiver,
                                                                      Completion completion) = 0;
 
@@ -118,10 +121,15 @@ public:
     /// No new tasks; those running are cancelled.
     virtual void invalidateAndCancel() = 0;
 
-    /// Waits until no exchange of any session is under way and every completion has returned, at most
-    /// `limit`; the answer tells whether that came about. For a process's end and for tests; never from a
-    /// completion.
+    /// The queue of the session's callbacks, for results that need no request.
+    [[nodiscard]] SerialQueue& queue() const noexcept { return *m_queue; }
+
+    /// Waits until no transfer of any session is left and every completion has returned, at most `limit`;
+    /// returns whether that happened. For a process's exit and for tests; never from a completion.
     static bool drain(Seconds limit);
+
+protected:
+    const std::shared_ptr<SerialQueue> m_queue = std::make_shared<SerialQueue>("com.virlohq.URLSession");
 };
 
 } // namespace virlo
