@@ -5,55 +5,27 @@
 
 #include <array>
 #include <condition_variable>
-#include <cstdint>
+#include <cstddef>
 #include <deque>
 #include <functional>
 #include <mutex>
-#include <vector>
 
 namespace virlo
 {
 
 /// The worker threads behind the global and serial queues: at most `GlobalQueue::maximumThreads`, made on
-/// demand, each ended after `idleLife` without work. Higher levels are served first, and each level keeps one
+/// demand, each ended after `idleLife` without work. Higher levels are served first, and each level has one
 /// worker that the levels below it cannot take. The one instance is never destroyed: workers may outlive
 /// `main`. Any thread.
 class WorkerPool
 {
 public:
-    /// Serial queues stand above the default level: their pieces are what other work waits for.
+    /// Serial queues rank above the default level: other work waits for theirs.
     enum class Level { Background, Default, Serial, High };
 
     static constexpr std::chrono::seconds idleLife{5};
 
     [[nodiscard]] static WorkerPool& shared();
-
-    /// A thread that runs a loop of its own and does, between two rounds, the pieces that the round gave rise
-    /// to, so that no worker has to be woken for them. Made, used and destroyed on that thread, one a thread.
-    ///
-    /// A piece that takes longer than a moment does not hold the loop up: `relief` is called on another
-    /// thread and has to see to it that somebody else runs the loop from there on; false where it cannot. It
-    /// must not use the pool.
-    class Helper
-    {
-    public:
-        explicit Helper(std::function<bool()> relief);
-        ~Helper();
-        Helper(const Helper&) = delete;
-        Helper& operator=(const Helper&) = delete;
-
-        /// Does what waits. False where the thread was relieved meanwhile: the loop is not its own any more.
-        [[nodiscard]] bool work();
-
-    private:
-        friend class WorkerPool;
-
-        const std::function<bool()> m_relief;
-        // Guarded by the pool's lock:
-        bool m_keepsOne = false; ///< a piece that nobody was woken for
-        bool m_relieved = false;
-        std::uint64_t m_busySince = 0; ///< in ticks
-    };
 
     void submit(Level level, std::function<void()> work);
 
@@ -71,39 +43,23 @@ private:
         Level level = Level::Default;
         std::function<void()> work;
     };
-    struct Worker;
 
     WorkerPool() = default;
 
     [[nodiscard]] bool mayRun(Level level) const;
     [[nodiscard]] bool takeNext(Task& task);
-    [[nodiscard]] bool hasRoomForWorker() const;
-    /// `task` counts as running. Gives the lock up where a worker has to be made.
-    void giveToWorker(std::unique_lock<std::mutex>& lock, Task task);
-    void wakeIdle(Task task);
-    void startWorker(Task task);
-    void runWorker(Task task);
-    void finishLocked(Level level);
+    void runWorker();
     void leaveLocked();
-    bool help(Helper& helper);
-    /// Sees to it that `tick` comes while a helper works or keeps a piece.
-    void watch();
-    void tick();
 
     std::mutex m_mutex;
-    std::condition_variable m_atRest;
+    std::condition_variable m_wake;
+    std::condition_variable m_empty;
     std::array<std::deque<std::function<void()>>, levelCount> m_waiting;
     std::array<int, levelCount> m_running{};
-    std::vector<Worker*>
-        m_idle; ///< the one idle for the shortest last: it is taken first, so the others can end
     int m_threads = 0;
+    int m_idle = 0;
+    int m_wakeUps = 0; ///< idle workers that were notified and have not woken up yet
     std::size_t m_pending = 0;
-    Helper* m_busyHelper = nullptr; ///< until it has done its piece, or was relieved
-    std::uint64_t m_taken = 0;
-    std::uint64_t m_ticks = 0;
-    std::uint64_t m_takenAtTick = 0;
-    int m_quietTicks = 0;
-    bool m_watching = false;
 };
 
 } // namespace virlo
