@@ -13,7 +13,7 @@ namespace virlo::test
 namespace
 {
 
-/// Answers what the test says and lets it announce changes.
+/// Returns what the test sets and lets it announce changes.
 class StatedFlags : public NetworkFlagsSource
 {
 public:
@@ -108,7 +108,7 @@ TEST(Reachability, IsMadeOfNamesAndIPv4AddressesOnly)
     EXPECT_EQ(VIRLOReachability::reachabilityWithAddress(generic), nullptr);
 }
 
-TEST(Reachability, NotifierPostsItselfOnTheMainLoopUntilStopped)
+TEST(Reachability, NotifierPostsChangedFlagsOnTheMainLoopUntilStopped)
 {
     StatedFlags source;
     const auto reachability = VIRLOReachability::reachabilityForInternetConnection();
@@ -119,12 +119,21 @@ TEST(Reachability, NotifierPostsItselfOnTheMainLoopUntilStopped)
             senders.push_back(notification.object);
         });
 
+    source.flags = 0x2;
     EXPECT_TRUE(reachability->startNotifier());
+    source.changed(); // about something else: the flags are the same
+    pumpMainLoop();
+    EXPECT_TRUE(senders.empty());
+
+    source.flags = 0;
     source.changed();
     EXPECT_TRUE(senders.empty()) << "posted on the source's thread";
     pumpMainLoop();
+    source.changed();
+    pumpMainLoop();
     EXPECT_EQ(senders, std::vector<const void*>{reachability.get()});
 
+    source.flags = 0x2;
     source.changed();
     reachability->stopNotifier();
     pumpMainLoop();

@@ -72,7 +72,11 @@ bool VIRLOReachability::startNotifier()
     const std::lock_guard lock(m_mutex);
     if (m_watch)
         return true;
+    m_notifiedFlags = currentFlags();
     m_watch = NetworkFlagsSource::shared().watch([weakSelf = weak_from_this()] {
+        // Many announcements of the system do not concern this destination.
+        if (const auto changed = weakSelf.lock(); !changed || !changed->updateNotifiedFlags())
+            return;
         virlo::MainLoop::shared().post([weakSelf] {
             const auto self = weakSelf.lock();
             if (!self)
@@ -87,6 +91,13 @@ bool VIRLOReachability::startNotifier()
         });
     });
     return m_watch != nullptr;
+}
+
+bool VIRLOReachability::updateNotifiedFlags()
+{
+    const auto flags = currentFlags();
+    const std::lock_guard lock(m_mutex);
+    return std::exchange(m_notifiedFlags, flags) != flags;
 }
 
 void VIRLOReachability::stopNotifier()

@@ -37,9 +37,9 @@ public:
     VIRLOReachability(const VIRLOReachability&) = delete;
     VIRLOReachability& operator=(const VIRLOReachability&) = delete;
 
-    /// From here on every change of the network posts the notification on the main thread, by the main loop,
-    /// the only run loop there is. False where the system cannot be watched. A second start is no second
-    /// watch.
+    /// From here on every change of this destination's flags posts the notification on the main thread, by
+    /// the main loop, the only run loop there is. False where the system cannot be watched. A second start is
+    /// no second watch.
     bool startNotifier();
     /// Once it has returned on the main thread nothing is posted any more.
     void stopNotifier();
@@ -60,9 +60,12 @@ private:
     explicit VIRLOReachability(Destination destination);
 
     [[nodiscard]] std::optional<std::uint32_t> currentFlags() const;
+    /// Whether they differ from those of the last notification.
+    [[nodiscard]] bool updateNotifiedFlags();
 
     Destination m_reachabilityRef;
     bool m_alwaysReturnLocalWiFiStatus = false;
     mutable std::mutex m_mutex;
+    std::optional<std::uint32_t> m_notifiedFlags;
     std::unique_ptr<virlo::NetworkFlagsSource::Watch> m_watch;
 };
