@@ -7,7 +7,7 @@
 namespace virlo
 {
 
-/// Stands in where nothing plays: every clip fails at once, and says why.
+/// The engine where nothing can be played: every video fails at once, with the reason.
 class FailingMediaEngine : public MediaEngine
 {
 public:

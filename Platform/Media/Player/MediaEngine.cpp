@@ -10,29 +10,29 @@ namespace virlo
 namespace
 {
 
-constinit std::atomic<MediaEngine*> engineInForce = nullptr;
+constinit std::atomic<MediaEngine*> engineInUse = nullptr;
 constinit std::atomic<MediaEngine::Maker> engineMaker = nullptr;
 
-MediaEngine* makeUsualEngine()
+MediaEngine* makeDefaultEngine()
 {
     if (const MediaEngine::Maker make = engineMaker.load(std::memory_order_acquire))
         return make();
-    return new FailingMediaEngine("This program has nothing that plays clips");
+    return new FailingMediaEngine("This program has nothing that plays videos");
 }
 
 } // namespace
 
 MediaEngine& MediaEngine::shared()
 {
-    if (MediaEngine* const engine = engineInForce.load(std::memory_order_acquire))
+    if (MediaEngine* const engine = engineInUse.load(std::memory_order_acquire))
         return *engine;
-    static auto* const usual = makeUsualEngine();
-    return *usual;
+    static auto* const engine = makeDefaultEngine();
+    return *engine;
 }
 
 void MediaEngine::setShared(MediaEngine* engine)
 {
-    engineInForce.store(engine, std::memory_order_release);
+    engineInUse.store(engine, std::memory_order_release);
 }
 
 void MediaEngine::setMaker(Maker maker)

@@ -11,7 +11,7 @@ namespace virlo
 namespace
 {
 
-/// Of the file that this code was loaded from, with its stroke.
+/// Of the file that this code was loaded from, with the final slash.
 std::string folderOfLibrary()
 {
     Dl_info library{};
@@ -35,7 +35,7 @@ MediaEngine* MediaModule::makeEngine()
     void* const maker = module != nullptr ? dlsym(module, makerName) : nullptr;
     if (maker == nullptr) {
         const char* const failure = dlerror();
-        return failing(failure != nullptr ? failure : "the module is no module");
+        return failing(failure != nullptr ? failure : "it is not a module of this library");
     }
     if (MediaEngine* const engine = reinterpret_cast<Maker*>(maker)(VIRLO_VERSION))
         return engine;

@@ -7,13 +7,13 @@
 namespace virlo
 {
 
-/// The engine as a module of its own beside the library, opened with a process's first clip: a host that
-/// shows no video pays neither memory nor time for GStreamer, and needs none on its device. Where the module
-/// or what it needs is missing, a line in the log says so and every clip fails. It stays open.
+/// The engine as a module of its own beside the library, loaded with a process's first video: a host that
+/// shows no video spends neither memory nor time on GStreamer, and does not need it on its device. Where the
+/// module or what it needs is missing, a line in the log says so and every video fails. It stays loaded.
 class MediaModule
 {
 public:
-    /// Where the module lies, from the folder of the library.
+    /// The module's path, relative to the folder of the library.
     static constexpr const char* path = "virloadframework/media.so";
 
     using Maker = MediaEngine*(const char* version);

@@ -13,14 +13,6 @@ std::shared_ptr<PlayerItem> PlayerItem::playerItemWithURL(const URL& url)
     return std::shared_ptr<PlayerItem>(new PlayerItem(url));
 }
 
-std::shared_ptr<PlayerItem> PlayerItem::playerItemWithFile(const std::string& path)
-{
-    const auto root = URL::fromString("file://");
-    if (!root || !path.starts_with('/'))
-        return nullptr;
-    return std::shared_ptr<PlayerItem>(new PlayerItem(root->appendingPathComponent(path)));
-}
-
 PlayerItem::Status PlayerItem::status() const
 {
     switch (facts().phase) {

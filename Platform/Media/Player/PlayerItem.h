@@ -13,8 +13,8 @@
 namespace virlo
 {
 
-/// One clip of a QueuePlayer, which loads it when its turn nears. It belongs to one queue, once. Every query
-/// answers at once, on any thread, also after the item has left the queue: then what held last.
+/// One video of a QueuePlayer, which loads it when its turn comes near. It belongs to one queue, once. Every
+/// query returns at once, on any thread, also after the item has left the queue: then the last values.
 ///
 /// The notifications below are posted on the main loop with the item as their object.
 class PlayerItem
@@ -23,38 +23,35 @@ public:
     enum class Status { Unknown, ReadyToPlay, Failed };
 
     /// An event was added to the access log: at the end of the transfer, when the player's buffer is full for
-    /// the first time, at a stall, and when the item ends, where bytes came since the event before. One event
+    /// the first time, at a stall, and when the item ends, if bytes arrived since the event before. One event
     /// a notification.
     static constexpr const char* newAccessLogEntryNotification = "AVPlayerItemNewAccessLogEntryNotification";
     static constexpr const char* didPlayToEndTimeNotification = "AVPlayerItemDidPlayToEndTimeNotification";
-    /// The status is Failed now. Comes while the item is still the current one (or is yet to be).
+    /// The status is Failed now. Posted while the item is still the current one (or before it becomes it).
     static constexpr const char* failedToPlayToEndTimeNotification =
         "AVPlayerItemFailedToPlayToEndTimeNotification";
     static constexpr const char* playbackStalledNotification = "AVPlayerItemPlaybackStalledNotification";
 
-    /// Nothing for an address other than http or https with a host: a server does not choose what is read of
-    /// this device.
+    /// Null for a URL other than http or https with a host: a server must not choose a file of this device.
     [[nodiscard]] static std::shared_ptr<PlayerItem> playerItemWithURL(const URL& url);
-    /// A clip on the disk, by its absolute path; nothing for a relative one.
-    [[nodiscard]] static std::shared_ptr<PlayerItem> playerItemWithFile(const std::string& path);
 
     [[nodiscard]] const URL& url() const noexcept { return m_url; }
 
     [[nodiscard]] Status status() const;
     /// Of `MediaEngine::errorDomain`; nothing unless Failed.
     [[nodiscard]] OptionalError error() const;
-    /// Whether enough of the clip is here to go on with: false until its first picture stands, and during a
-    /// stall.
+    /// Whether enough of the video has arrived to continue: false until its first frame is ready, and during
+    /// a stall.
     [[nodiscard]] bool isPlaybackLikelyToKeepUp() const;
     /// Never runs backwards; exactly `duration` once the item has played to its end.
     [[nodiscard]] Seconds currentTime() const;
-    /// Nothing until it is known, which for some clips is their end.
+    /// Nothing until it is known, for some videos only at their end.
     [[nodiscard]] std::optional<Seconds> duration() const;
     [[nodiscard]] PlayerAccessLog accessLog() const;
     [[nodiscard]] VideoFrameCounts videoFrameCounts() const;
 
 private:
-    friend class PlayerQueue;
+    friend class QueuePlayer;
 
     explicit PlayerItem(URL url) : m_url(std::move(url)) {}
 
@@ -62,7 +59,7 @@ private:
     void setPlayback(std::shared_ptr<MediaPlayback> playback);
     [[nodiscard]] std::shared_ptr<MediaPlayback> playback() const;
     [[nodiscard]] PlaybackFacts facts() const;
-    /// Keeps what is known and hands the playback over to be let go of.
+    /// Keeps the last values and returns the playback, which the caller releases.
     [[nodiscard]] std::shared_ptr<MediaPlayback> retire();
     void addToAccessLog(const PlayerAccessLogEvent& event);
 
@@ -75,7 +72,7 @@ private:
     VideoFrameCounts m_lastCounts;
     PlayerAccessLog m_accessLog; ///< as far as it was announced
 
-    // The queue's own
+    // Used by the QueuePlayer alone
     std::size_t m_announcedEvents = 0;
     bool m_failureAnnounced = false;
 };

@@ -14,22 +14,27 @@ namespace
 
 /// Shorter ones would leave the loop no time for anything else.
 constexpr Seconds shortestInterval{0.01};
+/// More intervals than this are not caught up on: a damaged file can name any time.
+constexpr double mostIntervalsBehind = 600;
 
-Seconds markAfter(Seconds time, Seconds interval)
+Seconds multipleAfter(Seconds time, Seconds interval)
 {
     return interval * (std::floor(time / interval) + 1);
 }
 
-void deliver(const std::shared_ptr<PlayerTimeObservers::Observer>& observer, Seconds time)
+std::function<void()> call(const std::shared_ptr<PlayerTimeObservers::Observer>& observer,
+                           const PlayerTimeObservers::Item& item, Seconds time)
 {
-    auto work = [observer, time] {
-        if (!observer->removed)
-            observer->block(time);
+    return [observer, item, time] {
+        auto work = [observer, item, time] {
+            if (!observer->removed)
+                observer->block(item, time);
+        };
+        if (observer->queue)
+            observer->queue->async(std::move(work));
+        else
+            MainLoop::shared().post(std::move(work));
     };
-    if (observer->queue)
-        observer->queue->async(std::move(work));
-    else
-        MainLoop::shared().post(std::move(work));
 }
 
 } // namespace
@@ -41,7 +46,8 @@ std::shared_ptr<void> PlayerTimeObservers::add(Seconds interval, std::shared_ptr
     observer->interval = std::max(interval, shortestInterval);
     observer->queue = std::move(queue);
     observer->block = std::move(block);
-    observer->mark = markAfter(now, observer->interval);
+    if (now > Seconds(0))
+        observer->next = multipleAfter(now, observer->interval);
     m_observers.push_back(observer);
     return observer;
 }
@@ -62,27 +68,41 @@ void PlayerTimeObservers::removeAll()
     m_observers.clear();
 }
 
-void PlayerTimeObservers::restart()
-{
-    for (const auto& observer : m_observers)
-        observer->mark = observer->interval;
-}
-
-void PlayerTimeObservers::tell(Seconds now)
+void PlayerTimeObservers::advance(const Item& item, Seconds now, Calls& calls)
 {
     for (const auto& observer : m_observers) {
-        if (now < observer->mark)
-            continue;
-        observer->mark = markAfter(now, observer->interval);
-        deliver(observer, now);
+        const Seconds interval = observer->interval;
+        if (!observer->next) {
+            calls.push_back(call(observer, item, Seconds(0)));
+            observer->next = interval;
+        }
+        Seconds next =
+            std::max(*observer->next, multipleAfter(now, interval) - mostIntervalsBehind * interval);
+        for (; next <= now; next += interval)
+            calls.push_back(call(observer, item, next));
+        observer->next = next;
+    }
+}
+
+void PlayerTimeObservers::end(const Item& item, Seconds now, bool played, Calls& calls)
+{
+    if (played)
+        advance(item, now, calls);
+    for (const auto& observer : m_observers) {
+        if (played)
+            calls.push_back(call(observer, item, now));
+        observer->next.reset();
     }
 }
 
 std::optional<Seconds> PlayerTimeObservers::next() const
 {
-    const auto first = std::min_element(m_observers.begin(), m_observers.end(),
-                                        [](const auto& a, const auto& b) { return a->mark < b->mark; });
-    return first == m_observers.end() ? std::nullopt : std::optional((*first)->mark);
+    std::optional<Seconds> first;
+    for (const auto& observer : m_observers) {
+        if (observer->next && (!first || *observer->next < *first))
+            first = observer->next;
+    }
+    return first;
 }
 
 } // namespace virlo

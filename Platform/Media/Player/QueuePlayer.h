@@ -1,10 +1,15 @@
 #pragma once
 
 #include "PlayerItem.h"
+#include "PlayerTimeObservers.h"
 #include "SerialQueue.h"
 
+#include <atomic>
+#include <deque>
 #include <functional>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -12,19 +17,15 @@
 namespace virlo
 {
 
-class PlayerQueue;
-
 /// Plays items one after another without a gap: the first is loaded at once, each next one while the one
-/// before plays. Shown by a PlayerLayerView. Made, asked, told and let go of on any thread; nothing here
-/// waits for network, disk, decoder or sound device. With its last reference everything ends at once: no
-/// sound, no picture, no callback (but one under way on another thread); what has to be torn down is torn
-/// down elsewhere.
+/// before plays. Shown by a PlayerLayerView. Made, called and released on any thread; nothing here waits for
+/// network, disk, decoder or sound device. When the last reference is released everything ends at once: no
+/// sound, no frame, no callback (except one running on another thread); teardown runs elsewhere.
 ///
-/// An item leaves the queue only while the rate is not 0: at its end, and when it fails. A failed one that is
-/// met at rate 0 stays the current item until `play`. So each item that is played ends in
-/// `didPlayToEndTimeNotification` or `failedToPlayToEndTimeNotification`, whatever its server does, and then
-/// `currentItem` changes. When nothing comes and nothing moves for 15 seconds an item counts as failed.
-class QueuePlayer
+/// An item leaves the queue only while the rate is not 0: at its end, and when it fails. An item that fails
+/// at rate 0 stays current until `play`. So each played item ends in `didPlayToEndTimeNotification` or
+/// `failedToPlayToEndTimeNotification`, whatever its server does, and then `currentItem` changes.
+class QueuePlayer : public std::enable_shared_from_this<QueuePlayer>
 {
 public:
     using Items = std::vector<std::shared_ptr<PlayerItem>>;
@@ -44,71 +45,101 @@ public:
     };
 
     using Observer = std::function<void(const Change&)>;
+    using TimeObserver = PlayerTimeObservers::Block;
 
     /// Null items are left out.
     [[nodiscard]] static std::shared_ptr<QueuePlayer> queuePlayerWithItems(const Items& items);
-    ~QueuePlayer();
     QueuePlayer(const QueuePlayer&) = delete;
     QueuePlayer& operator=(const QueuePlayer&) = delete;
 
-    // Telling; each takes effect in the next turn of the main loop
+    // Each takes effect in the next turn of the main loop
     void play() { setRate(1); }
 
     void pause() { setRate(0); }
 
-    /// 0 stands, anything else plays at the usual speed and reads back as 1.
+    /// 0 pauses, anything else plays at normal speed and reads back as 1.
     void setRate(double rate);
     void setMuted(bool muted);
-    /// The current item leaves unplayed, without a notification of its end.
-    void advanceToNextItem();
-    void removeAllItems();
-    /// Calls `completion` on the main loop, once: true when the current item stands at its first picture with
-    /// enough to go on with, false when it fails, is gone, or `cancelPendingPrerolls` comes first.
-    void preroll(std::function<void(bool finished)> completion);
-    void cancelPendingPrerolls();
 
-    // Asking
     /// Null when the queue has run out.
     [[nodiscard]] std::shared_ptr<PlayerItem> currentItem() const;
-    /// The current item and those to come. While none has left it is the list that the player was made with,
-    /// which the player keeps for its life; from then on a fresh one.
+    /// The current item and those after it. Until the first one leaves it is the list that the player was
+    /// made with, which the player keeps for its life; after that a fresh one.
     [[nodiscard]] std::shared_ptr<const Items> items() const;
-    /// What was asked for: it stays 1 during a stall, after which the item goes on by itself; it turns 0 when
-    /// the queue runs out.
+    /// The requested rate: it stays 1 during a stall, after which the item continues by itself; it becomes 0
+    /// when the queue runs out.
     [[nodiscard]] double rate() const;
     [[nodiscard]] bool isMuted() const;
     /// Of the current item; 0 without one.
     [[nodiscard]] Seconds currentTime() const;
 
-    // Observing
     /// Calls `observer` on the main loop at each change of the value, in the order of the changes, with the
-    /// value before and after; setting the same value again is none. Ends with the token: once that was
+    /// values before and after; setting the same value again is no change. Ends with the token: once that was
     /// released on the main thread it is not called any more.
     ///
     /// "currentItem": an item's end, its failure, and nothing when the queue runs out (before "rate").
-    /// "currentItem.playbackLikelyToKeepUp": a flag, or nothing where there is no current item; false at
-    /// most half a second after the picture stopped for want of data.
+    /// "currentItem.playbackLikelyToKeepUp": a flag, or nothing where there is no current item; false at most
+    /// half a second after the frame stopped for want of data.
     [[nodiscard]] std::shared_ptr<void> addObserverForKeyPath(const std::string& keyPath, Observer observer);
 
-    /// Calls `block` on `queue` (null: the main loop) with the current item's time whenever that has passed a
-    /// multiple of `interval`: for 1 s at 1.0, 2.0, … of each item, never early and only while time passes;
-    /// once where several were passed at a time. The queue keeps the block until it is removed.
-    [[nodiscard]] std::shared_ptr<void> addPeriodicTimeObserver(Seconds interval,
-                                                                std::shared_ptr<SerialQueue> queue,
-                                                                std::function<void(Seconds time)> block);
-    /// A call that has begun on the queue goes on; none begins after.
+    /// Calls `block` on `queue` (null: the main loop) with an item and its time: when the item starts to play
+    /// (0), at each multiple of `interval` that its time passes, and at its end (its duration) before it
+    /// leaves. Calls are never skipped or early, and in order, so a late one may name an item that has left.
+    /// The queue keeps the block until it is removed.
+    [[nodiscard]] std::shared_ptr<void>
+    addPeriodicTimeObserver(Seconds interval, std::shared_ptr<SerialQueue> queue, TimeObserver block);
+    /// A call that has begun on the queue continues; none begins after this.
     void removeTimeObserver(const std::shared_ptr<void>& token);
 
-    // Showing
-    /// Calls `arrived` on the main loop when there is a newer picture. Ends with the token, as above.
+    /// Calls `arrived` on the main loop when there is a newer frame. Ends with the token, as above.
     [[nodiscard]] std::shared_ptr<void> addFrameObserver(std::function<void()> arrived);
-    /// The current item's newest picture; null before its first.
+    /// The current item's newest frame; null before its first.
     [[nodiscard]] std::shared_ptr<const VideoFrame> takeFrame();
 
 private:
-    explicit QueuePlayer(std::shared_ptr<PlayerQueue> queue) : m_queue(std::move(queue)) {}
+    using Playback = std::shared_ptr<MediaPlayback>;
+    using Event = std::function<void()>;
 
-    const std::shared_ptr<PlayerQueue> m_queue;
+    struct KeyPathObserver {
+        std::string keyPath;
+        Observer observer;
+    };
+
+    explicit QueuePlayer(Items items);
+
+    void schedule();
+    void step();
+    void close();
+    // Under `m_mutex`
+    void updateItems();
+    void load(PlayerItem& item);
+    void announce(const std::shared_ptr<PlayerItem>& item, const PlaybackFacts& facts);
+    void removeFirstItem();
+    void updatePlayback(const PlaybackFacts& facts);
+    void noteKeepUp(const std::shared_ptr<PlayerItem>& item, std::optional<bool> keepUp);
+    void noteChange(const char* keyPath, Value before, Value now);
+    void noteNotification(const char* name, const std::shared_ptr<PlayerItem>& item);
+    void setRateLocked(double rate);
+    // Without
+    void callObservers(const std::string& keyPath, const Change& change);
+    void frameArrived();
+    void callFrameObservers();
+
+    mutable std::mutex m_mutex;
+    const std::shared_ptr<const Items> m_initialItems;
+    std::deque<std::shared_ptr<PlayerItem>> m_items;
+    double m_rate = 0;
+    bool m_muted = false;
+    bool m_closed = false;
+    std::optional<bool> m_keepUp; ///< as last announced
+    std::weak_ptr<PlayerItem> m_keepUpItem;
+    std::vector<Event> m_events;
+    std::vector<Playback> m_released; ///< destroyed without the lock
+    PlayerTimeObservers m_timeObservers;
+    std::vector<std::weak_ptr<KeyPathObserver>> m_observers;
+    std::vector<std::weak_ptr<std::function<void()>>> m_frameObservers;
+    std::atomic<bool> m_scheduled = false;
+    std::atomic<bool> m_frameScheduled = false;
 };
 
 } // namespace virlo

@@ -22,7 +22,7 @@ std::shared_ptr<virlo::QueuePlayer> VIRLOAdVideoView::player() const
 
 void VIRLOAdVideoView::setPlayer(std::shared_ptr<virlo::QueuePlayer> player)
 {
-    // The old one goes after the queue was left.
+    // Keeps the old player until the queue is left.
     const auto before = this->player();
     m_playerAccess.sync([&] { PlayerLayerView::setPlayer(std::move(player)); });
 }

@@ -5,8 +5,8 @@
 
 #include <memory>
 
-/// The view of a video screen: shows its player's pictures on its background and hides what lies below it
-/// from the focus. Main thread, but for `player`.
+/// The view of a video screen: shows its player's frames on its background and hides what lies below it from
+/// the focus. Main thread, except for `player`.
 class VIRLOAdVideoView : public virlo::PlayerLayerView
 {
     Q_OBJECT

@@ -42,6 +42,7 @@ void VIRLOAdVideoViewController::viewDidAppear()
     m_videoProgress->setTimerValue(m_videoProgress->initialTimerValue());
     const auto player = videoPlayer();
     if (player) {
+        resetQuartiles(player->currentItem());
         observePlayer(player);
         observeApplication();
     }
@@ -65,19 +66,18 @@ void VIRLOAdVideoViewController::observePlayer(const std::shared_ptr<QueuePlayer
                                                                       change, nullptr);
             }));
     }
-    m_playerTimeObserver =
-        player->addPeriodicTimeObserver(tickInterval, m_videoProgressNotifications,
-                                        [weak = weakSelf(*this), last = 0.0](virlo::Seconds time) mutable {
-                                            const double delta =
-                                                time.count() - std::exchange(last, time.count());
-                                            if (const auto self = weak.lock())
-                                                self->playerTimeDidPass(time.count(), delta);
-                                        });
+    m_playerTimeObserver = player->addPeriodicTimeObserver(
+        tickInterval, m_videoProgressNotifications,
+        [weak = weakSelf(*this), last = 0.0](const Item& item, virlo::Seconds time) mutable {
+            const double delta = time.count() - std::exchange(last, time.count());
+            if (const auto self = weak.lock())
+                self->playerTimeDidPass(item, time.count(), delta);
+        });
 }
 
 void VIRLOAdVideoViewController::observeApplication()
 {
-    // A host that has gone behind something else must not go on sounding, nor its ad pass unseen.
+    // While the host is in the background the ad must neither be heard nor pass unseen.
     const auto observe = [this](const char* name, void (VIRLOAdVideoViewController::*react)()) {
         m_applicationObservations.push_back(NotificationCenter::defaultCenter().addObserver(
             name, [weak = weakSelf(*this), react](const virlo::Notification&) {
@@ -107,11 +107,11 @@ void VIRLOAdVideoViewController::applicationDidBecomeActive()
         resume();
 }
 
-void VIRLOAdVideoViewController::playerTimeDidPass(double seconds, double sinceLast)
+void VIRLOAdVideoViewController::playerTimeDidPass(const Item& item, double seconds, double sinceLast)
 {
-    reportVideoProgress(seconds);
-    // The step from one film to the next counts as well, so the number then rises by what the film before had
-    // played: kept as it is.
+    reportVideoProgress(seconds, item);
+    // Deliberate: the step back to 0 at the next video's start counts as well, so the number rises by what
+    // the video before had played.
     virlo::MainLoop::shared().post([weak = weakSelf(*this), sinceLast] {
         const auto self = weak.lock();
         if (self && self->m_videoProgress)
@@ -123,9 +123,9 @@ void VIRLOAdVideoViewController::playerTimeDidPass(double seconds, double sinceL
 void VIRLOAdVideoViewController::viewWillDisappear()
 {
     reportClose();
+    resetQuartiles(nullptr);
     if (const auto player = currentPlayer()) {
         player->pause();
-        player->cancelPendingPrerolls();
         player->removeTimeObserver(m_playerTimeObserver);
     }
     m_playerON = false;
@@ -202,14 +202,14 @@ void VIRLOAdVideoViewController::pressesEnded(const std::vector<virlo::Press>& p
         VIRLOAdViewControllerBase::pressesEnded(others);
 }
 
-// What the player tells
+// Notifications of the player
 
 void VIRLOAdVideoViewController::observeValueForKeyPathOfObjectChangeContext(
     const std::string& keyPath, const QueuePlayer*, const QueuePlayer::Change& change, void*)
 {
     if (keyPath == QueuePlayer::mutedKeyPath) {
         if (change.newValue != change.oldValue)
-            reportMutedPlayer();
+            reportMutedPlayer(change.newValue == QueuePlayer::Value(true));
     } else if (keyPath == QueuePlayer::currentItemKeyPath) {
         currentItemDidChange(itemOf(change.oldValue), itemOf(change.newValue));
     } else if (keyPath == QueuePlayer::rateKeyPath) {
@@ -223,16 +223,21 @@ void VIRLOAdVideoViewController::observeValueForKeyPathOfObjectChangeContext(
 
 void VIRLOAdVideoViewController::currentItemDidChange(const Item& before, const Item& now)
 {
-    // A film that failed has left as well, and counts as complete.
-    if (before && before->error())
-        VIRLOAdFrameworkLogger::logWarningWithFormat("Video failed: %@", before->error());
-    if (before)
+    if (before) {
+        if (before->error())
+            VIRLOAdFrameworkLogger::logWarningWithFormat("Video failed: %@", before->error());
+        // A video of a second or less has fewer ticks than quartiles, and on a busy machine the progress
+        // queue may still have to run: whatever is due at its end is reported before "complete".
+        while (!before->error() && reportVideoProgress(before->currentTime().count(), before)) {
+        }
+        // A video that failed counts as complete, too.
         reportComplete(before);
+    }
+    resetQuartiles(now);
     if (now)
         reportStart(now);
     else
         closeAd();
-    m_firstQuartileReported = m_midpointReported = m_thirdQuartileReported = false;
 }
 
 void VIRLOAdVideoViewController::handleAccessLogEntry(const virlo::PlayerItem& item)

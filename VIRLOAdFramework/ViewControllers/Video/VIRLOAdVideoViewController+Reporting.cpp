@@ -11,14 +11,16 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <deque>
 #include <limits>
+#include <utility>
 
 using virlo::GlobalQueue;
 
 namespace
 {
 
-/// Cut to a whole number of seconds towards zero; more than a counter holds is the most that it holds.
+/// Truncated to a whole number of seconds that fits in 32 bits.
 double threshold(double seconds)
 {
     constexpr double most = std::numeric_limits<std::int32_t>::max();
@@ -27,19 +29,51 @@ double threshold(double seconds)
 
 } // namespace
 
+/// Reports that wait for the background queue, which does not keep their order by itself.
+struct VIRLOAdVideoViewController::Reports {
+    void run()
+    {
+        std::unique_lock lock(mutex);
+        while (!waiting.empty()) {
+            const auto report = std::move(waiting.front());
+            waiting.pop_front();
+            lock.unlock();
+            report();
+            lock.lock();
+        }
+        isRunning = false;
+    }
+
+    std::mutex mutex; ///< guards the following
+    std::deque<std::function<void()>> waiting;
+    bool isRunning = false;
+};
+
+VIRLOAdVideoViewController::VIRLOAdVideoViewController() : m_reports(std::make_shared<Reports>()) {}
+
+VIRLOAdVideoViewController::~VIRLOAdVideoViewController() = default;
+
+void VIRLOAdVideoViewController::enqueueReport(std::function<void()> report) const
+{
+    const std::lock_guard lock(m_reports->mutex);
+    m_reports->waiting.push_back(std::move(report));
+    if (!std::exchange(m_reports->isRunning, true))
+        GlobalQueue::background().async([reports = m_reports] { reports->run(); });
+}
+
 void VIRLOAdVideoViewController::reportImpression() const
 {
     if (m_videoAds.empty())
         return;
-    GlobalQueue::background().async(
+    enqueueReport(
         [ad = m_videoAds.front()] { VIRLOVASTTrackingManager::sharedManager()->reportImpressionForAd(*ad); });
 }
 
 void VIRLOAdVideoViewController::reportEvent(const char* event, const Item& item) const
 {
-    // The creative is looked up now: in the worker's time the player may have gone.
+    // The creative is looked up now: when the report runs the player may be gone.
     if (const auto creative = creativeForPlayerItem(item)) {
-        GlobalQueue::background().async([event, creative] {
+        enqueueReport([event, creative] {
             VIRLOVASTTrackingManager::sharedManager()->reportEventForCreative(event, *creative);
         });
     }
@@ -68,10 +102,10 @@ void VIRLOAdVideoViewController::reportResume(const Item& item) const
 void VIRLOAdVideoViewController::reportComplete(const Item& item) const
 {
     reportEvent("complete", item);
-    registerCompletion();
+    registerRewardClick();
 }
 
-void VIRLOAdVideoViewController::registerCompletion() const
+void VIRLOAdVideoViewController::registerRewardClick() const
 {
     const auto items = ad() ? ad()->items() : VIRLOAdvertisement::Items();
     const auto server = api();
@@ -90,31 +124,34 @@ void VIRLOAdVideoViewController::reportClose() const
         reportEvent("close", item);
 }
 
-void VIRLOAdVideoViewController::reportMutedPlayer() const
+void VIRLOAdVideoViewController::reportMutedPlayer(bool muted) const
 {
-    const auto player = currentPlayer();
-    const Item item = currentItem();
-    if (item)
-        reportEvent(player->isMuted() ? "mute" : "unmute", item);
+    if (const Item item = currentItem())
+        reportEvent(muted ? "mute" : "unmute", item);
 }
 
-void VIRLOAdVideoViewController::reportVideoProgress(double seconds)
+void VIRLOAdVideoViewController::resetQuartiles(const Item& item)
 {
-    const Item item = currentItem();
-    // A tick of the film before may come when the next one is there already; no film's time runs backwards.
-    if (!item || seconds > item->currentTime().count())
-        return;
-    const auto creative = creativeForPlayerItem(item);
+    const std::lock_guard lock(m_quartileMutex);
+    m_quartileItem = item;
+    m_firstQuartileReported = m_midpointReported = m_thirdQuartileReported = false;
+}
+
+bool VIRLOAdVideoViewController::reportVideoProgress(double seconds, const Item& item)
+{
+    // Reported under the lock, so that nothing of this item follows its "complete".
+    const std::lock_guard lock(m_quartileMutex);
+    const auto creative = item && item == m_quartileItem.lock() ? creativeForPlayerItem(item) : nullptr;
     if (!creative)
-        return;
+        return false;
     const double duration = creative->duration();
-    const auto isDue = [seconds](double moment, std::atomic<bool>& reported) {
-        return seconds >= threshold(moment) && !reported.exchange(true);
+    const auto report = [&](const char* event, double time, bool& reported) {
+        if (seconds < threshold(time) || std::exchange(reported, true))
+            return false;
+        reportEvent(event, item);
+        return true;
     };
-    if (isDue(duration * 0.25, m_firstQuartileReported))
-        reportEvent("firstQuartile", item);
-    else if (isDue(duration * 0.5, m_midpointReported))
-        reportEvent("midpoint", item);
-    else if (isDue(duration * 0.25 * 3.0, m_thirdQuartileReported))
-        reportEvent("thirdQuartile", item);
+    return report("firstQuartile", duration * 0.25, m_firstQuartileReported) ||
+           report("midpoint", duration * 0.5, m_midpointReported) ||
+           report("thirdQuartile", duration * 0.25 * 3.0, m_thirdQuartileReported);
 }

@@ -39,34 +39,33 @@ constexpr double haloSize = 160.0;
 const char* const VIRLOAdVideoViewController::kVideoProgressNotifications =
     "com.virlohq.VIRLOAdVideoViewControllerProgress";
 
-VIRLOAdVideoViewController::VIRLOAdVideoViewController() = default;
-VIRLOAdVideoViewController::~VIRLOAdVideoViewController() = default;
-
 // Preloading
 
 void VIRLOAdVideoViewController::preloadAdElementsWithCompletion(Completion completion)
 {
     const auto items = ad() ? ad()->items() : VIRLOAdvertisement::Items();
     if (items.empty()) {
-        // The message stands where a domain belongs, on purpose.
+        // Deliberate: hosts know this message as the error's domain.
         GlobalQueue::high().async([completion = std::move(completion)] {
             completion(virlo::Error{"The ad does not contain any item."});
         });
         return;
     }
-    // What plays is got ready while the document comes.
+    // Sets GStreamer up while the document is fetched.
     GlobalQueue::standard().async([] { MediaEngine::shared().prepare(); });
     const auto parser = VIRLOVASTXMLParser::initWithVASTURL(items.front()->markupURL());
     parser->setCompletionHandler(
-        [self = std::static_pointer_cast<VIRLOAdVideoViewController>(shared_from_this()),
-         completion = std::move(completion)](auto ads, const OptionalError& error) {
+        [weak = weakSelf(*this), completion = std::move(completion)](auto ads, const OptionalError& error) {
             if (error) {
                 completion(error);
                 return;
             }
+            const auto self = weak.lock();
+            if (!self)
+                return;
             if (ads)
                 self->m_videoAds = std::move(*ads);
-            // Here, since its making may read the disk and the player is built on the main thread.
+            // Made here, since that may read the disk and the player is built on the main thread.
             static_cast<void>(MediaEngine::shared());
             self->awaitFirstItem(completion);
         });
@@ -75,19 +74,22 @@ void VIRLOAdVideoViewController::preloadAdElementsWithCompletion(Completion comp
 
 void VIRLOAdVideoViewController::awaitFirstItem(Completion completion)
 {
-    const auto self = std::static_pointer_cast<VIRLOAdVideoViewController>(shared_from_this());
-    MainLoop::shared().post([self, completion = std::move(completion)]() mutable {
+    // Weakly: without a limit, as is deliberate, but only as long as somebody waits for the screen.
+    MainLoop::shared().post([weak = weakSelf(*this), completion = std::move(completion)]() mutable {
+        const auto self = weak.lock();
+        if (!self)
+            return;
         const auto player = self->videoPlayer();
         const bool hasItem = player && !player->items()->empty();
-        GlobalQueue::standard().async([self, hasItem, completion = std::move(completion)]() mutable {
+        GlobalQueue::standard().async([weak, hasItem, completion = std::move(completion)]() mutable {
             if (hasItem) {
                 completion(std::nullopt);
                 return;
             }
-            // For ever, where the document has nothing to play: whoever asked for the ad gets none.
             VIRLOAdFrameworkLogger::logInfoWithFormat("Preloading video...");
-            GlobalQueue::standard().after(pollInterval, [self, completion = std::move(completion)] {
-                self->awaitFirstItem(completion);
+            GlobalQueue::standard().after(pollInterval, [weak, completion = std::move(completion)] {
+                if (const auto waiting = weak.lock())
+                    waiting->awaitFirstItem(completion);
             });
         });
     });
@@ -111,7 +113,7 @@ std::unique_ptr<virlo::View> VIRLOAdVideoViewController::loadView()
     auto view = std::make_unique<VIRLOAdVideoView>();
     m_videoView = view.get();
     m_activityIndicator = virlo::View::make<VIRLOActivityIndicator>();
-    // The ring and its number read on any picture.
+    // Keeps the ring and its number readable on any frame.
     auto* const halo = new virlo::PaintedImageView(view.get());
     halo->setImage(VIRLOFrameworkImages::imageNamed("countdown_halo.png"));
     m_videoProgress = new VIRLOTimerProgress(view.get());
@@ -187,13 +189,17 @@ VIRLOAdVideoViewController::MediaFile VIRLOAdVideoViewController::bestMEdiaFileF
 
 std::shared_ptr<VIRLOVASTCreative> VIRLOAdVideoViewController::creativeForPlayerItem(const Item& item) const
 {
-    if (m_videoAds.empty())
+    if (!item || m_videoAds.empty())
         return nullptr;
-    // By place in the queue, also where a creative before it had nothing to play: the reports then go to that
-    // one's addresses, which is meant so. Once the player has gone every place is the first.
+    // Deliberate: by index in the queue, also where an earlier creative had nothing to play and the report
+    // goes to that one's URLs; and index 0 once the list is gone.
     std::size_t index = 0;
-    if (const auto items = m_videoItems.lock())
-        index = static_cast<std::size_t>(std::find(items->begin(), items->end(), item) - items->begin());
+    if (const auto items = m_videoItems.lock()) {
+        const auto found = std::find(items->begin(), items->end(), item);
+        if (found == items->end())
+            return nullptr;
+        index = static_cast<std::size_t>(found - items->begin());
+    }
     const auto& creatives = m_videoAds.front()->creatives();
     return index < creatives.size() ? creatives[index] : nullptr;
 }

@@ -1,4 +1,4 @@
-#include "PlayerQueue.h"
+#include "QueuePlayer.h"
 
 #include "MainLoop.h"
 #include "NotificationCenter.h"
@@ -30,16 +30,15 @@ std::vector<std::shared_ptr<T>> living(std::vector<std::weak_ptr<T>>& observers)
 
 } // namespace
 
-std::shared_ptr<void> PlayerQueue::addObserver(std::string keyPath, QueuePlayer::Observer observer)
+std::shared_ptr<void> QueuePlayer::addObserverForKeyPath(const std::string& keyPath, Observer observer)
 {
-    auto added = std::make_shared<KeyPathObserver>(KeyPathObserver{std::move(keyPath), std::move(observer)});
+    auto added = std::make_shared<KeyPathObserver>(KeyPathObserver{keyPath, std::move(observer)});
     const std::lock_guard lock(m_mutex);
     m_observers.push_back(added);
     return added;
 }
 
-std::shared_ptr<void> PlayerQueue::addTimeObserver(Seconds interval, std::shared_ptr<SerialQueue> queue,
-                                                   PlayerTimeObservers::Block block)
+std::shared_ptr<void> QueuePlayer::addPeriodicTimeObserver(Seconds interval, std::shared_ptr<SerialQueue> queue, TimeObserver block)
 {
     std::shared_ptr<void> token;
     {
@@ -51,13 +50,13 @@ std::shared_ptr<void> PlayerQueue::addTimeObserver(Seconds interval, std::shared
     return token;
 }
 
-void PlayerQueue::removeTimeObserver(const std::shared_ptr<void>& token)
+void QueuePlayer::removeTimeObserver(const std::shared_ptr<void>& token)
 {
     const std::lock_guard lock(m_mutex);
     m_timeObservers.remove(token);
 }
 
-std::shared_ptr<void> PlayerQueue::addFrameObserver(std::function<void()> arrived)
+std::shared_ptr<void> QueuePlayer::addFrameObserver(std::function<void()> arrived)
 {
     auto added = std::make_shared<std::function<void()>>(std::move(arrived));
     const std::lock_guard lock(m_mutex);
@@ -65,17 +64,17 @@ std::shared_ptr<void> PlayerQueue::addFrameObserver(std::function<void()> arrive
     return added;
 }
 
-void PlayerQueue::frameArrived()
+void QueuePlayer::frameArrived()
 {
     if (m_frameScheduled.exchange(true))
         return;
     MainLoop::shared().post([weak = weak_from_this()] {
         if (const auto self = weak.lock())
-            self->tellFrame();
+            self->callFrameObservers();
     });
 }
 
-void PlayerQueue::tellFrame()
+void QueuePlayer::callFrameObservers()
 {
     m_frameScheduled = false;
     std::vector<std::weak_ptr<std::function<void()>>> observers;
@@ -92,7 +91,7 @@ void PlayerQueue::tellFrame()
     }
 }
 
-void PlayerQueue::tell(const std::string& keyPath, const QueuePlayer::Change& change)
+void QueuePlayer::callObservers(const std::string& keyPath, const Change& change)
 {
     std::vector<std::weak_ptr<KeyPathObserver>> observers;
     {
@@ -104,21 +103,21 @@ void PlayerQueue::tell(const std::string& keyPath, const QueuePlayer::Change& ch
                 observers.push_back(observer);
         }
     }
-    // One may take another's token away, or its own.
+    // An observer may release another's token, or its own.
     for (const auto& weak : observers) {
         if (const auto observer = weak.lock())
             observer->observer(change);
     }
 }
 
-void PlayerQueue::noteChange(const char* keyPath, QueuePlayer::Value before, QueuePlayer::Value now)
+void QueuePlayer::noteChange(const char* keyPath, Value before, Value now)
 {
-    m_events.emplace_back([this, keyPath, change = QueuePlayer::Change{std::move(before), std::move(now)}] {
-        tell(keyPath, change);
+    m_events.emplace_back([this, keyPath, change = Change{std::move(before), std::move(now)}] {
+        callObservers(keyPath, change);
     });
 }
 
-void PlayerQueue::notify(const char* name, const std::shared_ptr<PlayerItem>& item)
+void QueuePlayer::noteNotification(const char* name, const std::shared_ptr<PlayerItem>& item)
 {
     m_events.emplace_back([name, item] { NotificationCenter::defaultCenter().post(name, item.get()); });
 }
