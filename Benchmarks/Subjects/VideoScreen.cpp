@@ -1,6 +1,7 @@
 #include "Benchmarks.h"
 
 #include "AdServer.h"
+#include "GstMediaEngine.h"
 #include "PlayerLayerView.h"
 #include "QueuePlayer.h"
 #include "URLSession.h"
@@ -141,6 +142,7 @@ void benchVideoScreen(Results& results)
     server.start();
     serveVideo(server);
     virlo::URLSessionConfiguration::setDefaultTrustedAuthoritiesFile(server.authorityFile().string());
+    virlo::MediaEngine::setMaker([]() -> virlo::MediaEngine* { return new virlo::GstMediaEngine; });
     Stage stage(server.baseURL());
 
     std::vector<double> preloaded;

@@ -29,28 +29,23 @@ protected:
         server().setFault({.path = path("slow.mp4"), .bytesPerSecond = 400'000});
         server().setFault({.path = path("silent.mp4"), .neverResponds = true});
         server().setFault({.path = path("late.mp4"), .delay = 300ms, .status = 404});
-        m_file = file({.seconds = 1})->url();
     }
 
     [[nodiscard]] QueuePlayer::Items items(unsigned round)
     {
-        const auto fromDisk = [this] { return PlayerItem::playerItemWithFile(m_file->path()); };
         switch (round % 5) {
         case 0:
-            return {fromDisk(), atServer("b.webm")};
+            return {atServer("a.mp4"), atServer("b.webm")};
         case 1:
-            return {atServer("a.mp4"), fromDisk(), fromDisk()};
+            return {atServer("a.mp4"), atServer("a.mp4"), atServer("a.mp4")};
         case 2:
             return {atServer("slow.mp4"), atServer("a.mp4")};
         case 3:
             return {atServer("silent.mp4")};
         default:
-            return {atServer("late.mp4"), atServer("nowhere"), fromDisk()};
+            return {atServer("late.mp4"), atServer("nowhere"), atServer("a.mp4")};
         }
     }
-
-private:
-    std::optional<URL> m_file;
 };
 
 TEST_F(Closing, AtAnyMomentReturnsAtOnceAndLeavesNothing)
@@ -95,19 +90,19 @@ TEST_F(Closing, FromInsideAnObserverIsFine)
 {
     for (const char* const keyPath : {QueuePlayer::currentItemKeyPath, QueuePlayer::rateKeyPath,
                                       QueuePlayer::playbackLikelyToKeepUpKeyPath}) {
-        auto closed = QueuePlayer::queuePlayerWithItems({file({.seconds = 0.2}), file({.seconds = 0.2})});
+        auto closed = QueuePlayer::queuePlayerWithItems({served({.seconds = 0.2}), served({.seconds = 0.2})});
         const auto observer = closed->addObserverForKeyPath(keyPath, [&](const auto&) { closed.reset(); });
         closed->play();
         EXPECT_TRUE(settle([&] { return closed == nullptr; })) << keyPath;
     }
-    auto closed = QueuePlayer::queuePlayerWithItems({file({.seconds = 0.2})});
+    auto closed = QueuePlayer::queuePlayerWithItems({served({.seconds = 0.2})});
     const auto observer = closed->addFrameObserver([&] { closed.reset(); });
     EXPECT_TRUE(settle([&] { return closed == nullptr; }));
 }
 
 TEST_F(Closing, KeepsAPictureThatSomebodyStillHolds)
 {
-    auto closed = QueuePlayer::queuePlayerWithItems({file({.seconds = 0.5, .pattern = "white"})});
+    auto closed = QueuePlayer::queuePlayerWithItems({served({.seconds = 0.5, .pattern = "white"})});
     std::shared_ptr<const VideoFrame> frame;
     ASSERT_TRUE(settle([&] { return (frame = closed->takeFrame()) != nullptr; }));
     closed.reset();

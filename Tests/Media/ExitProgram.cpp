@@ -1,6 +1,7 @@
 // media-exit-program URL AUTHORITIES MILLISECONDS: a program that calls exit() while it plays and shows a
 // clip.
 
+#include "GstMediaEngine.h"
 #include "PlayerLayerView.h"
 #include "QueuePlayer.h"
 #include "URLSession.h"
@@ -15,6 +16,7 @@ int main(int count, char** arguments)
 {
     if (count != 4)
         return 2;
+    virlo::MediaEngine::setMaker([]() -> virlo::MediaEngine* { return new virlo::GstMediaEngine; });
     QGuiApplication application(count, arguments);
     virlo::URLSessionConfiguration::setDefaultTrustedAuthoritiesFile(arguments[2]);
     QQuickWindow window;

@@ -49,7 +49,7 @@ TEST_P(Failures, AreToldAndTheQueueGoesOn)
     if (GetParam().bytes)
         serve(GetParam().name, GetParam().bytes());
     const auto bad = atServer(GetParam().bytes ? GetParam().name : "nowhere");
-    make({bad, file({.seconds = 0.5})});
+    make({bad, served({.seconds = 0.5})});
     ASSERT_TRUE(settle([&] { return bad->status() == PlayerItem::Status::Failed; }));
     ASSERT_TRUE(bad->error());
     EXPECT_EQ(bad->error()->domain, MediaEngine::errorDomain);
@@ -86,7 +86,7 @@ protected:
 TEST_F(Endings, AClipWithoutAnyLengthEnds)
 {
     for (const bool webm : {false, true}) {
-        play({file({.seconds = 0, .sound = false, .webm = webm})});
+        play({served({.seconds = 0, .sound = false, .webm = webm})});
         expectOneEnd();
     }
 }
@@ -146,7 +146,6 @@ TEST(PlayerItems, AreMadeOfNetworkAddressesAlone)
                                       "https:///clip.mp4", "playbin://x", "clip.mp4"})
         EXPECT_EQ(PlayerItem::playerItemWithURL(*URL::fromString(address)), nullptr) << address;
     EXPECT_NE(PlayerItem::playerItemWithURL(*URL::fromString("HTTPS://host/clip.mp4")), nullptr);
-    EXPECT_EQ(PlayerItem::playerItemWithFile("clip.mp4"), nullptr);
 }
 
 } // namespace

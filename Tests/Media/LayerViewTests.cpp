@@ -67,7 +67,7 @@ void expectColour(const QImage& picture, QPoint at, QColor wanted)
 
 TEST_P(Colours, OfTheBarsAreRight)
 {
-    show(file(GetParam().clip));
+    show(served(GetParam().clip));
     const QImage picture = window.picture();
     // Each bar is a seventh wide; the upper two thirds carry them.
     const std::array<QColor, 7> bars{QColor(191, 191, 191), QColor(191, 191, 0), QColor(0, 191, 191),
@@ -103,7 +103,7 @@ INSTANTIATE_TEST_SUITE_P(, Colours,
 
 TEST_F(LayerView, FitsThePictureBetweenBarsOfTheBackground)
 {
-    show(file({.width = 320, .height = 320, .pattern = "red", .sound = false}));
+    show(served({.width = 320, .height = 320, .pattern = "red", .sound = false}));
     EXPECT_EQ(view->videoRect(), QRectF(140, 0, 360, 360));
     QImage picture = window.picture();
     expectColour(picture, {320, 180}, Qt::red);
@@ -121,7 +121,7 @@ TEST_F(LayerView, FitsThePictureBetweenBarsOfTheBackground)
 
 TEST_F(LayerView, ShowsAStandingPictureInAnotherWindowToo)
 {
-    show(file({.pattern = "red", .sound = false}));
+    show(served({.pattern = "red", .sound = false}));
     expectColour(window.picture(), {320, 180}, Qt::red);
     HostWindow other({640, 360});
     view->setParentItem(other.contentItem());
@@ -132,8 +132,8 @@ TEST_F(LayerView, ShowsAStandingPictureInAnotherWindowToo)
 
 TEST_F(LayerView, KeepsAPictureUntilTheNextItemHasOne)
 {
-    make({file({.seconds = 0.4, .pattern = "red", .sound = false}),
-          file({.seconds = 0.4, .pattern = "blue", .sound = false})});
+    make({served({.seconds = 0.4, .pattern = "red", .sound = false}),
+          served({.seconds = 0.4, .pattern = "blue", .sound = false})});
     view->setPlayer(player);
     ASSERT_TRUE(settle([&] { return !view->videoRect().isEmpty(); }));
     player->play();
@@ -158,7 +158,7 @@ protected:
 
 TEST_F(WideWindow, ShowsAPictureThatFitsPixelByPixelUnderAScaleToo)
 {
-    show(file({.width = 1280, .height = 720, .sound = false, .kilobitsPerSecond = 6000}));
+    show(served({.width = 1280, .height = 720, .sound = false, .kilobitsPerSecond = 6000}));
     const QImage plain = window.picture();
     QQuickItem canvas(window.contentItem());
     canvas.setSize({1920, 1080});
@@ -195,7 +195,7 @@ TEST_F(WideWindow, TakesEveryScaleOfACanvasBackToTwelveDigits)
 TEST_F(WideWindow, ShowsEveryPictureOfAClip)
 {
     const auto item =
-        file({.seconds = 3, .width = 1280, .height = 720, .pattern = "ball", .kilobitsPerSecond = 3000});
+        served({.seconds = 3, .width = 1280, .height = 720, .pattern = "ball", .kilobitsPerSecond = 3000});
     show(item);
     int frames = 0;
     QObject::connect(&window, &QQuickWindow::frameSwapped, [&] { ++frames; });

@@ -14,12 +14,19 @@ namespace virlo::test
 namespace
 {
 
+using namespace std::chrono_literals;
+
+/// As in production, only shorter where a test would wait for the limit.
+const PlaybackLimits testLimits{
+    .timeout = 3000ms, .timeoutOnceTransferred = 1500ms, .silence = 4000ms, .retryPause = 50ms};
+
 class MediaServer : public testing::Environment
 {
 public:
     void SetUp() override
     {
         TestSound::install();
+        MediaEngine::setMaker([]() -> MediaEngine* { return new GstMediaEngine(testLimits); });
         m_folder.emplace();
         m_folder->write("clips/placeholder.txt", "");
         server.emplace(adserver::AdServerOptions{.stateFolder = m_folder->path("server"),
@@ -88,11 +95,9 @@ std::string MediaTest::path(const std::string& name)
     return "/campaigns/" + name;
 }
 
-std::shared_ptr<PlayerItem> MediaTest::file(const Clip& clip)
+std::shared_ptr<PlayerItem> MediaTest::served(const Clip& clip)
 {
-    const std::string to = folder.path("clip-" + std::to_string(m_files++));
-    writeClip(to, clip);
-    return PlayerItem::playerItemWithFile(to);
+    return served("clip-" + std::to_string(m_clips++), clip);
 }
 
 void MediaTest::serve(const std::string& name, const std::string& bytes)

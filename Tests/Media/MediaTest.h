@@ -26,9 +26,8 @@ protected:
 
     [[nodiscard]] static adserver::AdServer& server();
 
-    /// A clip on the disk.
-    [[nodiscard]] std::shared_ptr<PlayerItem> file(const Clip& clip);
     /// A clip on the server, at `path(name)`.
+    [[nodiscard]] std::shared_ptr<PlayerItem> served(const Clip& clip);
     std::shared_ptr<PlayerItem> served(const std::string& name, const Clip& clip);
     /// Whatever is on the server under that name.
     [[nodiscard]] static std::shared_ptr<PlayerItem> atServer(const std::string& name);
@@ -56,7 +55,7 @@ private:
     std::vector<std::shared_ptr<PlayerItem>> m_items;
     std::vector<std::shared_ptr<void>> m_observers;
     std::vector<std::unique_ptr<NotificationCenter::Observation>> m_notifications;
-    int m_files = 0;
+    int m_clips = 0;
 };
 
 } // namespace virlo::test

@@ -52,8 +52,8 @@ class Playback : public MediaTest
 TEST_F(Playback, FollowsFromItemToItemWithoutAGap)
 {
     // Sound and picture, picture alone, another format, and back: each wants other decoders.
-    play({file({.seconds = 1}), file({.seconds = 1, .sound = false}),
-          file({.seconds = 1, .sound = false, .webm = true}), file({.seconds = 1})});
+    play({served({.seconds = 1}), served({.seconds = 1, .sound = false}),
+          served({.seconds = 1, .sound = false, .webm = true}), served({.seconds = 1})});
     std::vector<std::chrono::steady_clock::time_point> frames;
     const auto observer =
         player->addFrameObserver([&] { frames.push_back(std::chrono::steady_clock::now()); });

@@ -119,34 +119,42 @@ TEST_F(Queue, MutesWhatPlaysAndWhatComes)
     pumpMainLoop();
     EXPECT_THAT(told, ElementsAre("muted", "unmuted", "muted"));
     EXPECT_TRUE(clip(0).isMuted);
-    player->advanceToNextItem();
+    player->play();
+    engine.end(address(0));
     pumpMainLoop();
     EXPECT_TRUE(clip(1).isMuted);
 }
 
-TEST_F(Queue, TicksOncePerStepOfTimeAndAnewForEachItem)
+TEST_F(Queue, TicksAtEachItemsStartAtEverySecondItPassesAndAtItsEnd)
 {
     makeOf(2);
-    std::vector<double> times;
-    const auto token = player->addPeriodicTimeObserver(Seconds(1), nullptr,
-                                                       [&](Seconds time) { times.push_back(time.count()); });
-    engine.ready(address(0), Seconds(20));
-    engine.ready(address(1), Seconds(20));
-    player->play();
-    settleAll();
-    for (const double time : {0.5, 0.99, 1.0, 1.7, 4.2, 4.9, 5.0}) {
-        engine.moveTo(address(0), Seconds(time));
+    const auto items = *player->items();
+    std::vector<std::string> ticks;
+    const auto token =
+        player->addPeriodicTimeObserver(Seconds(1), nullptr, [&](const auto& item, Seconds time) {
+            ticks.push_back((item == items[0] ? "a " : "b ") + std::to_string(time.count()).substr(0, 3));
+        });
+    const auto take = [&] {
         settleAll();
-    }
+        return std::exchange(ticks, {});
+    };
+    engine.ready(address(0), Seconds(5.5));
+    EXPECT_THAT(take(), ElementsAre()) << "not started";
+    player->play();
+    EXPECT_THAT(take(), ElementsAre("a 0.0"));
+    for (const double time : {0.5, 0.99, 1.0, 1.7})
+        engine.moveTo(address(0), Seconds(time));
+    EXPECT_THAT(take(), ElementsAre("a 1.0"));
+    // A main thread that is late: all at once, and then the end.
+    engine.moveTo(address(0), Seconds(3.2));
+    engine.ready(address(1), Seconds(1));
+    clip(0).time = Seconds(5.5);
     engine.end(address(0));
-    settleAll();
-    engine.moveTo(address(1), Seconds(1.1));
-    settleAll();
-    EXPECT_THAT(times, ElementsAre(1.0, 4.2, 5.0, 1.1));
-    engine.moveTo(address(1), Seconds(2.1));
+    EXPECT_THAT(take(), ElementsAre("a 2.0", "a 3.0", "a 4.0", "a 5.0", "a 5.5", "b 0.0"));
+    clip(1).time = Seconds(1);
+    engine.end(address(1));
+    EXPECT_THAT(take(), ElementsAre("b 1.0", "b 1.0"));
     player->removeTimeObserver(token);
-    settleAll();
-    EXPECT_EQ(times.size(), 4U);
 }
 
 TEST_F(Queue, GivesEachEventOfTheAccessLogANotificationOfItsOwn)
@@ -161,31 +169,6 @@ TEST_F(Queue, GivesEachEventOfTheAccessLogANotificationOfItsOwn)
     engine.log(address(0), {200, 8});
     pumpMainLoop();
     EXPECT_THAT(lasts, ElementsAre(100, 200));
-}
-
-TEST_F(Queue, AnswersPrerollsOnce)
-{
-    makeOf(2);
-    std::vector<bool> answers;
-    const auto answer = [&](bool finished) { answers.push_back(finished); };
-    player->preroll(answer);
-    pumpMainLoop();
-    EXPECT_TRUE(answers.empty());
-    player->cancelPendingPrerolls();
-    pumpMainLoop();
-    EXPECT_THAT(answers, ElementsAre(false));
-    player->preroll(answer);
-    engine.ready(address(0), Seconds(5));
-    pumpMainLoop();
-    EXPECT_THAT(answers, ElementsAre(false, true));
-    player->advanceToNextItem();
-    player->preroll(answer);
-    engine.end(address(1), Phase::Failed);
-    pumpMainLoop();
-    player->removeAllItems();
-    player->preroll(answer);
-    pumpMainLoop();
-    EXPECT_THAT(answers, ElementsAre(false, true, false, false));
 }
 
 } // namespace

@@ -1,11 +1,9 @@
 #include "MediaTest.h"
-#include "SerialQueue.h"
 #include "Settle.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <mutex>
 
 namespace virlo::test
 {
@@ -93,32 +91,6 @@ TEST_F(Stalls, DoNotBefallAClipThatComesFastEnough)
         EXPECT_NEAR(megabits(event), 1.2, 0.3);
     }
     EXPECT_EQ(bytes, clipBytes({.seconds = 3, .kilobitsPerSecond = 600}).size());
-}
-
-class Ticks : public MediaTest
-{
-};
-
-TEST_F(Ticks, ComeAtEachSecondOfEachItemOnTheirQueue)
-{
-    const auto queue = std::make_shared<SerialQueue>("ticks");
-    std::mutex mutex;
-    std::vector<double> times;
-    make({file({.seconds = 2.5}), file({.seconds = 1.5})});
-    const auto token = player->addPeriodicTimeObserver(Seconds(1), queue, [&](Seconds time) {
-        EXPECT_TRUE(queue->isCurrent());
-        const std::lock_guard lock(mutex);
-        times.push_back(time.count());
-    });
-    player->play();
-    ASSERT_TRUE(runsOut());
-    queue->sync([] {});
-    const std::lock_guard lock(mutex);
-    ASSERT_EQ(times.size(), 3U) << testing::PrintToString(times);
-    for (const auto& [index, second] : {std::pair(0U, 1.0), std::pair(1U, 2.0), std::pair(2U, 1.0)}) {
-        EXPECT_GE(times[index], second);
-        EXPECT_LT(times[index], second + 0.25);
-    }
 }
 
 } // namespace

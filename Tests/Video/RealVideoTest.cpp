@@ -13,6 +13,7 @@ namespace virlo::test
 RealVideoTest::RealVideoTest()
 {
     TestSound::install();
+    MediaEngine::setMaker([]() -> MediaEngine* { return new GstMediaEngine; });
 }
 
 RealVideoTest::~RealVideoTest()
@@ -23,15 +24,21 @@ RealVideoTest::~RealVideoTest()
     EXPECT_TRUE(GstMediaEngine::drain(Seconds(20)));
 }
 
+void RealVideoTest::serveVideo(const std::string& name, std::string bytes, adserver::AdServerFault fault)
+{
+    fault.path = "/clip/" + name;
+    fault.status = 200;
+    fault.body = std::move(bytes);
+    fault.contentType = "video/mp4";
+    server().setFault(fault);
+}
+
 void RealVideoTest::serveClip(const std::string& name, const std::string& file, adserver::AdServerFault fault)
 {
     std::ifstream stream(std::string(VIRLO_CLIPS) + "/" + file, std::ios::binary);
     ASSERT_TRUE(stream) << file;
-    fault.path = "/clip/" + name;
-    fault.status = 200;
-    fault.body = std::string(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
-    fault.contentType = "video/mp4";
-    server().setFault(fault);
+    serveVideo(name, std::string(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()),
+               fault);
 }
 
 bool RealVideoTest::closesItself(Seconds limit)

@@ -2,8 +2,9 @@
 #include "LogCapture.h"
 #include "Settle.h"
 #include "TapRecognizer.h"
-#include "VIRLOAdFrameworkLogger.h"
 #include "VIRLOAdPresenter.h"
+#include "VIRLOAdScreens.h"
+#include "VIRLOAdvertisement.h"
 #include "VIRLOTimerButton.h"
 #include "VideoTest.h"
 
@@ -13,14 +14,14 @@ namespace virlo::test
 namespace
 {
 
-/// How a video screen begins and ends, alone and over a picture.
+/// How a video screen begins and ends, alone and over an image ad.
 class VideoScreens : public FakeVideoTest
 {
 protected:
-    /// A picture with a film over it, shown, its film playing.
-    [[nodiscard]] Screen shownPicture()
+    /// An image ad with a video over it, shown, the video playing.
+    [[nodiscard]] Screen shownImage()
     {
-        const auto made = make(pictureAd({{"a"}}));
+        const auto made = make(imageAd({{"a"}}));
         EXPECT_TRUE(made && !made->error);
         auto screen = std::dynamic_pointer_cast<VIRLOAdFullscreenViewController>(made->screen);
         ready("a");
@@ -67,7 +68,7 @@ TEST_F(VideoScreens, AreLeftByMenuAtAnyMoment)
     }
 }
 
-TEST_F(VideoScreens, DieWithTheirFilmAndLeaveNothingBehind)
+TEST_F(VideoScreens, AreDestroyedWithTheirVideoAndLeaveNothingBehind)
 {
     for (const bool isShown : {false, true}) {
         auto video = playing(videoAd({{"a"}}), "a");
@@ -94,7 +95,7 @@ TEST_F(VideoScreens, ShownAgainHaveNoPlayerAndCanStillBeLeft)
     static_cast<void>(pings());
     show(video);
     EXPECT_TRUE(isBusy(video));
-    EXPECT_EQ(pings(), (Pings{"a creativeView", "a start", "impression"}));
+    EXPECT_EQ(pings(), (Pings{"impression"})) << "nothing of a video that is not there";
     for (const Qt::Key key : {Qt::Key_VolumeMute, Qt::Key_MediaPlay, Qt::Key_Return, Qt::Key_Left})
         click(key);
     click(Qt::Key_Escape);
@@ -115,10 +116,9 @@ TEST_F(VideoScreens, WithoutAnItemOrADocumentAnswerWithTheError)
     EXPECT_EQ(missing->error->code, 404);
 }
 
-TEST_F(VideoScreens, WithNothingToPlayAreAskedEachSecondForEver)
+TEST_F(VideoScreens, WithNothingToPlayPollEachSecondUntilNobodyHoldsThem)
 {
-    VIRLOAdFrameworkLogger::setDebugLevel(4);
-    allowLog(testing::A<std::string>());
+    recordReports();
     const auto polls = [] {
         const auto lines = settledLogLines();
         return std::count(lines.begin(), lines.end(), "Preloading video...");
@@ -126,27 +126,34 @@ TEST_F(VideoScreens, WithNothingToPlayAreAskedEachSecondForEver)
     for (const JSON& ad : {videoAd({{"a", 8, mediaFile("file:///a.mp4", 1920, 1080)}}),
                            videoAd({}, {{"markupUrl", nullptr}})}) {
         const auto before = polls();
-        EXPECT_FALSE(make(ad, Seconds(0.3)));
-        EXPECT_EQ(polls() - before, 1);
+        const auto abandon = VIRLOAdScreens::installed()->screenForAdvertisementWithCompletion(
+            VIRLOAdvertisement::initWithDictionary(ad), api,
+            [](const auto&, const auto&) { ADD_FAILURE() << "there is nothing to show"; });
+        ASSERT_TRUE(settle([&] { return polls() == before + 1; }));
         for (int second = 1; second <= 3; ++second) {
             clock.advance(Seconds(1));
-            EXPECT_EQ(polls() - before, second + 1 + (before > 0 ? second : 0));
+            settleAll();
+            EXPECT_EQ(polls(), before + second + 1);
         }
+        EXPECT_TRUE(abandon());
+        clock.advance(Seconds(60));
+        settleAll();
+        EXPECT_EQ(polls(), before + 4);
+        EXPECT_EQ(clock.pendingCount(), 0U);
     }
-    VIRLOAdFrameworkLogger::setDebugLevel(2);
 }
 
-TEST_F(VideoScreens, OverAPictureCoverItUntilTheFilmHasEnded)
+TEST_F(VideoScreens, OverAnImageHideItUntilTheVideoHasEnded)
 {
-    const auto screen = shownPicture();
+    const auto screen = shownImage();
     const auto video = videoOf(screen);
     ASSERT_TRUE(video);
     EXPECT_EQ(screen->view().subviews().back(), &video->view());
     EXPECT_EQ(video->view().frame(), QRectF(0, 0, 1920, 1080));
-    EXPECT_FALSE(video->menuButtonRecognizer()) << "Menu is the picture's";
+    EXPECT_FALSE(video->menuButtonRecognizer()) << "Menu belongs to the image ad";
     EXPECT_EQ(pings(), (Pings{"a creativeView", "a start", "impression"}));
     countDown(1);
-    EXPECT_EQ(focus(screen), "none") << "what is covered cannot be chosen";
+    EXPECT_EQ(focus(screen), "none") << "what is covered takes no focus";
     click(Qt::Key_Return);
     end("a");
     EXPECT_EQ(pings(), (Pings{"a complete"}));
@@ -158,9 +165,9 @@ TEST_F(VideoScreens, OverAPictureCoverItUntilTheFilmHasEnded)
     EXPECT_TRUE(isOver());
 }
 
-TEST_F(VideoScreens, OverAPictureAreLeftByMenuFirst)
+TEST_F(VideoScreens, OverAnImageAreLeftByMenuFirst)
 {
-    const auto screen = shownPicture();
+    const auto screen = shownImage();
     static_cast<void>(pings());
     click(Qt::Key_VolumeMute);
     click(Qt::Key_MediaTogglePlayPause);
@@ -176,9 +183,9 @@ TEST_F(VideoScreens, OverAPictureAreLeftByMenuFirst)
     EXPECT_TRUE(isOver());
 }
 
-TEST_F(VideoScreens, OverAPictureStayAwayWhereTheirDocumentCannotBeRead)
+TEST_F(VideoScreens, OverAnImageAreLeftOutWhereTheirDocumentCannotBeRead)
 {
-    const JSON ad = pictureAd({{"a"}});
+    const JSON ad = imageAd({{"a"}});
     server().setFault({.path = "/vast/*", .status = 500});
     const auto made = make(ad);
     ASSERT_TRUE(made && !made->error);
@@ -188,7 +195,7 @@ TEST_F(VideoScreens, OverAPictureStayAwayWhereTheirDocumentCannotBeRead)
     EXPECT_EQ(focus(screen), "action");
 }
 
-/// Something that lies over an ad with a video.
+/// An ad that pauses its videos.
 class Covered : public VIRLOAdViewControllerBase
 {
 public:
@@ -196,7 +203,7 @@ public:
     using VIRLOAdViewControllerBase::resumeVideos;
 };
 
-TEST_F(VideoScreens, RestWhileSomethingLiesOverTheirAd)
+TEST_F(VideoScreens, PauseWhileAnotherScreenCoversTheirAd)
 {
     const auto video = made(videoAd({{"a"}}));
     ready("a");
@@ -213,7 +220,7 @@ TEST_F(VideoScreens, RestWhileSomethingLiesOverTheirAd)
     pumpMainLoop();
     EXPECT_TRUE(engine.at(clip("a")).isPlaying);
     EXPECT_EQ(pings(), (Pings{"a resume"}));
-    VIRLOAdPresenter::dismiss(screen); // Menu would end the video, which nobody waits for here
+    VIRLOAdPresenter::dismiss(screen); // nothing here completes the ad on Menu
 }
 
 } // namespace

@@ -22,26 +22,26 @@ class ManyVideos : public RealVideoTest
 protected:
     ManyVideos()
     {
-        serveClip("film", "helion-720p.mp4");
+        serveClip("video", "helion-720p.mp4");
         serveClip("silent", "wildgrove-silent-720p.mp4");
         serveClip("slow", "wildgrove-silent-720p.mp4", {.bytesPerSecond = 60'000});
         server().setFault({.path = "/clip/hung", .neverResponds = true});
         server().setFault({.path = "/clip/late", .delay = 200ms, .status = 404, .body = ""});
     }
 
-    [[nodiscard]] static std::vector<Film> films(unsigned round)
+    [[nodiscard]] static std::vector<TestVideo> videos(unsigned round)
     {
         switch (round % 5) {
         case 0:
-            return {{"film"}, {"silent", 4}};
+            return {{"video"}, {"silent", 4}};
         case 1:
             return {{"silent", 4}};
         case 2:
-            return {{"slow", 4}, {"film"}};
+            return {{"slow", 4}, {"video"}};
         case 3:
             return {{"hung"}};
         default:
-            return {{"late"}, {"late"}, {"film"}};
+            return {{"late"}, {"late"}, {"video"}};
         }
     }
 
@@ -68,7 +68,7 @@ TEST_F(ManyVideos, AreLeftAtAnyMomentWithoutAnybodyWaiting)
     for (unsigned round = 0; round < rounds; ++round) {
         SCOPED_TRACE(round);
         const bool overPicture = upTo(3) == 0;
-        const auto ad = overPicture ? pictureAd(films(round)) : videoAd(films(round));
+        const auto ad = overPicture ? imageAd(videos(round)) : videoAd(videos(round));
         auto result = make(ad);
         ASSERT_TRUE(result && result->screen);
         if (upTo(9) != 0) // else it goes without having been seen

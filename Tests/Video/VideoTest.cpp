@@ -1,9 +1,11 @@
 #include "VideoTest.h"
 
 #include "Label.h"
+#include "LogCapture.h"
 #include "Settle.h"
 #include "URLSession.h"
 #include "VIRLOActivityIndicator.h"
+#include "VIRLOAdFrameworkLogger.h"
 #include "VIRLOAdFullscreenImageStore.h"
 #include "VIRLOAdItem.h"
 #include "VIRLOAdPresenter.h"
@@ -49,6 +51,7 @@ VideoTest::~VideoTest()
         click(Qt::Key_Escape);
     EXPECT_TRUE(isOver());
     static_cast<void>(pings());
+    VIRLOAdFrameworkLogger::setDebugLevel(2);
 }
 
 std::string VideoTest::mediaFile(const std::string& address, int width, int height)
@@ -57,41 +60,43 @@ std::string VideoTest::mediaFile(const std::string& address, int width, int heig
            "\" type=\"video/mp4\"><![CDATA[" + address + "]]></MediaFile>";
 }
 
-std::string VideoTest::document(const std::vector<Film>& films)
+std::string VideoTest::document(const std::vector<TestVideo>& videos)
 {
     std::string text = "<VAST version=\"3.0\"><Ad id=\"reel\"><InLine><Impression><![CDATA[" +
                        url("/ping/impression") + "]]></Impression><Creatives>";
-    for (const Film& film : films) {
-        text += "<Creative AdID=\"" + film.name + "\"><Linear><Duration>" + durationText(film.seconds) +
-                "</Duration><TrackingEvents>" + tracking(film.name, server().baseURL()) +
+    for (const TestVideo& video : videos) {
+        text += "<Creative AdID=\"" + video.name + "\"><Linear><Duration>" + durationText(video.seconds) +
+                "</Duration><TrackingEvents>" + tracking(video.name, server().baseURL()) +
                 "</TrackingEvents><MediaFiles>" +
-                (film.mediaFiles.empty() ? mediaFile(clip(film.name), 1280, 720) : film.mediaFiles) +
+                (video.mediaFiles.empty() ? mediaFile(clip(video.name), 1280, 720) : video.mediaFiles) +
                 "</MediaFiles></Linear></Creative>";
     }
     return text + "</Creatives></InLine></Ad></VAST>";
 }
 
-void VideoTest::serveDocument(const std::vector<Film>& films)
+void VideoTest::serveDocument(const std::vector<TestVideo>& videos)
 {
-    server().setFault(
-        {.path = "/vast/" + identifier(), .status = 200, .body = document(films), .contentType = "text/xml"});
+    server().setFault({.path = "/vast/" + identifier(),
+                       .status = 200,
+                       .body = document(videos),
+                       .contentType = "text/xml"});
 }
 
-JSON VideoTest::videoAd(const std::vector<Film>& films, const JSON& item)
+JSON VideoTest::videoAd(const std::vector<TestVideo>& videos, const JSON& item)
 {
     JSON result = ad(item);
     result["type"] = "video";
     if (!result["ads"][0].contains("markupUrl"))
         result["ads"][0]["markupUrl"] = url("/vast/" + identifier());
-    serveDocument(films);
+    serveDocument(videos);
     return result;
 }
 
-JSON VideoTest::pictureAd(const std::vector<Film>& films)
+JSON VideoTest::imageAd(const std::vector<TestVideo>& videos)
 {
     JSON result = ad({}, {}, 1);
     result["ads"][0]["markupUrl"] = url("/vast/" + identifier());
-    serveDocument(films);
+    serveDocument(videos);
     VIRLOAdFullscreenImageStore::sharedStore()->setImageForItem(
         picture(Qt::darkGreen), *VIRLOAdItem::initWithDictionary(result["ads"][0]));
     return result;
@@ -152,16 +157,35 @@ VideoTest::Pings VideoTest::pings()
     EXPECT_TRUE(URLSession::drain(Seconds(10)));
     settleAll();
     Pings result;
-    for (const auto& exchange : server().requests()) {
+    for (const auto& request : server().requests()) {
         constexpr std::string_view root = "/ping/";
-        if (!exchange.path.starts_with(root))
+        if (!request.path.starts_with(root))
             continue;
-        std::string ping = exchange.path.substr(root.size());
+        std::string ping = request.path.substr(root.size());
         std::replace(ping.begin(), ping.end(), '/', ' ');
         result.push_back(std::move(ping));
     }
     server().clearRequests();
     std::sort(result.begin(), result.end());
+    return result;
+}
+
+void VideoTest::recordReports()
+{
+    VIRLOAdFrameworkLogger::setDebugLevel(4);
+    allowLog(testing::A<std::string>());
+}
+
+VideoTest::Pings VideoTest::reports()
+{
+    Pings result;
+    for (const std::string& line : settledLogLines()) {
+        const std::string prefix = "Reporting at URL: " + url("/ping/");
+        if (!line.starts_with(prefix))
+            continue;
+        result.push_back(line.substr(prefix.size()));
+        std::replace(result.back().begin(), result.back().end(), '/', ' ');
+    }
     return result;
 }
 

@@ -11,9 +11,9 @@
 namespace virlo::test
 {
 
-/// A creative of a test's document. Its clip's address is `clip`, below "/clip/" on the test's server; its
-/// pings go to "/ping/NAME/EVENT".
-struct Film {
+/// A creative of a test's document. Its media file is `clip`, below "/clip/" on the test's server; its
+/// tracking URLs are "/ping/NAME/EVENT".
+struct TestVideo {
     std::string name;
     int seconds = 8;
     std::string mediaFiles = {}; ///< elements in place of one clip of 1280×720
@@ -35,11 +35,11 @@ protected:
     /// A media file's element.
     [[nodiscard]] static std::string mediaFile(const std::string& address, int width, int height);
     /// A document with one ad that has one impression, "/ping/impression".
-    [[nodiscard]] static std::string document(const std::vector<Film>& films);
+    [[nodiscard]] static std::string document(const std::vector<TestVideo>& videos);
     /// A video ad whose document is that one; `item` as for `ad`.
-    [[nodiscard]] JSON videoAd(const std::vector<Film>& films, const JSON& item = {});
+    [[nodiscard]] JSON videoAd(const std::vector<TestVideo>& videos, const JSON& item = {});
     /// A full-screen picture with that document's film over it.
-    [[nodiscard]] JSON pictureAd(const std::vector<Film>& films);
+    [[nodiscard]] JSON imageAd(const std::vector<TestVideo>& videos);
 
     struct Made {
         std::shared_ptr<VIRLOAdViewController> screen;
@@ -57,11 +57,14 @@ protected:
 
     /// What was pinged since the last call, as "NAME EVENT" or "impression", in the order of the alphabet.
     [[nodiscard]] static Pings pings();
+    /// From here on `reports` lists what is reported, in the order in which the requests begin.
+    void recordReports();
+    [[nodiscard]] static Pings reports();
     [[nodiscard]] static bool isBusy(const Video& video);
     [[nodiscard]] static std::string countOf(const Video& video);
 
 private:
-    void serveDocument(const std::vector<Film>& films);
+    void serveDocument(const std::vector<TestVideo>& videos);
 };
 
 /// Goes after all that plays by it.

@@ -11,7 +11,7 @@ void FrameStore::put(std::shared_ptr<const VideoFrame> frame)
         const std::lock_guard lock(m_mutex);
         if (m_closed)
             return;
-        m_newest.swap(frame); // the one before goes without the lock
+        m_newest.swap(frame); // the previous one is released without the lock
         ++m_counts.arrived;
         if (!std::exchange(m_taken, false))
             ++m_counts.unseen;

@@ -9,8 +9,7 @@
 namespace virlo
 {
 
-/// Between the decoder's thread, which puts pictures in, and whoever shows them: it keeps the newest alone.
-/// Any thread.
+/// Between the decoder's thread, which puts frames in, and the view: keeps only the newest. Any thread.
 class FrameStore
 {
 public:
@@ -20,7 +19,7 @@ public:
     [[nodiscard]] std::shared_ptr<const VideoFrame> take();
     void setLate(long late);
     [[nodiscard]] VideoFrameCounts counts() const;
-    /// Lets go of the picture and takes no more.
+    /// Releases the frame and keeps no more.
     void close();
 
 private:

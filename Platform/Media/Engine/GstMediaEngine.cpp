@@ -10,13 +10,13 @@ namespace virlo
 
 void GstMediaEngine::prepare()
 {
-    // What is wrong is said by each clip.
+    // Each video reports what is wrong.
     static_cast<void>(MediaRuntime::shared().prepare());
 }
 
 std::shared_ptr<MediaPlayback> GstMediaEngine::playbackOfURL(const URL& url, bool muted, Callbacks callbacks)
 {
-    return std::make_shared<GstPlayback>(url, muted, std::move(callbacks));
+    return GstPlayback::start(url, muted, std::move(callbacks), m_limits);
 }
 
 bool GstMediaEngine::drain(Seconds limit)

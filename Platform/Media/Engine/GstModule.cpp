@@ -5,8 +5,8 @@
 
 #include <string_view>
 
-/// What `MediaModule` asks for. Null where the library that asks is not the one that this was built with:
-/// they share classes.
+/// The entry point that `MediaModule` looks up. Null where the library is not the one that this was built
+/// with: they share classes.
 extern "C" VIRLO_EXPORT virlo::MediaEngine* virloMakeMediaEngine(const char* version)
 {
     return std::string_view(version) == VIRLO_VERSION ? new virlo::GstMediaEngine : nullptr;

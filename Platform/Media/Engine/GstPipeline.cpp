@@ -1,7 +1,7 @@
 #include "GstPipeline.h"
 
-#include "GstClipSource.h"
 #include "GstSinks.h"
+#include "GstVideoSource.h"
 #include "TransferMeter.h"
 
 #include <map>
@@ -17,8 +17,7 @@ namespace virlo
 struct GstPipeline::Shared {
     Options options;
     std::mutex mutex = {};
-    std::map<const void*, guint64> dropped =
-        {}; ///< pictures, by the element that left them out; under `mutex`
+    std::map<const void*, guint64> dropped = {}; ///< frames, by the element that dropped them; under `mutex`
 };
 
 namespace
@@ -48,15 +47,13 @@ void dropClosureHandle(gpointer handle, GClosure*)
 
 void setUpSource(GstElement*, GstElement* source, gpointer user)
 {
-    const auto& meter = sharedOf(user).options.meter;
-    if (GstClipSource::isOne(source))
-        GstClipSource::setMeter(source, meter);
-    else
-        meter->finished(); // what is not read over the network is all there
+    const GstPipeline::Options& options = sharedOf(user).options;
+    if (GstVideoSource::isOne(source))
+        GstVideoSource::setUp(source, options.meter, options.limits);
 }
 
-/// Up to this size a single thread decodes fast enough on any device that shows a television's picture; each
-/// further one costs a picture in flight and the decoder's tables again.
+/// Up to this size a single thread decodes fast enough on any device with a television's screen; each further
+/// one costs a frame and the decoder's tables again.
 constexpr int mostPixelsOfOneThread = 1280 * 720;
 
 GstPadProbeReturn chooseThreads(GstPad* pad, GstPadProbeInfo* info, gpointer)
@@ -77,7 +74,7 @@ GstPadProbeReturn chooseThreads(GstPad* pad, GstPadProbeInfo* info, gpointer)
     return GST_PAD_PROBE_OK;
 }
 
-/// GStreamer's own elements are set for throughput; here memory counts.
+/// GStreamer's own elements are configured for throughput; here memory counts.
 void setUpElement(GstElement*, GstElement* element, gpointer)
 {
     const std::string_view name(GST_OBJECT_NAME(element));
@@ -110,7 +107,7 @@ bool matters(GstMessage* message)
     }
 }
 
-/// The sink leaves late pictures out, and the decoder those that would be late.
+/// The sink drops late frames, and the decoder those that would be late.
 void noteDropped(GstPipeline::Shared& shared, GstMessage* message)
 {
     GstFormat format = GST_FORMAT_UNDEFINED;
@@ -140,19 +137,21 @@ std::unique_ptr<GstPipeline> GstPipeline::make(Options options)
 {
     std::unique_ptr<GstPipeline> pipeline(new GstPipeline);
     const auto shared = pipeline->m_shared = std::shared_ptr<Shared>(new Shared{std::move(options)});
-    // playbin3's decodebin3 (1.22.0) crashes now and then when it is torn down while it still plugs decoders,
-    // and does not end some very short clips; items do not share a pipeline, which is what it would be for.
+    // Not playbin3: its decodebin3 (1.22.0) crashes at times when it is torn down while it still plugs
+    // decoders, and some very short videos never end. Its advantage, items that share a pipeline, is not used
+    // here.
     pipeline->m_playbin = makeGstElement("playbin");
-    pipeline->m_audioSink = makeAudioSink(shared->options.soundless);
+    pipeline->m_soundDevice = openSoundDevice();
+    pipeline->m_soundBin = makeAudioSink(pipeline->m_soundDevice.get());
     const auto videoSink = makeVideoSink(shared->options.frames);
-    if (!pipeline->m_playbin || !pipeline->m_audioSink || !videoSink)
+    if (!pipeline->m_playbin || !pipeline->m_soundBin || !videoSink)
         return nullptr;
     GstElement* const playbin = pipeline->m_playbin.get();
-    // The pictures' conversion is our own; the volume is our own too, since a sound server would remember
-    // that this program was muted.
+    // Frames are converted by the video sink; the volume is the pipeline's, since a sound server would
+    // remember that this program was muted.
     gst_util_set_object_arg(G_OBJECT(playbin), "flags", "video+audio+native-video+soft-volume+buffering");
-    g_object_set(playbin, "uri", GstClipSource::addressOf(shared->options.url).c_str(), "video-sink",
-                 videoSink.get(), "audio-sink", pipeline->m_audioSink.get(), "mute",
+    g_object_set(playbin, "uri", GstVideoSource::addressOf(shared->options.url).c_str(), "video-sink",
+                 videoSink.get(), "audio-sink", pipeline->m_soundBin.get(), "mute",
                  static_cast<gboolean>(shared->options.muted), nullptr);
     g_signal_connect_data(playbin, "source-setup", G_CALLBACK(setUpSource), handle(shared), dropClosureHandle,
                           static_cast<GConnectFlags>(0));
@@ -183,11 +182,13 @@ void GstPipeline::setMuted(bool muted)
     g_object_set(m_playbin.get(), "mute", static_cast<gboolean>(muted), nullptr);
 }
 
-void GstPipeline::seek(GstClockTime time)
+bool GstPipeline::dropSound()
 {
-    gst_element_seek_simple(m_playbin.get(), GST_FORMAT_TIME,
-                            static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE),
-                            static_cast<gint64>(time));
+    if (!m_soundDevice || std::exchange(m_soundDropped, true))
+        return false;
+    setState(GST_STATE_PAUSED);
+    replaceSoundDevice(*m_soundBin, *m_soundDevice);
+    return true;
 }
 
 void GstPipeline::recalculateLatency()
@@ -223,9 +224,11 @@ bool GstPipeline::isPipeline(const GstMessage& message) const
     return GST_MESSAGE_SRC(&message) == GST_OBJECT_CAST(m_playbin.get());
 }
 
-bool GstPipeline::isAudioSink(const GstMessage& message) const
+bool GstPipeline::isSoundDevice(const GstMessage& message) const
 {
-    return gst_object_has_as_ancestor(GST_MESSAGE_SRC(&message), GST_OBJECT_CAST(m_audioSink.get())) != FALSE;
+    GstObject* const device = GST_OBJECT_CAST(m_soundDevice.get());
+    return device != nullptr && (GST_MESSAGE_SRC(&message) == device ||
+                                 gst_object_has_as_ancestor(GST_MESSAGE_SRC(&message), device) != FALSE);
 }
 
 } // namespace virlo

@@ -27,7 +27,7 @@ GstReport::GstReport(GstMessage& message)
     gst_message_parse_error(&message, &error, &debug);
     code = codeOf(*error);
     reason = error->message;
-    // GStreamer's own words are often no more than "internal error"; the cause stands behind them.
+    // GStreamer's message is often no more than "internal error"; the debug text names the cause.
     if (debug != nullptr)
         reason += std::string(" (") + debug + ")";
     g_error_free(error);

@@ -17,8 +17,8 @@ struct GstReport {
     std::string reason;
 };
 
-/// From a message that a part of GStreamer is missing: the caps, as text, that no decoder was found for;
-/// empty where it is any other kind of part.
+/// From a missing-plugin message: the caps, as text, that no decoder was found for; empty where the plugin is
+/// of another kind.
 [[nodiscard]] std::string undecodableCaps(GstMessage& message);
 
 } // namespace virlo

@@ -1,12 +1,15 @@
 #include "MediaRuntime.h"
 
-#include "GstClipSource.h"
-#include "PlaybackThread.h"
+#include "GstPlayback.h"
+#include "GstVideoSource.h"
 #include "ProcessShutdown.h"
 
 #include <gst/gst.h>
 
 #include <algorithm>
+#include <dirent.h>
+#include <limits>
+#include <sys/resource.h>
 
 namespace virlo
 {
@@ -17,6 +20,23 @@ namespace
 /// Code that is loaded while the process tears its libraries down sets those up again that it needs, and they
 /// abort. Only what waits for a sound device can take so long.
 constexpr Seconds longestHalt{5};
+
+/// A pipeline opens about 20, its sound device a few more, and the transfer, the host and a second pipeline
+/// open theirs meanwhile.
+constexpr long neededDescriptors = 64;
+
+long freeDescriptors()
+{
+    rlimit limit{};
+    DIR* const folder = ::opendir("/proc/self/fd");
+    if (folder == nullptr || ::getrlimit(RLIMIT_NOFILE, &limit) != 0)
+        return 0;
+    long open = 0;
+    while (::readdir(folder) != nullptr)
+        ++open;
+    ::closedir(folder);
+    return static_cast<long>(std::min<rlim_t>(limit.rlim_cur, std::numeric_limits<int>::max())) - open;
+}
 
 } // namespace
 
@@ -36,18 +56,25 @@ std::string MediaRuntime::prepare()
             return "The process is exiting";
         ++m_preparing;
     }
-    std::call_once(m_once, [this] {
-        GError* error = nullptr;
-        if (gst_init_check(nullptr, nullptr, &error) == FALSE)
-            m_failure = error != nullptr ? error->message : "GStreamer cannot be set up";
-        else
-            GstClipSource::registerElement();
-        g_clear_error(&error);
-    });
+    std::string failure;
+    if (freeDescriptors() < neededDescriptors)
+        failure = "Too few file descriptors are free";
+    else
+        std::call_once(m_once, [this] { initialise(); });
     const std::lock_guard lock(m_mutex);
     --m_preparing;
     m_left.notify_all();
-    return m_failure;
+    return failure.empty() ? m_failure : failure;
+}
+
+void MediaRuntime::initialise()
+{
+    GError* error = nullptr;
+    if (gst_init_check(nullptr, nullptr, &error) == FALSE)
+        m_failure = error != nullptr ? error->message : "GStreamer cannot be initialised";
+    else
+        GstVideoSource::registerElement();
+    g_clear_error(&error);
 }
 
 bool MediaRuntime::registerShutdown()
@@ -57,7 +84,7 @@ bool MediaRuntime::registerShutdown()
     return registered;
 }
 
-bool MediaRuntime::enter(const std::shared_ptr<PlaybackThread>& thread)
+bool MediaRuntime::enter(const std::shared_ptr<GstPlayback>& thread)
 {
     if (!registerShutdown())
         return false;
@@ -68,9 +95,9 @@ bool MediaRuntime::enter(const std::shared_ptr<PlaybackThread>& thread)
     return true;
 }
 
-void MediaRuntime::leave(const PlaybackThread& thread)
+void MediaRuntime::leave(const GstPlayback& thread)
 {
-    std::shared_ptr<PlaybackThread> left; // goes without the lock
+    std::shared_ptr<GstPlayback> left; // goes without the lock
     const std::lock_guard lock(m_mutex);
     const auto found = std::find_if(m_threads.begin(), m_threads.end(),
                                     [&](const auto& one) { return one.get() == &thread; });

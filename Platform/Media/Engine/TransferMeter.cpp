@@ -7,7 +7,7 @@ namespace
 {
 using namespace std::chrono_literals;
 constexpr auto longestHandover = 50ms;
-/// Less than this says more about the scheduler than about the network.
+/// A shorter time measures the scheduler rather than the network.
 constexpr auto shortestMeasure = 1ms;
 } // namespace
 

@@ -9,28 +9,26 @@
 namespace virlo
 {
 
-/// Counts a clip's bytes as they come from the network and tells how fast they come. Fed by the thread that
-/// reads, asked from any other.
+/// Counts a video's bytes as they arrive from the network and measures their speed. Any thread.
 class TransferMeter
 {
 public:
     using Instant = std::chrono::steady_clock::time_point;
 
-    /// A piece has come; the reader now hands it on.
+    /// A chunk has arrived and is handed on.
     void arrived(std::uint64_t bytes, Instant now);
-    /// The reader has handed its piece on and waits for the next. Where that took long, the player's buffer
-    /// is full: the next pieces come at the player's pace out of the system's buffers and say nothing about
-    /// the network.
+    /// The chunk has been handed on, and the next one is waited for. Where that took long the player's buffer
+    /// is full: from here on chunks arrive at the player's pace and say nothing about the network.
     void handedOn(Instant now);
-    /// The player has run dry: the network sets the pace again.
+    /// The player's buffer is empty: the network sets the pace again.
     void ranDry();
     void finished();
 
     [[nodiscard]] std::uint64_t bytes() const;
     [[nodiscard]] bool isFinished() const;
-    /// Whether the reader is being held up by a full buffer.
+    /// Whether a full buffer holds the transfer up.
     [[nodiscard]] bool isThrottled() const;
-    /// What has come since the last call; nothing where nothing has.
+    /// What arrived since the last call; nothing where nothing did.
     [[nodiscard]] std::optional<PlayerAccessLogEvent> nextEvent();
 
 private:

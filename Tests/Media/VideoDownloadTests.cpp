@@ -1,7 +1,7 @@
-#include "ClipDownload.h"
 #include "RawServer.h"
 #include "RowName.h"
 #include "TransferMeter.h"
+#include "VideoDownload.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@ namespace
 
 using namespace std::chrono_literals;
 using Connection = RawServer::Connection;
-using Progress = ClipDownload::Progress;
+using Progress = VideoDownload::Progress;
 
 /// No two places alike for longer than a while.
 std::string clipOf(std::size_t size)
@@ -64,25 +64,25 @@ class Download
 public:
     explicit Download(const RawServer& server)
         : meter(std::make_shared<TransferMeter>())
-        , clip(*URL::fromString(server.url("/clip")), meter)
+        , clip(*URL::fromString(server.url("/clip")), meter, {.retryPause = std::chrono::milliseconds(20)})
     {
     }
 
     Progress readAll()
     {
-        std::string piece;
+        std::string chunk;
         Progress progress{};
-        while ((progress = clip.read(piece)) == Progress::Piece)
-            bytes += piece;
+        while ((progress = clip.read(chunk)) == Progress::Chunk)
+            bytes += chunk;
         return progress;
     }
 
     std::shared_ptr<TransferMeter> meter;
-    ClipDownload clip;
+    VideoDownload clip;
     std::string bytes;
 };
 
-TEST(ClipDownload, GoesOnFromWhereAConnectionBroke)
+TEST(VideoDownload, GoesOnFromWhereAConnectionBroke)
 {
     const std::string clip = clipOf(1'000'000);
     std::vector<std::optional<std::size_t>> places;
@@ -102,7 +102,7 @@ TEST(ClipDownload, GoesOnFromWhereAConnectionBroke)
     EXPECT_TRUE(download.meter->isFinished());
 }
 
-TEST(ClipDownload, ReadsFromAnyPlaceAndKnowsTheWholeSize)
+TEST(VideoDownload, ReadsFromAnyPlaceAndKnowsTheWholeSize)
 {
     const std::string clip = clipOf(3000);
     RawServer server([&](Connection& connection) {
@@ -125,7 +125,7 @@ TEST(ClipDownload, ReadsFromAnyPlaceAndKnowsTheWholeSize)
     EXPECT_EQ(download.readAll(), Progress::End);
 }
 
-TEST(ClipDownload, AsksOnWhereAServerSendsLessThanAskedFor)
+TEST(VideoDownload, AsksOnWhereAServerSendsLessThanAskedFor)
 {
     const std::string clip = clipOf(5000);
     RawServer server([&](Connection& connection) { answerInParts(connection, clip, 2000); });
@@ -135,7 +135,7 @@ TEST(ClipDownload, AsksOnWhereAServerSendsLessThanAskedFor)
     EXPECT_EQ(server.connections(), 3);
 }
 
-TEST(ClipDownload, HoldsTheServerBackUntilSomebodyReads)
+TEST(VideoDownload, HoldsTheServerBackUntilSomebodyReads)
 {
     const std::string clip = clipOf(std::size_t{24} << 20);
     std::atomic<std::size_t> written{0};
@@ -149,7 +149,7 @@ TEST(ClipDownload, HoldsTheServerBackUntilSomebodyReads)
         }
     });
     Download download(server);
-    ASSERT_EQ(download.clip.read(download.bytes), Progress::Piece);
+    ASSERT_EQ(download.clip.read(download.bytes), Progress::Chunk);
     for (std::size_t before = 0; before != written;) {
         before = written;
         std::this_thread::sleep_for(200ms);
@@ -160,7 +160,7 @@ TEST(ClipDownload, HoldsTheServerBackUntilSomebodyReads)
     EXPECT_TRUE(download.meter->isThrottled());
 }
 
-TEST(ClipDownload, WakesAReaderThatIsInterrupted)
+TEST(VideoDownload, WakesAReaderThatIsInterrupted)
 {
     std::promise<void> asked;
     RawServer server([&](Connection& connection) {

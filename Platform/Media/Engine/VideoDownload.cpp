@@ -1,4 +1,4 @@
-#include "ClipDownload.h"
+#include "VideoDownload.h"
 
 #include "TransferMeter.h"
 #include "URLSession.h"
@@ -18,17 +18,14 @@ namespace
 
 using Instant = TransferMeter::Instant;
 
-/// Longer than whoever waits for a picture does.
-constexpr std::chrono::seconds longestSilence{20};
-/// A film may stand still for as long as its viewer likes, with its connection open.
-constexpr std::chrono::hours longestExchange{24};
+/// A viewer may pause a video for this long with its connection open.
+constexpr std::chrono::hours longestTransfer{24};
 /// What may wait for the reader.
 constexpr std::size_t maximumAhead = std::size_t{256} << 10;
-/// A line that is gone for a moment is no reason to end a film.
-constexpr int maximumVainTries = 3;
-constexpr std::chrono::seconds shortestPause{1};
-/// The demuxer swallows a piece whole, and only what stands before it counts as buffered.
-constexpr std::size_t largestPiece = std::size_t{8} << 10;
+/// In a row, without a byte.
+constexpr int maximumAttempts = 3;
+/// The demuxer takes a chunk as a whole, and only what waits before it counts as buffered.
+constexpr std::size_t largestChunk = std::size_t{8} << 10;
 constexpr long partialContent = 206;
 constexpr long rangeNotSatisfiable = 416;
 
@@ -45,7 +42,7 @@ std::optional<std::uint64_t> numberIn(std::string_view text)
     return error == std::errc() && end == text.data() + text.size() ? std::optional(number) : std::nullopt;
 }
 
-/// The whole clip's, whatever part of it this answer carries.
+/// The whole video's, whatever part of it this response carries.
 std::optional<std::uint64_t> sizeOf(const HTTPURLResponse& response)
 {
     if (response.statusCode != partialContent)
@@ -55,8 +52,8 @@ std::optional<std::uint64_t> sizeOf(const HTTPURLResponse& response)
     return total != std::string::npos ? numberIn(range.substr(total + 1)) : std::nullopt;
 }
 
-/// Where an answer's bytes stand in the clip.
-std::optional<std::uint64_t> placeOf(const HTTPURLResponse& response)
+/// The position in the video of a response's first byte.
+std::optional<std::uint64_t> positionOf(const HTTPURLResponse& response)
 {
     constexpr std::string_view unit = "bytes ";
     const std::string range = headerOf(response, "content-range");
@@ -73,23 +70,25 @@ bool isFound(long status)
 
 } // namespace
 
-struct ClipDownload::Shared : std::enable_shared_from_this<Shared> {
-    Shared(URL clip, std::shared_ptr<TransferMeter> told)
-        : url(std::move(clip))
+struct VideoDownload::Shared : std::enable_shared_from_this<Shared> {
+    Shared(URL video, std::shared_ptr<TransferMeter> transferMeter, const PlaybackLimits& playbackLimits)
+        : url(std::move(video))
+        , limits(playbackLimits)
         , finalURL(url)
-        , meter(std::move(told))
+        , meter(std::move(transferMeter))
     {
     }
 
     void start();
-    void abandon();
-    [[nodiscard]] bool take(int from, std::string_view piece, const HTTPURLResponse& response);
+    void cancel();
+    [[nodiscard]] bool receive(int from, std::string_view chunk, const HTTPURLResponse& response);
     void complete(int from, const std::optional<HTTPURLResponse>& response, const OptionalError& error);
-    [[nodiscard]] bool note(const HTTPURLResponse& response);
-    void handOver(std::string& piece);
+    [[nodiscard]] bool checkResponse(const HTTPURLResponse& response);
+    void moveChunk(std::string& chunk);
     [[nodiscard]] std::optional<Progress> conclude();
 
     const URL url;
+    const PlaybackLimits limits;
     const std::shared_ptr<URLSession> session =
         URLSession::sessionWithConfiguration(URLSessionConfiguration::defaultConfiguration());
 
@@ -100,36 +99,36 @@ struct ClipDownload::Shared : std::enable_shared_from_this<Shared> {
     std::optional<std::uint64_t> size;
     bool seekable = true;
     bool interrupted = false;
-    std::uint64_t place = 0;
+    std::uint64_t position = 0;
     std::string failure;
 
     // One request
-    int attempt = 0; ///< its number; what a former one still says is not heard
+    int attempt = 0; ///< its number; callbacks of an earlier request are ignored
     std::shared_ptr<URLSessionTask> task;
-    std::uint64_t begunAt = 0;
+    std::uint64_t firstByte = 0;
     std::string waiting;
     std::size_t read = 0; ///< of `waiting`
     bool held = false;
     bool ended = false;
     std::optional<long> status;
-    bool fits = false; ///< brings what was asked for
+    bool fits = false; ///< the response carries the requested bytes
     OptionalError error;
     std::optional<Instant> retryAt; ///< when the next request follows
-    int vainTries = 0;              ///< those in a row that brought nothing
+    int attempts = 0;               ///< in a row, without a byte
 };
 
 // The request
 
-void ClipDownload::Shared::start()
+void VideoDownload::Shared::start()
 {
-    abandon();
+    cancel();
     URLRequest request{url};
-    request.timeout = longestExchange;
+    request.timeout = longestTransfer;
     request.maximumBodySize = std::numeric_limits<std::size_t>::max();
-    request.headers["Accept-Encoding"] = "identity"; // places count in the clip's own bytes
-    if (place > 0)
-        request.headers["Range"] = "bytes=" + std::to_string(place) + "-";
-    begunAt = place;
+    request.headers["Accept-Encoding"] = "identity"; // ranges count in the file's own bytes
+    if (position > 0)
+        request.headers["Range"] = "bytes=" + std::to_string(position) + "-";
+    firstByte = position;
     held = ended = fits = false;
     status.reset();
     error.reset();
@@ -137,8 +136,8 @@ void ClipDownload::Shared::start()
     const auto self = shared_from_this();
     task = session->streamTask(
         std::move(request),
-        [self, from = attempt](std::string_view piece, const HTTPURLResponse& response) {
-            return self->take(from, piece, response);
+        [self, from = attempt](std::string_view chunk, const HTTPURLResponse& response) {
+            return self->receive(from, chunk, response);
         },
         [self, from = attempt](const std::string&, const auto& response, const OptionalError& failed) {
             self->complete(from, response, failed);
@@ -147,7 +146,7 @@ void ClipDownload::Shared::start()
     task->resume();
 }
 
-void ClipDownload::Shared::abandon()
+void VideoDownload::Shared::cancel()
 {
     ++attempt;
     waiting.clear();
@@ -156,14 +155,14 @@ void ClipDownload::Shared::abandon()
         former->cancel();
 }
 
-bool ClipDownload::Shared::take(int from, std::string_view piece, const HTTPURLResponse& response)
+bool VideoDownload::Shared::receive(int from, std::string_view chunk, const HTTPURLResponse& response)
 {
     const std::lock_guard lock(mutex);
-    if (from != attempt || !note(response))
+    if (from != attempt || !checkResponse(response))
         return false;
     const auto now = Instant::clock::now();
-    meter->arrived(piece.size(), now);
-    waiting.erase(0, std::exchange(read, 0)).append(piece);
+    meter->arrived(chunk.size(), now);
+    waiting.erase(0, std::exchange(read, 0)).append(chunk);
     if (waiting.size() < maximumAhead) {
         meter->handedOn(now);
     } else {
@@ -174,26 +173,26 @@ bool ClipDownload::Shared::take(int from, std::string_view piece, const HTTPURLR
     return true;
 }
 
-void ClipDownload::Shared::complete(int from, const std::optional<HTTPURLResponse>& response,
-                                    const OptionalError& failed)
+void VideoDownload::Shared::complete(int from, const std::optional<HTTPURLResponse>& response,
+                                     const OptionalError& failed)
 {
     const std::lock_guard lock(mutex);
     if (from != attempt)
         return;
     if (response)
-        static_cast<void>(note(*response));
+        static_cast<void>(checkResponse(*response));
     ended = true;
     error = failed;
     changed.notify_all();
 }
 
-bool ClipDownload::Shared::note(const HTTPURLResponse& response)
+bool VideoDownload::Shared::checkResponse(const HTTPURLResponse& response)
 {
     if (!status) {
         status = response.statusCode;
         finalURL = response.url;
-        // Whoever sends the whole in place of a part would have it played from its start again.
-        fits = isFound(response.statusCode) && placeOf(response) == begunAt;
+        // A server that sends the whole file for a range would have it played from the start again.
+        fits = isFound(response.statusCode) && positionOf(response) == firstByte;
         if (fits) {
             size = sizeOf(response);
             seekable = size && headerOf(response, "accept-ranges") != "none";
@@ -204,11 +203,11 @@ bool ClipDownload::Shared::note(const HTTPURLResponse& response)
 
 // The reader
 
-void ClipDownload::Shared::handOver(std::string& piece)
+void VideoDownload::Shared::moveChunk(std::string& chunk)
 {
-    piece.assign(waiting, read, largestPiece);
-    read += piece.size();
-    place += piece.size();
+    chunk.assign(waiting, read, largestChunk);
+    read += chunk.size();
+    position += chunk.size();
     if (read < waiting.size())
         return;
     waiting.clear();
@@ -219,51 +218,51 @@ void ClipDownload::Shared::handOver(std::string& piece)
     }
 }
 
-/// What the end of the request means; nothing where another one is to follow.
-std::optional<ClipDownload::Progress> ClipDownload::Shared::conclude()
+/// What the end of the request means; nothing where another request follows.
+std::optional<VideoDownload::Progress> VideoDownload::Shared::conclude()
 {
-    // Some servers send less than they were asked for, and mean it.
-    const bool isWhole = fits && !error && place >= size.value_or(0);
-    if (isWhole || (begunAt > 0 && status == rangeNotSatisfiable)) {
+    // Some servers send less than was requested.
+    const bool isWhole = fits && !error && position >= size.value_or(0);
+    if (isWhole || (firstByte > 0 && status == rangeNotSatisfiable)) {
         meter->finished();
         return Progress::End;
     }
-    if (place > begunAt)
-        vainTries = 0;
-    const bool mayComeBack = !status || fits || *status / 100 == 5;
-    if (mayComeBack && seekable && place > 0 && vainTries < maximumVainTries) {
-        retryAt = Instant::clock::now() + vainTries * shortestPause;
-        ++vainTries;
+    if (position > firstByte)
+        attempts = 0;
+    const bool mayRecover = !status || fits || *status / 100 == 5;
+    if (mayRecover && seekable && position > 0 && attempts < maximumAttempts) {
+        retryAt = Instant::clock::now() + attempts * limits.retryPause;
+        ++attempts;
         return std::nullopt;
     }
     if (fits || !status)
         failure = error ? error->userInfo.value("Reason", describe(*error)) : "The connection ended";
     else
-        failure = "The server answers " + std::to_string(*status);
+        failure = "The server responds with " + std::to_string(*status);
     return status && !isFound(*status) ? Progress::Missing : Progress::Failed;
 }
 
-ClipDownload::ClipDownload(URL url, std::shared_ptr<TransferMeter> meter)
-    : m_shared(std::make_shared<Shared>(std::move(url), std::move(meter)))
+VideoDownload::VideoDownload(URL url, std::shared_ptr<TransferMeter> meter, const PlaybackLimits& limits)
+    : m_shared(std::make_shared<Shared>(std::move(url), std::move(meter), limits))
 {
 }
 
-ClipDownload::~ClipDownload()
+VideoDownload::~VideoDownload()
 {
     stop();
 }
 
-ClipDownload::Progress ClipDownload::read(std::string& piece)
+VideoDownload::Progress VideoDownload::read(std::string& chunk)
 {
     Shared& shared = *m_shared;
     std::unique_lock lock(shared.mutex);
-    const auto deadline = Instant::clock::now() + longestSilence;
+    const auto deadline = Instant::clock::now() + shared.limits.silence;
     while (Instant::clock::now() < deadline) {
         if (shared.interrupted)
             return Progress::Interrupted;
         if (!shared.waiting.empty()) {
-            shared.handOver(piece);
-            return Progress::Piece;
+            shared.moveChunk(chunk);
+            return Progress::Chunk;
         }
         if (std::exchange(shared.ended, false)) {
             if (const auto end = shared.conclude()) {
@@ -275,59 +274,59 @@ ClipDownload::Progress ClipDownload::read(std::string& piece)
             shared.start();
         shared.changed.wait_until(lock, std::min(deadline, shared.retryAt.value_or(deadline)));
     }
-    shared.failure = "Nothing comes any more";
-    shared.abandon();
+    shared.failure = "Nothing arrives any more";
+    shared.cancel();
     return Progress::Failed;
 }
 
-void ClipDownload::seek(std::uint64_t place)
+void VideoDownload::seek(std::uint64_t position)
 {
     const std::lock_guard lock(m_shared->mutex);
-    m_shared->abandon();
+    m_shared->cancel();
     m_shared->retryAt.reset();
     m_shared->ended = false;
-    m_shared->vainTries = 0;
-    m_shared->place = place;
+    m_shared->attempts = 0;
+    m_shared->position = position;
 }
 
-void ClipDownload::setInterrupted(bool interrupted)
+void VideoDownload::setInterrupted(bool interrupted)
 {
     const std::lock_guard lock(m_shared->mutex);
     m_shared->interrupted = interrupted;
     m_shared->changed.notify_all();
 }
 
-void ClipDownload::stop()
+void VideoDownload::stop()
 {
     const std::lock_guard lock(m_shared->mutex);
-    m_shared->abandon();
+    m_shared->cancel();
 }
 
-std::uint64_t ClipDownload::place() const
+std::uint64_t VideoDownload::position() const
 {
     const std::lock_guard lock(m_shared->mutex);
-    return m_shared->place;
+    return m_shared->position;
 }
 
-std::optional<std::uint64_t> ClipDownload::size() const
+std::optional<std::uint64_t> VideoDownload::size() const
 {
     const std::lock_guard lock(m_shared->mutex);
     return m_shared->size;
 }
 
-bool ClipDownload::isSeekable() const
+bool VideoDownload::isSeekable() const
 {
     const std::lock_guard lock(m_shared->mutex);
     return m_shared->seekable;
 }
 
-URL ClipDownload::url() const
+URL VideoDownload::url() const
 {
     const std::lock_guard lock(m_shared->mutex);
     return m_shared->finalURL;
 }
 
-std::string ClipDownload::failure() const
+std::string VideoDownload::failure() const
 {
     const std::lock_guard lock(m_shared->mutex);
     return m_shared->failure;

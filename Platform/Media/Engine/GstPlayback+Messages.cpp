@@ -1,6 +1,7 @@
-#include "PlaybackThread.h"
+#include "GstPlayback.h"
 
 #include "GstReport.h"
+#include "SystemLog.h"
 #include "TransferMeter.h"
 
 #include <utility>
@@ -8,7 +9,7 @@
 namespace virlo
 {
 
-void PlaybackThread::handle(GstMessage& message)
+void GstPlayback::handle(GstMessage& message)
 {
     switch (GST_MESSAGE_TYPE(&message)) {
     case GST_MESSAGE_ERROR:
@@ -29,7 +30,7 @@ void PlaybackThread::handle(GstMessage& message)
             handlePrerolled();
         break;
     case GST_MESSAGE_CLOCK_LOST:
-        // The next look at the wishes starts it again with another clock.
+        // The next `apply` starts it again with another clock.
         m_pipeline->setState(GST_STATE_PAUSED);
         m_state = GST_STATE_PAUSED;
         break;
@@ -37,7 +38,7 @@ void PlaybackThread::handle(GstMessage& message)
         m_pipeline->recalculateLatency();
         break;
     case GST_MESSAGE_ELEMENT:
-        // A sound that cannot be decoded is left out; a video without its picture is none.
+        // A sound that cannot be decoded is left out; a video without frames is none.
         if (const std::string caps = undecodableCaps(message); caps.starts_with("video/"))
             fail(MediaEngine::noDecoder, "No decoder for " + caps);
         break;
@@ -46,28 +47,26 @@ void PlaybackThread::handle(GstMessage& message)
     }
 }
 
-void PlaybackThread::handleError(GstMessage& message)
+void GstPlayback::handleError(GstMessage& message)
 {
     const GstReport report(message);
-    if (m_pipeline->isAudioSink(message) && !m_soundless)
-        reopenSoundless(report.reason);
-    else
+    if (!m_pipeline->isSoundDevice(message)) {
         fail(report.code, report.reason);
-}
-
-void PlaybackThread::handlePrerolled()
-{
-    if (m_resumeAt && *m_resumeAt > Seconds(0)) {
-        const auto time = std::chrono::duration_cast<std::chrono::nanoseconds>(*m_resumeAt);
-        m_resumeAt.reset();
-        m_pipeline->seek(static_cast<GstClockTime>(time.count()));
         return;
     }
+    if (!m_pipeline->dropSound())
+        return;
+    systemLog("No sound, the video continues without: " + report.reason);
+    m_state = GST_STATE_PAUSED; // the next `apply` resumes, with another clock
+}
+
+void GstPlayback::handlePrerolled()
+{
     m_prerolled = true;
     m_stalled = false;
 }
 
-void PlaybackThread::handleBuffering(int percent)
+void GstPlayback::handleBuffering(int percent)
 {
     const bool before = std::exchange(m_buffering, percent < 100);
     if (m_buffering && !before && m_prerolled) {
