@@ -28,14 +28,15 @@ class Interstitial : public ScreenTest
 protected:
     using Page = std::shared_ptr<VIRLOAdInterstitialViewController>;
 
-    [[nodiscard]] JSON pageAd(int screenshots, const JSON& item = {}, const JSON& button = {})
+    [[nodiscard]] JSON pageAd(int screenshots, const JSON& item = {}, const JSON& button = {},
+                              QSize size = {1920, 1080})
     {
         JSON one = ad(item, button);
         JSON urls = JSON::array();
         for (int i = 0; i < screenshots; ++i) {
             const std::string path = "/shots/" + identifier() + "/" + std::to_string(i);
             urls.push_back(url(path));
-            serve(path, encoded(screenshot(i), "JPEG"));
+            serve(path, encoded(screenshot(i, size), "JPEG"));
         }
         one["type"] = "interstitial";
         one["ads"][0]["screenshots"] = urls;
@@ -44,9 +45,9 @@ protected:
     }
 
     /// Each in a colour of its own.
-    [[nodiscard]] static QImage screenshot(int index)
+    [[nodiscard]] static QImage screenshot(int index, QSize size)
     {
-        QImage image(1920, 1080, QImage::Format_RGB32);
+        QImage image(size, QImage::Format_RGB32);
         image.fill(QColor::fromHsv(index * 47 % 360, 140, 190));
         return image;
     }
@@ -95,8 +96,6 @@ protected:
                 continue;
             shown.push_back(static_cast<std::int64_t>(i));
             const QImage image = view->image()->qImage();
-            EXPECT_LE(image.width(), 1400);
-            EXPECT_LE(image.height(), 618);
             EXPECT_NEAR(image.pixelColor(30, 30).hsvHue(), static_cast<int>(i) * 47 % 360, 4)
                 << "element " << i;
         }
@@ -232,6 +231,32 @@ TEST_F(Interstitial, HoldsTheScreenshotsAroundTheFocusAlone)
     std::sort(expected.begin(), expected.end());
     EXPECT_EQ(shownScreenshots(page), expected);
 }
+
+struct Shape {
+    const char* name;
+    QSize original;
+    QSize held;
+};
+
+class InterstitialShapes : public Interstitial, public testing::WithParamInterface<Shape>
+{
+};
+
+TEST_P(InterstitialShapes, AreHeldAsLargeAsTheyAreSeen)
+{
+    const Page page = readyPage(pageAd(5, {}, {}, GetParam().original));
+    ASSERT_TRUE(settle([&] { return shownScreenshots(page).size() == 5; }));
+    const auto element = outlet<VIRLOCarousel>(page, "carousel").elements().front();
+    EXPECT_EQ(qobject_cast<ImageView*>(element->subviews().back())->image()->qImage().size(),
+              GetParam().held);
+}
+
+INSTANTIATE_TEST_SUITE_P(Originals, InterstitialShapes,
+                         testing::Values(Shape{"AsTheScreen", {1920, 1080}, {1400, 618}},
+                                         Shape{"AsAnElement", {1400, 515}, {1400, 515}},
+                                         Shape{"Wide", {2472, 618}, {1680, 618}},
+                                         Shape{"TallAndSmall", {300, 900}, {300, 133}}),
+                         [](const auto& row) { return row.param.name; });
 
 TEST_F(Interstitial, AScreenshotThatFailsStaysEmptyAndALateOneComes)
 {

@@ -28,11 +28,15 @@ IndexPath pathOf(std::size_t index)
     return {.section = 0, .row = static_cast<long>(index)};
 }
 
-/// The part of the image in the middle that has the shape of `shown`; what lies outside is never seen.
-std::shared_ptr<const Image> cropped(const std::shared_ptr<const Image>& image, QSize shown)
+/// The part of the image in the middle that is seen in a normal or in a focused element.
+std::shared_ptr<const Image> cropped(const std::shared_ptr<const Image>& image)
 {
+    const QSizeF normal = VIRLOAdInterstitialScreenshots::elementSize;
+    const QSizeF focused = VIRLOAdInterstitialScreenshots::focusedSize;
     const QSize whole(image->width(), image->height());
-    const QSize part = shown.scaled(whole, Qt::KeepAspectRatio);
+    const QSize seen(static_cast<int>(std::ceil(whole.height() * normal.width() / normal.height())),
+                     static_cast<int>(std::ceil(whole.width() * focused.height() / focused.width())));
+    const QSize part = seen.boundedTo(whole);
     if (part == whole || part.isEmpty())
         return image;
     return Image::fromQImage(image->qImage().copy((whole.width() - part.width()) / 2,
@@ -43,10 +47,11 @@ std::shared_ptr<const Image> cropped(const std::shared_ptr<const Image>& image, 
 /// From the store, as large as it is shown; null where the store does not have it. On a worker.
 std::shared_ptr<const Image> decoded(const VIRLOAdItem& item, std::size_t index, double pixelsPerPoint)
 {
-    const QSize pixels = QSizeF(QSizeF(VIRLOAdInterstitialScreenshots::shownSize) * pixelsPerPoint).toSize();
+    const QSize pixels =
+        QSizeF(QSizeF(VIRLOAdInterstitialScreenshots::focusedSize) * pixelsPerPoint).toSize();
     const auto image = VIRLOAdInterstitialImageStore::sharedStore()->imageForItemAtIndexPathCovering(
         item, pathOf(index), pixels.width(), pixels.height());
-    return image ? cropped(image, pixels) : nullptr;
+    return image ? cropped(image) : nullptr;
 }
 
 } // namespace

@@ -26,12 +26,13 @@ class VIRLOAdInterstitialScreenshots : public std::enable_shared_from_this<VIRLO
 {
 public:
     /// With the focused one at most `mostHeld` are decoded, and `mostLoading` on the way to it: five images
-    /// of `shownSize`, 17 MB at one pixel to a point.
+    /// of at most 1680 x 618 pixels, 21 MB, at one pixel to a point. None is larger than its original.
     static constexpr std::size_t heldOnEitherSide = 2;
     static constexpr std::size_t mostHeld = 2 * heldOnEitherSide + 1;
     static constexpr std::size_t mostLoading = 2;
-    /// A focused element in points.
-    static constexpr QSize shownSize{1400, 618};
+    /// In points.
+    static constexpr QSize elementSize{1400, 515};
+    static constexpr QSize focusedSize{1400, 618};
 
     /// An image to show at an index, or null for one to let go of.
     using Show = std::function<void(std::size_t index, std::shared_ptr<const virlo::Image> image)>;

@@ -42,9 +42,10 @@ using virlo::Seconds;
 namespace
 {
 
-constexpr QSizeF elementSize(1400.0, 515.0);
 constexpr double elementSpacing = 40.0;
 constexpr double elementMagnification = 1.2;
+static_assert(VIRLOAdInterstitialScreenshots::focusedSize.height() ==
+              VIRLOAdInterstitialScreenshots::elementSize.height() * elementMagnification);
 constexpr double imageCorner = 10.0;
 constexpr QColor emptyElement(0x1d, 0x24, 0x33);
 
@@ -234,7 +235,7 @@ void VIRLOAdInterstitialViewController::setUpCarousel()
     std::vector<QPointer<virlo::ImageView>> images;
     for (int i = 0; i < total; ++i) {
         auto element = virlo::View::make<VIRLOCarouselElement>();
-        element->setFrame({QPointF(), elementSize});
+        element->setFrame({QPointF(), VIRLOAdInterstitialScreenshots::elementSize});
         element->setAccessibleName(name.arg(i + 1).arg(total));
         const auto image = virlo::View::make<virlo::ImageView>();
         image->setContentMode(virlo::ImageView::ContentMode::AspectFill);
