@@ -74,7 +74,7 @@ A development ad server on 127.0.0.1. Runs until SIGINT or SIGTERM.
   --state DIR            keep the certificate authority in DIR
                          (default $XDG_STATE_HOME/virlo-ad-server or ~/.local/state/virlo-ad-server)
   --log FILE             append one JSON line for each request to FILE
-  --faults FILE          set the faults of FILE, a JSON array of them
+  --faults FILE          set the faults of FILE: a JSON array, or an object with the array "faults"
   --ready-file FILE      write the base URL to FILE once connections are taken
   --help                 show this
 

@@ -53,7 +53,9 @@ void setFaults(adserver::AdServer& server, const std::filesystem::path& file)
     std::ifstream stream(file);
     if (!stream)
         throw std::runtime_error("cannot read the faults in " + file.string());
-    for (const nlohmann::json& fault : nlohmann::json::parse(stream))
+    const auto found = nlohmann::json::parse(stream);
+    for (const nlohmann::json& fault :
+         found.is_object() ? found.value("faults", nlohmann::json::array()) : found)
         server.setFault(adserver::AdServerFault::fromJSON(fault));
 }
 

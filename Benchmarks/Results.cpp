@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <fstream>
 
@@ -34,6 +35,12 @@ void Results::addLimit(std::string measure, double ours, std::string unit, doubl
 {
     const std::string reach = "at most " + shortNumber(limit) + " " + unit;
     m_results.push_back({std::move(measure), ours, 0, std::move(unit), reach, ours <= limit});
+}
+
+void Results::addMinimum(std::string measure, double ours, std::string unit, double limit)
+{
+    const std::string reach = "at least " + shortNumber(limit) + " " + unit;
+    m_results.push_back({std::move(measure), ours, 0, std::move(unit), reach, ours >= limit});
 }
 
 void Results::print() const
@@ -112,13 +119,18 @@ double percentile(std::vector<double> values, double share)
     return values[static_cast<std::size_t>(std::ceil(share * last))];
 }
 
+int roundsOf(int usual)
+{
+    return std::getenv("VIRLO_BENCH_ONCE") != nullptr ? 1 : usual;
+}
+
 Pair alternate(int rounds, const std::function<double()>& ours, const std::function<double()>& bare)
 {
     std::vector<double> oursValues;
     std::vector<double> bareValues;
     ours();
     bare();
-    for (int round = 0; round < rounds; ++round) {
+    for (int round = 0; round < roundsOf(rounds); ++round) {
         oursValues.push_back(ours());
         bareValues.push_back(bare());
     }

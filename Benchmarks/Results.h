@@ -23,6 +23,8 @@ public:
                   bool lessIsBetter);
     /// `limit` bounds `ours` itself from above.
     void addLimit(std::string measure, double ours, std::string unit, double limit);
+    /// `limit` bounds `ours` itself from below.
+    void addMinimum(std::string measure, double ours, std::string unit, double limit);
 
     void print() const;
     /// Adds what another run has written; false where there is nothing of the kind.
@@ -48,6 +50,11 @@ struct Pair {
     double bare;
 };
 
-/// Medians of `rounds` rounds that run the two in turn, after one of each that does not count.
+/// `usual`, or 1 where the environment has VIRLO_BENCH_ONCE: each benchmark then only shows that it still
+/// runs.
+[[nodiscard]] int roundsOf(int usual);
+
+/// Medians of `rounds` rounds (see `roundsOf`) that run the two in turn, after one of each that does not
+/// count.
 [[nodiscard]] Pair alternate(int rounds, const std::function<double()>& ours,
                              const std::function<double()>& bare);

@@ -1,5 +1,5 @@
-// bench-core idle|exchange|started URL AUTHORITY: a process that links the core; "idle" does nothing with it,
-// "exchange" has made one request with libcurl alone, "started" has a session. Says "ready" and waits to be
+// bench-core idle|request|started URL AUTHORITY: a process that links the core; "idle" does nothing with it,
+// "request" has made one request with libcurl alone, "started" has a session. Says "ready" and waits to be
 // measured.
 
 #include "Bundle.h"
@@ -26,7 +26,7 @@ std::size_t pass(char*, std::size_t size, std::size_t count, void*)
 }
 
 /// Keeps its connection, as the core does.
-bool exchangeBare(const char* url, const char* authority)
+bool requestBare(const char* url, const char* authority)
 {
     CURL* const handle = curl_easy_init();
     curl_easy_setopt(handle, CURLOPT_URL, url);
@@ -43,7 +43,7 @@ int main(int count, char** arguments)
         return 2;
     std::shared_ptr<VIRLOAdController> ads;
     const auto network = virlo::makeFixedNetworkFlags(virlo::NetworkFlagReachable);
-    if (std::strcmp(arguments[1], "exchange") == 0 && !exchangeBare(arguments[2], arguments[3]))
+    if (std::strcmp(arguments[1], "request") == 0 && !requestBare(arguments[2], arguments[3]))
         return 1;
     if (std::strcmp(arguments[1], "started") == 0) {
         virlo::NetworkFlagsSource::setShared(network.get());

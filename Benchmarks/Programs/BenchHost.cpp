@@ -1,7 +1,7 @@
 // bench-host AUTHORITY [WIDTHxHEIGHT]: a host with nothing in it but ads, for measuring from outside. Reads
-// commands from standard input: "show PLACEMENT" asks for an ad, presents it and answers "painted
+// commands from standard input: "show PLACEMENT" asks for an ad, presents it and says "painted
 // MILLISECONDS STALL", the time from the question to the first frame and the longest time that the main
-// thread was not free meanwhile; "close" presses Menu and answers "closed".
+// thread was not free meanwhile; "close" presses Menu and says "closed".
 
 #include <VIRLOAdFramework/Bundle.h>
 #include <VIRLOAdFramework/NetworkFlags.h>

@@ -57,6 +57,8 @@ int main(int count, char** arguments)
     for (int index = 1; index < count; ++index) {
         if (std::strcmp(arguments[index], "--output") == 0 && index + 1 < count)
             output = arguments[++index];
+        else if (std::strcmp(arguments[index], "--once") == 0)
+            setenv("VIRLO_BENCH_ONCE", "1", 1); // for the programs that it starts, too
         else
             wanted.emplace_back(arguments[index]);
     }

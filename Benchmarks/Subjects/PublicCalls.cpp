@@ -65,7 +65,7 @@ void benchPublicCalls(Results& results)
     std::filesystem::remove_all(folder);
     std::filesystem::create_directories(folder / "tracking");
     std::filesystem::create_directories(folder / "polls");
-    // What the server answers too late fails, a thousand times over.
+    // What the server responds to too late fails, a thousand times over.
     virlo::setSystemLogSink([](std::string_view) {});
     SlowDisk disk;
     virlo::FileSystem::setShared(&disk);
@@ -90,7 +90,7 @@ void benchPublicCalls(Results& results)
 
     std::vector<double> seconds;
     const auto call = [&](const std::function<void()>& work) { seconds.push_back(timed(work)); };
-    for (int round = 0; round < 400; ++round) {
+    for (int round = 0; round < roundsOf(400); ++round) {
         call([&] { ads->startWithAppIdentifier("bench"); });
         call([&] {
             ads->adViewControllerForPlacementWithCompletion("LevelUp", [](const auto&, const auto&) {});

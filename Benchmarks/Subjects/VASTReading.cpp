@@ -94,8 +94,10 @@ void measure(Results& results, const char* what, const VASTDocuments& documents)
                });
     };
     const Pair rate = alternate(rounds, ours, bare);
-    results.addRatio(std::string("VAST with all records, ") + what, rate.ours, rate.bare, "MB/s", 0.7, false);
-    results.addLimit(std::string("VAST with all records, ") + what, 1e3 / rate.ours, "ms/MB", 1e3 / 140);
+    results.addRatio(std::string("VAST with all records, ") + what, rate.ours, rate.bare, "MB/s", 0.55,
+                     false);
+    // Four times what a current JavaScript reader does on the same machine.
+    results.addMinimum(std::string("VAST with all records, ") + what, rate.ours, "MB/s", 80);
 }
 
 } // namespace

@@ -147,7 +147,7 @@ void benchVideoScreen(Results& results)
 
     std::vector<double> preloaded;
     std::vector<double> fromDocument;
-    for (int round = 0; round <= rounds; ++round) {
+    for (int round = 0; round <= roundsOf(rounds); ++round) {
         Video video = stage.preload();
         spin(std::chrono::milliseconds(700)); // the video loads meanwhile
         const double shown = timed([&] { stage.showFirstFrame(video); }) * 1e3;

@@ -3,7 +3,6 @@
 #include "Game.h"
 
 #include <VIRLOAdFramework/VIRLOAdPresenter.h>
-#include <VIRLOAdFramework/VIRLOConstans.h>
 
 #include <QQuickWindow>
 
@@ -17,7 +16,6 @@ void AdIntegration::start()
     const auto ads = VIRLOAdController::sharedAdController();
     ads->setDelegate(weak_from_this());
     ads->startWithAppIdentifier("ember-trail");
-    showAd(QString::fromUtf8(VIRLOAdFrameworkPlacementAppLaunch));
 }
 
 void AdIntegration::showAd(const QString& placement)

@@ -5,7 +5,7 @@
 #include <mutex>
 #include <string>
 
-/// Stands in for the box's app store: keeps the page it was sent to. Any thread.
+/// In place of the device's app store: keeps the address of the page that it was asked to open. Any thread.
 class AppPages : public virlo::URLOpener
 {
 public:

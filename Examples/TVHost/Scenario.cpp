@@ -7,155 +7,183 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QKeyEvent>
+#include <QMetaEnum>
+#include <QQuickItem>
+#include <QRegularExpression>
 #include <QTimer>
 
 #include <cstdio>
 
-Scenario::Scenario(QQuickWindow& window, Game& game, AdIntegration& ads, const AppPages& pages,
-                   QString folder)
-    : m_window(window)
-    , m_game(game)
-    , m_ads(ads)
-    , m_pages(pages)
-    , m_folder(std::move(folder))
+namespace
 {
-}
 
-bool Scenario::play()
-{
-    const int coins = m_game.coins();
-    return watchAdAndLeave() && followAdToAppPage() && watchVideoQueue(coins) && watchVideoForReward() &&
-           leaveAndReturn();
-}
+constexpr qint64 longestWait = 60'000; ///< ms; a busy machine gets there later, not never
+constexpr qint64 longestMotion = 1'000;
 
-bool Scenario::watchAdAndLeave()
-{
-    if (!await("the first ad", [this] { return m_ads.adIsShown(); }) || !takeImage("ad-counting"))
-        return false;
-    press(Qt::Key_Left);
-    press(Qt::Key_Down);
-    if (!takeImage("close-refused"))
-        return false;
-    pass(8000); // the count of 5, its last tick and the fade to the close symbol
-    press(Qt::Key_Left);
-    press(Qt::Key_Down);
-    if (!takeImage("close-focused"))
-        return false;
-    press(Qt::Key_Escape);
-    return await("the menu after Menu", [this] { return !m_ads.adIsShown(); }) && takeImage("menu-again");
-}
-
-bool Scenario::followAdToAppPage()
-{
-    press(Qt::Key_Right);
-    press(Qt::Key_Right);
-    press(Qt::Key_Return);
-    if (!await("the second ad", [this] { return m_ads.adIsShown(); }) || !takeImage("second-ad"))
-        return false;
-    press(Qt::Key_Return);
-    return await("the app page", [this] { return !m_pages.last().empty(); }) &&
-           await("the menu behind it", [this] { return !m_ads.adIsShown(); }) && takeImage("app-page");
-}
-
-bool Scenario::watchVideoQueue(int coinsBefore)
-{
-    if (!ask("VideoQueue"))
-        return false;
-    pass(1500);
-    press(Qt::Key_VolumeMute);
-    if (!takeImage("video-muted"))
-        return false;
-    press(Qt::Key_VolumeMute);
-    pass(9800); // the first video's end, and the second one's stall at the 240,000th byte
-    return takeImage("video-stalled") &&
-           await("the end of the videos", [this] { return !m_ads.adIsShown(); }) && awaitCoins(coinsBefore) &&
-           takeImage("reward");
-}
-
-bool Scenario::watchVideoForReward()
-{
-    const int before = m_game.coins();
-    if (!ask("Video"))
-        return false;
-    pass(3000);
-    return takeImage("video") && await("the end of the video", [this] { return !m_ads.adIsShown(); }) &&
-           watchVideoOverImage() && awaitCoins(before) && takeImage("video-reward");
-}
-
-bool Scenario::watchVideoOverImage()
-{
-    if (!ask("VideoOverImage"))
-        return false;
-    pass(2300); // to the middle of the second quarter
-    if (!takeImage("video-over-image"))
-        return false;
-    press(Qt::Key_Escape);
-    if (!takeImage("image-below-video"))
-        return false;
-    press(Qt::Key_Escape);
-    return await("the menu after the image", [this] { return !m_ads.adIsShown(); });
-}
-
-bool Scenario::leaveAndReturn()
-{
-    m_window.hide();
-    pass(800);
-    m_window.show();
-    m_window.requestActivate();
-    pass(800);
-    return takeImage("foreground");
-}
-
-void Scenario::press(Qt::Key key)
-{
-    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-        QKeyEvent event(type, key, Qt::NoModifier);
-        QCoreApplication::sendEvent(&m_window, &event);
-    }
-    pass(400);
-}
-
-void Scenario::pass(int milliseconds)
+void pass(int milliseconds)
 {
     QEventLoop loop;
     QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
     loop.exec();
 }
 
-bool Scenario::await(const char* what, const std::function<bool()>& condition, int seconds)
+QString text(const QJsonObject& object)
 {
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition()) {
-        if (timer.hasExpired(qint64{seconds} * 1000)) {
-            std::fprintf(stderr, "scenario: %s did not come\n", what);
-            return false;
-        }
-        pass(50);
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+}
+
+bool matches(const QString& expression, const QString& whole)
+{
+    return QRegularExpression(QRegularExpression::anchoredPattern(expression)).match(whole).hasMatch();
+}
+
+/// The visible item of that accessible name; the library's views have it as a property.
+const QQuickItem* visibleItem(const QQuickItem* item, const QString& name)
+{
+    if (!item->isVisible() || item->opacity() == 0)
+        return nullptr;
+    if (item->property("accessibleName").toString() == name)
+        return item;
+    for (const QQuickItem* child : item->childItems())
+        if (const QQuickItem* found = visibleItem(child, name))
+            return found;
+    return nullptr;
+}
+
+} // namespace
+
+Scenario::Scenario(QQuickWindow& window, Game& game, AdIntegration& ads, const AppPages& pages, Place place)
+    : m_window(window)
+    , m_game(game)
+    , m_ads(ads)
+    , m_pages(pages)
+    , m_place(std::move(place))
+    , m_coinsAtStart(game.coins())
+{
+}
+
+bool Scenario::play(const QString& file)
+{
+    QFile source(file);
+    const bool opened = source.open(QIODevice::ReadOnly);
+    const QJsonArray steps = QJsonDocument::fromJson(source.readAll()).object().value("steps").toArray();
+    if (!opened || steps.isEmpty()) {
+        std::fprintf(stderr, "scenario: no steps in %s\n", qPrintable(file));
+        return false;
     }
-    pass(600);
+    while (!m_window.isActive()) // keys sent before then go nowhere
+        pass(20);
+    for (const auto& step : steps) {
+        if (take(step.toObject()))
+            continue;
+        std::fprintf(stderr, "scenario: this step failed: %s\n", qPrintable(text(step.toObject())));
+        static_cast<void>(takeImage("failed"));
+        return false;
+    }
     return true;
 }
 
-bool Scenario::ask(const char* placement)
+bool Scenario::take(const QJsonObject& step)
 {
-    m_ads.showAd(placement);
-    return await(placement, [this] { return m_ads.adIsShown(); });
+    if (step.contains("ask")) {
+        m_ads.showAd(step["ask"].toString());
+        return true;
+    }
+    if (step.contains("await"))
+        return awaitCondition(step["await"].toObject(), step["pressing"].toArray());
+    if (step.contains("image"))
+        return takeImage(step["image"].toString());
+    if (step.contains("press")) {
+        press(step["press"].toArray());
+        return true;
+    }
+    if (step.contains("window")) {
+        const bool shows = step["window"].toString() == "show";
+        m_window.setVisible(shows);
+        if (shows)
+            m_window.requestActivate();
+        return true;
+    }
+    return false;
 }
 
-bool Scenario::awaitCoins(int before)
+bool Scenario::awaitCondition(const QJsonObject& condition, const QJsonArray& pressing)
 {
-    return await(
-        "the reward", [this, before] { return m_game.coins() > before; }, 35);
+    QElapsedTimer timer;
+    timer.start();
+    while (!holds(condition)) {
+        if (timer.hasExpired(longestWait))
+            return false;
+        press(pressing);
+        pass(50);
+    }
+    return true;
 }
 
-bool Scenario::takeImage(const char* step)
+bool Scenario::holds(const QJsonObject& condition) const
 {
+    if (condition.contains("ad"))
+        return m_ads.adIsShown() == condition["ad"].toBool();
+    if (condition.contains("focused")) {
+        const QQuickItem* item = visibleItem(m_window.contentItem(), condition["focused"].toString());
+        return item != nullptr && item->property("focused").toBool();
+    }
+    if (condition.contains("shown"))
+        return visibleItem(m_window.contentItem(), condition["shown"].toString()) != nullptr;
+    if (condition.contains("page"))
+        return matches(condition["page"].toString(), QUrl(QString::fromStdString(m_pages.last())).path());
+    if (condition.contains("coins"))
+        return m_game.coins() - m_coinsAtStart >= condition["coins"].toInt();
+    return requestCount(condition) >= condition["times"].toInt(1);
+}
+
+int Scenario::requestCount(const QJsonObject& condition) const
+{
+    int count = 0;
+    QFile log(m_place.log);
+    static_cast<void>(log.open(QIODevice::ReadOnly)); // no log, no request
+    while (!log.atEnd()) {
+        const QJsonObject line = QJsonDocument::fromJson(log.readLine()).object();
+        const QString request = line["method"].toString() + ' ' + line["path"].toString();
+        if (matches(condition["request"].toString(), request) &&
+            matches(condition["body"].toString(".*"), text(line["body"].toObject())))
+            ++count;
+    }
+    return count;
+}
+
+bool Scenario::takeImage(const QString& name)
+{
+    QElapsedTimer timer;
+    timer.start();
+    QImage image = m_window.grabWindow();
+    for (bool moves = true; moves && !timer.hasExpired(longestMotion);) {
+        pass(150);
+        QImage next = m_window.grabWindow();
+        moves = next != image;
+        image = std::move(next);
+    }
     const QString file =
-        QStringLiteral("%1/%2-%3.png").arg(m_folder).arg(++m_step, 2, 10, QLatin1Char('0')).arg(step);
-    if (m_window.grabWindow().save(file))
+        QStringLiteral("%1/%2-%3.png").arg(m_place.images).arg(++m_images, 2, 10, QLatin1Char('0')).arg(name);
+    if (image.save(file))
         return true;
     std::fprintf(stderr, "scenario: cannot write %s\n", qPrintable(file));
     return false;
+}
+
+void Scenario::press(const QJsonArray& keys)
+{
+    const QMetaEnum names = QMetaEnum::fromType<Qt::Key>();
+    for (const auto& name : keys) {
+        const int key = names.keyToValue(("Key_" + name.toString().toUtf8()).constData());
+        for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QKeyEvent event(type, key, Qt::NoModifier);
+            QCoreApplication::sendEvent(&m_window, &event);
+        }
+        pass(50); // what the key begins is under way before the next one
+    }
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QObject>
+#include <QJsonObject>
 #include <QQuickWindow>
 #include <QString>
 
@@ -10,38 +10,48 @@ class AdIntegration;
 class AppPages;
 class Game;
 
-/// A scripted run: plays the host with real key events as a viewer would, and leaves a image of each
-/// step. Main thread; runs the event loop while it waits.
+/// A scripted run of the host: real key events, images of the window, and waiting for what happens next. Read
+/// from a JSON file whose "steps" each have one of these keys:
+///
+///     {"ask": "Video"}                        an ad for that placement, as a moment of the game asks for it
+///     {"press": ["Right", "Return"]}          keys, by the names that follow "Qt::Key_"
+///     {"image": "counting"}                   NN-counting.png, once nothing moves or a second has passed
+///     {"window": "hide"}                      or "show"
+///     {"await": {"ad": true}}                 an ad is on the screen; false: the menu is back
+///     {"await": {"focused": "Close"}, "pressing": ["Left", "Down"]}   pressed again and again until then
+///     {"await": {"shown": "Loading"}}         a visible view of that accessible name
+///     {"await": {"page": "/store/.*"}}        the app page that was opened, as a regular expression
+///     {"await": {"coins": 50}}                so many more than at the start
+///     {"await": {"request": "POST /ad/imp/.*"}}   method and path in the ad server's log;
+///                                             also "body", and "times" for more than one
+///
+/// Main thread; runs the event loop while it waits.
 class Scenario
 {
 public:
-    /// `folder` must exist.
-    Scenario(QQuickWindow& window, Game& game, AdIntegration& ads, const AppPages& pages, QString folder);
+    struct Place {
+        QString images; ///< an existing folder
+        QString log;    ///< the ad server's request log
+    };
+
+    Scenario(QQuickWindow& window, Game& game, AdIntegration& ads, const AppPages& pages, Place place);
 
     /// True when every step came about in time; otherwise it says on standard error which did not.
-    [[nodiscard]] bool play();
+    [[nodiscard]] bool play(const QString& file);
 
 private:
-    [[nodiscard]] bool watchAdAndLeave();
-    [[nodiscard]] bool followAdToAppPage();
-    /// The reward of the second ad comes meanwhile.
-    [[nodiscard]] bool watchVideoQueue(int coinsBefore);
-    [[nodiscard]] bool watchVideoForReward();
-    [[nodiscard]] bool watchVideoOverImage();
-    [[nodiscard]] bool leaveAndReturn();
-
-    void press(Qt::Key key);
-    void pass(int milliseconds);
-    [[nodiscard]] bool await(const char* what, const std::function<bool()>& condition, int seconds = 15);
-    /// Asks for an ad at that moment of the game and waits until it stands.
-    [[nodiscard]] bool ask(const char* placement);
-    [[nodiscard]] bool awaitCoins(int before);
-    [[nodiscard]] bool takeImage(const char* step);
+    [[nodiscard]] bool take(const QJsonObject& step);
+    [[nodiscard]] bool awaitCondition(const QJsonObject& condition, const QJsonArray& pressing);
+    [[nodiscard]] bool holds(const QJsonObject& condition) const;
+    [[nodiscard]] int requestCount(const QJsonObject& condition) const;
+    [[nodiscard]] bool takeImage(const QString& name);
+    void press(const QJsonArray& keys);
 
     QQuickWindow& m_window;
     Game& m_game;
     AdIntegration& m_ads;
     const AppPages& m_pages;
-    QString m_folder;
-    int m_step = 0;
+    const Place m_place;
+    const int m_coinsAtStart;
+    int m_images = 0;
 };

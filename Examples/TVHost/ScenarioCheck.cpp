@@ -1,12 +1,13 @@
-// scenario-check EXPECTED REQUESTS: holds the ad server's log of a scripted run against what is due.
+// scenario-check EVERY SCENARIO LOG: compares the ad server's request log with what is due.
 //
-// EXPECTED is an array of {"what", "method", "path", "query"?, "session"?, "body"?, "status"?, "times"}:
-// path, query and body are regular expressions for the whole text; "session" tells whether the session header
-// is due; "times" is a count or [least, most]. Each request counts for the first entry that fits it; one
-// that fits none is unexpected. An entry {"what", "order"} is about order instead: of the requests that one
-// client's round of the same query made, each that fits one of its regular expressions for the path must not
-// come before one that fits an earlier expression. Prints a line for each entry and exits 0 only if all were
-// seen as often as due and nothing else was.
+// EVERY is an array of entries due in each scenario, SCENARIO an object with more of them in "requests"; one
+// of the same method, path and body takes the place of the former. An entry is {"what", "method", "path",
+// "query"?, "session"?, "body"?, "status"?, "times"}: path, query and body are regular expressions for the
+// whole text; "session" tells whether the session header is due; "times" is a count or [least, most]. Each
+// request counts for the first entry that fits it; one that fits none is unexpected. An entry {"what",
+// "order"} is about order instead: each request that fits one of its regular expressions for the path must
+// not come before one that fits an earlier expression. Prints a line for each entry and exits 0 only if all
+// were seen as often as due and nothing else was.
 
 #include <nlohmann/json.hpp>
 
@@ -15,7 +16,6 @@
 #include <cstdio>
 #include <exception>
 #include <fstream>
-#include <map>
 #include <regex>
 #include <string>
 #include <vector>
@@ -97,9 +97,8 @@ public:
             if (!std::regex_match(path, m_stages[stage]))
                 continue;
             m_seen = true;
-            std::size_t& reached = m_reached[text(request.value("query", json()))];
-            m_holds = m_holds && stage >= reached;
-            reached = std::max(reached, stage);
+            m_holds = m_holds && stage >= m_reached;
+            m_reached = std::max(m_reached, stage);
         }
     }
 
@@ -110,16 +109,35 @@ public:
 private:
     std::string m_what;
     std::vector<std::regex> m_stages;
-    std::map<std::string, std::size_t> m_reached;
+    std::size_t m_reached = 0;
     bool m_holds = true;
     bool m_seen = false;
 };
 
-bool check(const char* expectedPath, const char* logPath)
+/// The entries of the scenario, then those of every scenario that it does not replace.
+json entriesOf(const char* everyPath, const char* scenarioPath)
+{
+    json entries = json::parse(std::ifstream(scenarioPath)).at("requests");
+    const auto key = [](const json& entry) {
+        return text(entry.value("method", json())) + ' ' + text(entry.value("path", json())) + ' ' +
+               text(entry.value("body", json()));
+    };
+    const auto isReplaced = [&](const json& entry) {
+        return std::any_of(entries.begin(), entries.end(),
+                           [&](const json& own) { return key(own) == key(entry); });
+    };
+    json all = entries;
+    for (const json& entry : json::parse(std::ifstream(everyPath)))
+        if (!isReplaced(entry))
+            all.push_back(entry);
+    return all;
+}
+
+bool check(const json& entries, const char* logPath)
 {
     std::vector<Expected> due;
     std::vector<Order> orders;
-    for (const json& entry : json::parse(std::ifstream(expectedPath))) {
+    for (const json& entry : entries) {
         if (entry.contains("order"))
             orders.emplace_back(entry);
         else
@@ -159,13 +177,14 @@ bool check(const char* expectedPath, const char* logPath)
 
 int main(int count, char** arguments)
 {
-    if (count != 3) {
-        std::fprintf(stderr, "usage: scenario-check EXPECTED REQUESTS\n");
+    if (count != 4) {
+        std::fprintf(stderr, "usage: scenario-check EVERY SCENARIO LOG\n");
         return 2;
     }
     try {
-        const bool good = check(arguments[1], arguments[2]);
-        std::puts(good ? "every request was seen as often as due" : "the run is not as it should be");
+        const bool good = check(entriesOf(arguments[1], arguments[2]), arguments[3]);
+        std::puts(good ? "every request was seen as often as due"
+                       : "the requests are not those that are due");
         return good ? 0 : 1;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "scenario-check: %s\n", error.what());

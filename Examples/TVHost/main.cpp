@@ -6,6 +6,7 @@
 #include <VIRLOAdFramework/Bundle.h>
 #include <VIRLOAdFramework/NetworkFlags.h>
 #include <VIRLOAdFramework/URLSession.h>
+#include <VIRLOAdFramework/VIRLOConstans.h>
 
 #include <QCommandLineParser>
 #include <QGuiApplication>
@@ -21,14 +22,16 @@ int main(int count, char** arguments)
     options.setApplicationDescription("A small game menu that shows ads.");
     options.addHelpOption();
     options.addOption({"authority", "Trust the certificates of this authority too.", "PEM"});
-    options.addOption({"scenario", "Play a scripted run and leave its images in this folder.", "DIR"});
+    options.addOptions({{"scenario", "Play the steps of this file and quit.", "JSON"},
+                        {"images", "Leave the scenario's images in this folder.", "DIR", "."},
+                        {"log", "The ad server's request log, which the scenario waits for.", "FILE"}});
     options.process(application);
 
     virlo::Bundle::setMainBundle("com.example.ember-trail", "Ember Trail", "2.4");
     virlo::URLSessionConfiguration::setDefaultTrustedAuthoritiesFile(
         options.value("authority").toStdString());
     // The ad server of this demo is on the loopback, so the box counts as connected without any other route.
-    // The library may ask for them until the process is gone, so they are never destroyed.
+    // The library may ask for the flags until the process ends, so they are never destroyed.
     virlo::NetworkFlagsSource::setShared(virlo::makeFixedNetworkFlags(virlo::NetworkFlagReachable).release());
 
     Game game;
@@ -43,7 +46,8 @@ int main(int count, char** arguments)
     const auto ads = std::make_shared<AdIntegration>(window, game);
     ads->start();
     if (!options.isSet("scenario")) {
-        // The whole screen, also where no window manager stands that would see to it.
+        ads->showAd(VIRLOAdFrameworkPlacementAppLaunch);
+        // The whole screen, also without a window manager that would see to it.
         window.setGeometry(window.screen()->geometry());
         window.showFullScreen();
         window.requestActivate();
@@ -57,7 +61,8 @@ int main(int count, char** arguments)
     virlo::Application::setURLOpener(&pages);
     bool good = false;
     QTimer::singleShot(0, [&] {
-        good = Scenario(window, game, *ads, pages, options.value("scenario")).play();
+        Scenario scenario(window, game, *ads, pages, {options.value("images"), options.value("log")});
+        good = scenario.play(options.value("scenario"));
         QGuiApplication::quit();
     });
     QGuiApplication::exec();
