@@ -34,8 +34,8 @@ target_sources(virlo-core PRIVATE
   Utilities/VAST/Model/VIRLOVASTCreative.cpp
   Utilities/VAST/Model/VIRLOVASTImpression.cpp
   Utilities/VAST/Model/VIRLOVASTMediaFile.cpp
-  Utilities/VAST/Model/VIRLOVASTTrackingEvents.cpp
   Utilities/VAST/Model/VIRLOVASTWrapperAd.cpp
+  Utilities/VAST/VIRLOVASTDocumentLoader.cpp
   Utilities/VAST/VIRLOVASTDocumentReader.cpp
   Utilities/VAST/VIRLOVASTDocumentSession.cpp
   Utilities/VAST/VIRLOVASTDuration.cpp

@@ -14,19 +14,11 @@ namespace
 
 constexpr int rounds = 45;
 constexpr std::size_t bytesOfARound = std::size_t{8} << 20;
-// What VIRLOVASTXMLParser gathers of a document that arrives before it reads on: both readers are given
-// pieces of this size, and the rest as the document's end.
-constexpr std::size_t pieceSize = std::size_t{64} << 10;
 
 std::size_t recordsOf(const std::string& document)
 {
     VIRLOVASTDocumentReader reader;
-    std::string_view rest = document;
-    for (; rest.size() > pieceSize; rest.remove_prefix(pieceSize)) {
-        if (!reader.read(rest.substr(0, pieceSize)))
-            throw std::runtime_error("a document cannot be read");
-    }
-    if (!reader.finish(rest))
+    if (!reader.parse(document))
         throw std::runtime_error("a document cannot be read");
     std::size_t records = 0;
     for (const auto& ad : reader.advertisements()) {
@@ -52,15 +44,7 @@ std::size_t elementsOf(const std::string& document)
     XML_SetCharacterDataHandler(parser, [](void*, const char*, int) {});
     XML_SetCdataSectionHandler(
         parser, [](void*) {}, [](void*) {});
-    const auto parse = [parser](std::string_view piece, int isFinal) {
-        return XML_Parse(parser, piece.data(), static_cast<int>(piece.size()), isFinal);
-    };
-    std::string_view rest = document;
-    auto status = XML_STATUS_OK;
-    for (; status == XML_STATUS_OK && rest.size() > pieceSize; rest.remove_prefix(pieceSize))
-        status = parse(rest.substr(0, pieceSize), XML_FALSE);
-    if (status == XML_STATUS_OK)
-        status = parse(rest, XML_TRUE);
+    const auto status = XML_Parse(parser, document.data(), static_cast<int>(document.size()), XML_TRUE);
     XML_ParserFree(parser);
     if (status != XML_STATUS_OK)
         throw std::runtime_error("expat refuses a document");

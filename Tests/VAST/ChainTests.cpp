@@ -1,15 +1,19 @@
 #include "GlobalQueue.h"
 #include "NotificationCenter.h"
 #include "Settle.h"
+#include "TestClock.h"
+#include "URLSession.h"
 #include "VASTServer.h"
 #include "VASTText.h"
+#include "VIRLOConstans.h"
+#include "VIRLOVASTDocumentLoader.h"
 #include "VIRLOVASTWrapperAd.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <filesystem>
 
 namespace virlo::test
 {
@@ -37,14 +41,6 @@ TEST_F(ChainTest, EndsInTheInlineAdWithTheImpressionsOfAll)
     EXPECT_FALSE(report.error);
     EXPECT_EQ(report.ad().type(), "InLine");
     EXPECT_EQ(impressionsOf(report.ad()), "http://end/ http://w/1 http://w/2 http://w/3");
-}
-
-TEST_F(ChainTest, HasNoLimit)
-{
-    serveChain(300);
-    const Report report = parse(url("/300.xml"));
-    EXPECT_FALSE(report.error);
-    EXPECT_EQ(report.ad().impressions().size(), 301U);
 }
 
 TEST_F(ChainTest, KeepsTheWrapperBesideTheErrorOfItsTarget)
@@ -122,54 +118,136 @@ TEST_F(ChainTest, UsesTheMergersThatItIsGiven)
     EXPECT_EQ(asked("/next.xml"), 0U);
 }
 
-std::size_t threadCount()
+TEST_F(ChainTest, FollowsNoMoreWrappersThanTheLimit)
 {
-    std::size_t count = 0;
-    for ([[maybe_unused]] const auto& thread : std::filesystem::directory_iterator("/proc/self/task"))
-        ++count;
-    return count;
+    serveChain(3);
+    VIRLOVASTXMLParser::setWrapperLimit(2);
+    EXPECT_FALSE(parse(url("/2.xml")).error);
+    const Report report = parse(url("/3.xml"));
+    VIRLOVASTXMLParser::setWrapperLimit(std::nullopt);
+    EXPECT_EQ(report.domain(), VIRLOAdFrameworkBundleIdentifier);
+    EXPECT_EQ(report.code(), VIRLOVASTXMLParser::wrapperLimitReached);
+    EXPECT_EQ(report.ad().type(), "Wrapper");
+    EXPECT_EQ(asked("/0.xml"), 1U);
 }
 
-TEST_F(ChainTest, ThatNeverEndsHoldsUpNobodyAndEndsWithTheApp)
+TEST_F(ChainTest, CountsTheRecordsOfAllItsDocuments)
 {
-    serve("/loop.xml", vast(wrapperAd("w", url("/loop.xml"), impression("http://w/"))));
-    serve("/ad.xml", vast(inlineAd("ad", "")));
-    std::atomic<int> reports{0};
-    constexpr int chains = 30; // more than there are workers
-    for (int chain = 0; chain < chains; ++chain) {
-        const auto parser = VIRLOVASTXMLParser::initWithVASTURL(URL::fromString(url("/loop.xml")));
-        parser->setCompletionHandler([&reports](const auto& ads, const OptionalError& error) {
-            ++reports;
-            EXPECT_TRUE(ads && ads->size() == 1);
-            EXPECT_TRUE(error && error->domain == URLSession::errorDomain);
-        });
-        parser->parse();
-    }
-    ASSERT_TRUE(settle([this] { return asked("/loop.xml") >= 300; }));
+    std::string ads;
+    for (std::size_t ad = 0; ad <= VIRLOVASTDocumentReader::maximumRecords / 2; ++ad)
+        ads += "<Ad/>";
+    serve("/end.xml", vast(ads));
+    serve("/w.xml", vast(wrapperAd("w", url("/end.xml")) + ads));
+    EXPECT_FALSE(parse(url("/end.xml")).error);
+    EXPECT_EQ(parse(url("/w.xml")).code(), XMLReader::refused);
+}
 
-    std::atomic<bool> ran{false};
-    GlobalQueue::background().async([&ran] { ran = true; });
-    EXPECT_TRUE(settle([&ran] { return ran.load(); }));
-    std::atomic<bool> read{false};
-    const auto other = VIRLOVASTXMLParser::initWithVASTURL(URL::fromString(url("/ad.xml")));
-    other->setCompletionHandler([&read](const auto& ads, const auto&) { read = ads.has_value(); });
-    other->parse();
-    EXPECT_TRUE(settle([&read] { return read.load(); }));
+/// A document whose wrappers lead back to it.
+class LoopTest : public ChainTest
+{
+protected:
+    static constexpr std::size_t unpaced = VIRLOVASTDocumentLoader::firstPacedDocument - 1;
+
+    void serveLoop(int wrappers)
+    {
+        std::string ads;
+        for (int wrapper = 0; wrapper < wrappers; ++wrapper)
+            ads += wrapperAd("w", url("/loop.xml"), impression("http://w/"));
+        serve("/loop.xml", vast(ads));
+    }
+
+    std::shared_ptr<VIRLOVASTXMLParser> startLoop()
+    {
+        auto parser = VIRLOVASTXMLParser::initWithVASTURL(URL::fromString(url("/loop.xml")));
+        parser->setCompletionHandler([this](auto ads, const OptionalError& error) {
+            report = {std::move(ads), error};
+            ++reports;
+        });
+        return parser;
+    }
+
+    /// The next request waits for the clock.
+    [[nodiscard]] bool isPaused(std::size_t requests)
+    {
+        return settle(
+            [this, requests] { return asked("/loop.xml") == requests && clock.pendingCount() == 1; });
+    }
+
+    TestClock clock;
+    Report report;
+    std::atomic<int> reports{0};
+};
+
+TEST_F(LoopTest, IsPacedFromItsTwoHundredthDocumentOnAndHasNoEndOfItsOwn)
+{
+    serveLoop(1);
+    startLoop()->parse();
+    std::size_t requests = unpaced;
+    ASSERT_TRUE(isPaused(requests));
+    Seconds pause(0.01);
+    for (; requests < unpaced + 15; ++requests) {
+        clock.advance(0.99 * pause);
+        EXPECT_EQ(asked("/loop.xml"), requests);
+        clock.advance(0.02 * pause);
+        ASSERT_TRUE(isPaused(requests + 1)) << "after a pause of " << pause.count();
+        pause = std::min(2 * pause, Seconds(60));
+    }
     EXPECT_EQ(reports, 0);
-    // The server's own threads serve up to as many connections as the session opens.
-    EXPECT_LT(threadCount(), 40U);
+
+    serve("/loop.xml", vast(inlineAd("end", "")));
+    clock.advance(Seconds(60));
+    ASSERT_TRUE(settle([this] { return reports == 1; }));
+    EXPECT_FALSE(report.error);
+    EXPECT_EQ(report.ad().impressions().size(), requests);
+}
+
+TEST_F(LoopTest, SendsOneRequestAtATimeHoweverManyWrappersADocumentHas)
+{
+    serveLoop(3);
+    startLoop()->parse();
+    ASSERT_TRUE(isPaused(unpaced));
+    for (std::size_t more = 1; more <= 10; ++more) {
+        clock.advance(Seconds(60));
+        ASSERT_TRUE(isPaused(unpaced + more));
+    }
+}
+
+TEST_F(LoopTest, EndsWhenTheOwnerOfItsParserIsGone)
+{
+    serveLoop(2);
+    auto owner = std::make_shared<int>();
+    const auto parser = startLoop();
+    parser->setOwner(owner);
+    parser->parse();
+    ASSERT_TRUE(isPaused(unpaced));
+    owner.reset();
+    clock.advance(Seconds(60));
+    ASSERT_TRUE(settle([this] { return reports == 1; }));
+    EXPECT_EQ(report.code(), URLSession::cancelled);
+    EXPECT_EQ(asked("/loop.xml"), unpaced);
+    EXPECT_EQ(clock.pendingCount(), 0U);
+}
+
+TEST_F(LoopTest, HoldsUpNobodyAndEndsWithTheApp)
+{
+    serveLoop(1);
+    serve("/ad.xml", vast(inlineAd("ad", "")));
+    constexpr int loops = 30; // more than there are workers
+    for (int loop = 0; loop < loops; ++loop)
+        startLoop()->parse();
+    ASSERT_TRUE(settle([this] { return asked("/loop.xml") >= 300; }));
+    std::atomic<bool> isRead{false};
+    const auto other = VIRLOVASTXMLParser::initWithVASTURL(URL::fromString(url("/ad.xml")));
+    other->setCompletionHandler([&isRead](const auto& ads, const auto&) { isRead = ads.has_value(); });
+    other->parse();
+    EXPECT_TRUE(settle([&isRead] { return isRead.load(); }, Seconds(2)));
+    EXPECT_EQ(reports, 0);
 
     NotificationCenter::defaultCenter().post(ApplicationWillTerminateNotification);
-    EXPECT_TRUE(settle([&reports] { return reports == chains; }, Seconds(5)));
     EXPECT_TRUE(URLSession::drain(Seconds(5)));
-    settleAll();
-    // The server may still come upon what was sent before; then it hears nothing more.
-    EXPECT_TRUE(settle([this] {
-        const std::size_t before = asked("/loop.xml");
-        return !settle([this, before] { return asked("/loop.xml") > before; }, Seconds(0.2));
-    }));
-
-    EXPECT_FALSE(parse(url("/ad.xml")).error) << "whoever comes later is served";
+    clock.advance(VIRLOVASTDocumentLoader::longestPause);
+    EXPECT_TRUE(settle([this] { return reports == loops; }, Seconds(5)));
+    EXPECT_FALSE(parse(url("/ad.xml")).error) << "later tags use a new session";
 }
 
 } // namespace

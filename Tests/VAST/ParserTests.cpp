@@ -1,3 +1,4 @@
+#include "URLSession.h"
 #include "VASTServer.h"
 #include "VASTText.h"
 #include "VIRLOAdServerAPI.h"
@@ -74,32 +75,6 @@ TEST_F(ParserTest, ReportsNeitherAdsNorErrorWithoutAURL)
     const Report report = reportOf(VIRLOVASTXMLParser::initWithVASTURL(std::nullopt));
     EXPECT_FALSE(report.ads);
     EXPECT_FALSE(report.error);
-}
-
-TEST_F(ParserTest, ReadsWhileTheDocumentArrives)
-{
-    // The fault stands in the first 100 KB, the rest would take a minute.
-    serve("/slow.xml", "<VAST></Ad>" + std::string(1 << 20, ' ') + "</VAST>");
-    server.setFault({.path = "/slow.xml",
-                     .body = "<VAST></Ad>" + std::string(5 << 20, ' ') + "</VAST>",
-                     .bytesPerSecond = 200'000});
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(parse(url("/slow.xml")).code(), XMLReader::notWellFormed);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 8s);
-}
-
-TEST_F(ParserTest, ReadsALongDocumentWholeAndInOrder)
-{
-    std::string ads;
-    for (int number = 0; number < 3000; ++number)
-        ads += inlineAd(std::to_string(number), marked("AdTitle", std::string(1000, 'x')));
-    serve("/long.xml", vast(ads));
-    const Report report = parse(url("/long.xml"));
-    EXPECT_FALSE(report.error);
-    ASSERT_TRUE(report.ads);
-    ASSERT_EQ(report.ads->size(), 3000U);
-    for (std::size_t number = 0; number < report.ads->size(); ++number)
-        ASSERT_EQ((*report.ads)[number]->identifier(), std::to_string(number));
 }
 
 TEST_F(ParserTest, RefusesADocumentOfTooManyRecords)

@@ -31,7 +31,7 @@ protected:
         transport->session(VIRLOVASTTrackingManager::sessionConfiguration()));
 };
 
-TEST_F(TrackingTest, PingsImpressionsInOrderAndNothingThatIsNoURL)
+TEST_F(TrackingTest, PingsImpressionsInListOrderAndSkipsThoseWithoutAURL)
 {
     for (const char* path : {"/c", "/a", "/b"})
         transport->expect("GET", path, {.status = 204, .body = {}, .arrives = true, .finalURL = {}});
@@ -52,7 +52,7 @@ TEST_F(TrackingTest, PingsImpressionsInOrderAndNothingThatIsNoURL)
     EXPECT_EQ(asked, "/c/a/b");
 }
 
-TEST_F(TrackingTest, PingsTheAddressesOfAnEventAndOfNoOther)
+TEST_F(TrackingTest, PingsTheURLsOfAnEventAndOfNoOther)
 {
     VIRLOAdFrameworkLogger::setDebugLevel(4);
     const auto ads = recordsOf(vast(
@@ -75,7 +75,7 @@ TEST_F(TrackingTest, PingsTheAddressesOfAnEventAndOfNoOther)
     expectLog("Reporting Event start for Creative: <VIRLOVASTCreative id=d sequence=0>");
 }
 
-TEST_F(TrackingTest, NotesWhatWasNotDelivered)
+TEST_F(TrackingTest, LogsPingsThatWereNotDelivered)
 {
     struct Row {
         long status;
@@ -98,7 +98,7 @@ TEST_F(TrackingTest, NotesWhatWasNotDelivered)
         "Failed to report event at URL http://t/dead, status: 0, error: Error Domain=com.virlohq.error.url"));
 }
 
-TEST_F(TrackingTest, IsMadeInOnePlace)
+TEST_F(TrackingTest, IsASingleton)
 {
     EXPECT_EQ(VIRLOVASTTrackingManager::sharedManager(), VIRLOVASTTrackingManager::sharedManager());
     try {
@@ -117,7 +117,7 @@ class TrackingServerTest : public VASTServer
 {
 };
 
-TEST_F(TrackingServerTest, SendsItsPingsAndLetsThemFinishWhenItGoes)
+TEST_F(TrackingServerTest, FinishesItsPingsWhenItIsDestroyed)
 {
     using namespace std::chrono_literals;
     VIRLOAdFrameworkLogger::setDebugLevel(3);
@@ -127,12 +127,12 @@ TEST_F(TrackingServerTest, SendsItsPingsAndLetsThemFinishWhenItGoes)
     VIRLOVASTTrackingManager::initSingleton()->reportAtURL(*URL::fromString(url("/long")));
     ASSERT_TRUE(URLSession::drain(Seconds(10)));
     ASSERT_EQ(asked("/ping"), 1U);
-    // Nobody reads its answer to the end, so it is noted when the server has given up.
+    // Its response is cut off, so the server logs the request only when it gives up.
     EXPECT_TRUE(server.waitForRequests("GET", "/long", 1, 10s));
-    for (const auto& exchange : server.requests()) {
-        EXPECT_EQ(exchange.method, "GET");
-        EXPECT_EQ(exchange.headers.at("accept"), "application/json");
-        EXPECT_EQ(exchange.headers.at("content-type"), "application/json");
+    for (const auto& request : server.requests()) {
+        EXPECT_EQ(request.method, "GET");
+        EXPECT_EQ(request.headers.at("accept"), "application/json");
+        EXPECT_EQ(request.headers.at("content-type"), "application/json");
     }
     settleAll();
     VIRLOAdFrameworkLogger::setDebugLevel(2);

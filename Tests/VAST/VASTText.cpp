@@ -55,7 +55,7 @@ std::string vast(const std::string& ads)
 VIRLOVASTXMLParser::Advertisements recordsOf(const std::string& document)
 {
     VIRLOVASTDocumentReader reader;
-    EXPECT_TRUE(reader.read(document) && reader.finish()) << document;
+    EXPECT_TRUE(reader.parse(document)) << document;
     return reader.advertisements();
 }
 

@@ -237,11 +237,9 @@ TEST_F(Videos, AreTakenInTheScreensWidthElseWithTheMostPixels)
     const auto chosen = [](const std::vector<std::pair<int, int>>& sizes) {
         VIRLOVASTCreative::MediaFiles files;
         for (const auto& [width, height] : sizes) {
-            const std::string wide = std::to_string(width);
-            const std::string high = std::to_string(height);
-            const char* const attributes[] = {"width", wide.c_str(), "height", high.c_str(), nullptr};
             files.push_back(VIRLOVASTMediaFile::initWithURLAndProperties(
-                URL::fromString("https://a/" + std::to_string(files.size())), XMLAttributes(attributes)));
+                URL::fromString("https://a/" + std::to_string(files.size())),
+                {{"width", std::to_string(width)}, {"height", std::to_string(height)}}));
         }
         const auto file = VIRLOAdVideoViewController::bestMEdiaFileForCurrentViewFromCollection(files);
         return file ? file->url()->absoluteString().substr(10) : "none";

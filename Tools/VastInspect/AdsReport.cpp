@@ -5,10 +5,6 @@
 #include "VIRLOVASTMediaFile.h"
 #include "VIRLOVASTWrapperAd.h"
 
-#include <map>
-#include <set>
-#include <string_view>
-
 namespace AdsReport
 {
 
@@ -20,7 +16,7 @@ JSON text(const std::optional<std::string>& text)
     return text ? JSON(*text) : JSON();
 }
 
-JSON address(const std::optional<virlo::URL>& url)
+JSON urlText(const std::optional<virlo::URL>& url)
 {
     return url ? JSON(url->absoluteString()) : JSON();
 }
@@ -30,13 +26,10 @@ JSON trackingEvents(const std::optional<VIRLOVASTCreative::TrackingEvents>& even
     if (!events)
         return nullptr;
     JSON result = JSON::object();
-    std::map<std::string_view, std::set<std::string_view>> sorted;
     for (const auto& [event, urls] : *events) {
         for (const virlo::URL& url : urls)
-            sorted[event].insert(url.absoluteString());
+            result[event].push_back(url.absoluteString());
     }
-    for (const auto& [event, urls] : sorted)
-        result[std::string(event)] = urls;
     return result;
 }
 
@@ -46,7 +39,7 @@ JSON mediaFiles(const std::optional<VIRLOVASTCreative::MediaFiles>& files)
         return nullptr;
     JSON result = JSON::array();
     for (const auto& file : *files) {
-        result.push_back({{"url", address(file->url())},
+        result.push_back({{"url", urlText(file->url())},
                           {"type", text(file->type())},
                           {"delivery", text(file->delivery())},
                           {"width", file->width()},
@@ -66,11 +59,11 @@ JSON ad(const VIRLOVASTAd& ad)
                    {"systemName", text(ad.systemName())},
                    {"systemVersion", text(ad.systemVersion())}};
     if (wrapper != nullptr)
-        result["VASTAdTagURL"] = address(wrapper->VASTAdTagURL());
+        result["VASTAdTagURL"] = urlText(wrapper->VASTAdTagURL());
     JSON& impressions = result["impressions"] = JSON::array();
     for (const auto& impression : ad.impressions())
         impressions.push_back(
-            {{"identifier", text(impression->identifier())}, {"url", address(impression->url())}});
+            {{"identifier", text(impression->identifier())}, {"url", urlText(impression->url())}});
     JSON& creatives = result["creatives"] = JSON::array();
     for (const auto& creative : ad.creatives()) {
         creatives.push_back({{"identifier", text(creative->identifier())},

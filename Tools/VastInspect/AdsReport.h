@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-/// What a VAST document came to, as JSON with its keys in reading order. Absent values are null.
+/// The records of a VAST document as JSON, with the keys in reading order. Absent values are null.
 namespace AdsReport
 {
 

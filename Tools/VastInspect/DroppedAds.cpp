@@ -13,7 +13,7 @@ namespace DroppedAds
 namespace
 {
 
-bool leadsOn(const std::shared_ptr<VIRLOVASTAd>& ad)
+bool hasTarget(const std::shared_ptr<VIRLOVASTAd>& ad)
 {
     const auto* const wrapper = dynamic_cast<const VIRLOVASTWrapperAd*>(ad.get());
     return wrapper != nullptr && wrapper->VASTAdTagURL();
@@ -29,23 +29,24 @@ std::string pathOf(std::size_t index)
 std::vector<PassedOver::Note> notes(std::string_view document, bool isBehindWrapper)
 {
     VIRLOVASTDocumentReader reader;
-    if (!reader.finish(document) || reader.advertisements().empty())
+    if (!reader.parse(document) || reader.advertisements().empty())
         return {};
     const auto& ads = reader.advertisements();
     std::vector<PassedOver::Note> notes;
-    const auto wrapper = std::find_if(ads.begin() + 1, ads.end(), leadsOn);
+    const auto wrapper = std::find_if(ads.begin() + 1, ads.end(), hasTarget);
     if (wrapper != ads.end())
         notes.push_back(
-            {pathOf(0), "the ad behind a wrapper takes the first place of the wrapper's document: "
-                        "this one is dropped where the wrapper at " +
+            {pathOf(0), "the ad behind a wrapper always replaces the first ad of the wrapper's document: "
+                        "this one is dropped if the wrapper at " +
                             pathOf(static_cast<std::size_t>(wrapper - ads.begin())) +
-                            " or one after it is resolved"});
+                            " or a later one is resolved"});
     for (std::size_t index = 1; isBehindWrapper && index < ads.size(); ++index) {
         if (notes.size() >= PassedOver::maximumNotes)
             break;
-        if (!leadsOn(ads[index]))
-            notes.push_back({pathOf(index), "of a document behind a wrapper only the first ad is taken: this "
-                                            "one is dropped"});
+        if (!hasTarget(ads[index]))
+            notes.push_back({pathOf(index),
+                             "only the first ad of a document behind a wrapper is used: this one "
+                             "is dropped"});
     }
     return notes;
 }

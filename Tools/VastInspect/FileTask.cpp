@@ -2,7 +2,6 @@
 
 #include "GlobalQueue.h"
 
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -11,11 +10,9 @@
 
 using virlo::URLSession;
 
-FileTask::FileTask(std::string path, virlo::URL url, URLSession::Receiver receiver,
-                   URLSession::Completion completion)
+FileTask::FileTask(std::string path, virlo::URLRequest request, URLSession::Completion completion)
     : m_path(std::move(path))
-    , m_url(std::move(url))
-    , m_receiver(std::move(receiver))
+    , m_request(std::move(request))
     , m_completion(std::move(completion))
 {
 }
@@ -25,7 +22,7 @@ void FileTask::resume()
     virlo::GlobalQueue::background().async([self = shared_from_this()] { self->run(); });
 }
 
-void FileTask::run()
+void FileTask::run() const
 {
     struct Close {
         void operator()(std::FILE* file) const { std::fclose(file); }
@@ -33,24 +30,20 @@ void FileTask::run()
 
     const std::unique_ptr<std::FILE, Close> file(std::fopen(m_path.c_str(), "rbe"));
     if (!file)
-        return complete(error(URLSession::failed, std::strerror(errno)));
-    const virlo::HTTPURLResponse response{m_url, 200};
-    std::array<char, 65'536> bytes;
-    while (const std::size_t count = std::fread(bytes.data(), 1, bytes.size(), file.get())) {
-        if (m_cancelled || !m_receiver({bytes.data(), count}, response))
-            return complete(error(URLSession::cancelled, "Cancelled."));
-    }
+        return fail(URLSession::failed, std::strerror(errno));
+    std::string data(m_request.maximumBodySize + 1, '\0');
+    data.resize(std::fread(data.data(), 1, data.size(), file.get()));
     if (std::ferror(file.get()) != 0)
-        return complete(error(URLSession::failed, std::strerror(errno)));
-    complete(std::nullopt);
+        return fail(URLSession::failed, std::strerror(errno));
+    if (data.size() > m_request.maximumBodySize)
+        return fail(URLSession::bodyTooLong, "The document is too long.");
+    m_completion(std::move(data), virlo::HTTPURLResponse{m_request.url, 200}, std::nullopt);
 }
 
-void FileTask::complete(const virlo::OptionalError& error)
+void FileTask::fail(URLSession::ErrorCode code, const char* reason) const
 {
-    m_completion({}, error ? std::nullopt : std::optional(virlo::HTTPURLResponse{m_url, 200}), error);
-}
-
-virlo::Error FileTask::error(URLSession::ErrorCode code, const char* reason) const
-{
-    return {URLSession::errorDomain, code, {{"Reason", reason}, {"URL", m_url.absoluteString()}}};
+    m_completion({}, std::nullopt,
+                 virlo::Error{URLSession::errorDomain,
+                              code,
+                              {{"Reason", reason}, {"URL", m_request.url.absoluteString()}}});
 }

@@ -1,19 +1,21 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
 
-/// What the command line asks for.
+/// The parsed command line.
 struct InspectOptions {
     std::string source;
     bool merges = true;
     bool times = false;
     bool explains = false;
+    std::size_t limit = 200; ///< documents
     bool helps = false;
 
     static const char* const usage;
 
-    /// Nothing where the command line is wrong.
+    /// Empty where the command line is wrong.
     [[nodiscard]] static std::optional<InspectOptions> parse(const std::vector<std::string>& arguments);
 };

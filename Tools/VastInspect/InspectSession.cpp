@@ -7,17 +7,32 @@
 
 using virlo::URLSession;
 
-InspectSession::InspectSession(virlo::URL source, std::string file, bool keepsDocuments)
+namespace
+{
+/// Stands for the request after the last one: the inspection has ended, so it does not complete.
+class NoTask : public virlo::URLSessionTask
+{
+public:
+    void resume() override {}
+
+    void cancel() override {}
+};
+} // namespace
+
+InspectSession::InspectSession(virlo::URL source, std::string file, const InspectOptions& options,
+                               std::function<void()> limitReached)
     : m_source(std::move(source))
     , m_file(std::move(file))
-    , m_keepsDocuments(keepsDocuments)
+    , m_limit(options.limit)
+    , m_keepsTexts(options.explains)
+    , m_limitReached(std::move(limitReached))
 {
 }
 
-std::vector<InspectSession::Hop> InspectSession::hops() const
+std::vector<InspectSession::Document> InspectSession::documents() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_hops;
+    return m_documents;
 }
 
 std::shared_ptr<URLSession> InspectSession::network()
@@ -32,34 +47,35 @@ std::shared_ptr<URLSession> InspectSession::network()
 std::shared_ptr<virlo::URLSessionTask> InspectSession::dataTask(virlo::URLRequest request,
                                                                 Completion completion)
 {
-    return network()->dataTask(std::move(request), std::move(completion));
+    using Clock = std::chrono::steady_clock;
+    bool isOverLimit = false;
+    {
+        const std::lock_guard lock(m_mutex);
+        isOverLimit = ++m_requestCount > m_limit;
+    }
+    if (isOverLimit) {
+        m_limitReached();
+        return std::make_shared<NoTask>();
+    }
+    Completion recording = [self = std::static_pointer_cast<InspectSession>(shared_from_this()),
+                            url = request.url, start = Clock::now(), completion = std::move(completion)](
+                               std::string data, const auto& response, const virlo::OptionalError& error) {
+        const std::chrono::duration<double, std::milli> duration = Clock::now() - start;
+        {
+            const std::lock_guard lock(self->m_mutex);
+            self->m_documents.push_back({url, self->m_keepsTexts ? data : "", duration.count()});
+        }
+        completion(std::move(data), response, error);
+    };
+    if (!m_file.empty() && request.url == m_source)
+        return std::make_shared<FileTask>(m_file, std::move(request), std::move(recording));
+    return network()->dataTask(std::move(request), std::move(recording));
 }
 
 std::shared_ptr<virlo::URLSessionTask> InspectSession::streamTask(virlo::URLRequest request,
                                                                   Receiver receiver, Completion completion)
 {
-    using Clock = std::chrono::steady_clock;
-    const auto hop = std::make_shared<Hop>(Hop{request.url, {}, 0});
-    Receiver keeping = [hop, keeps = m_keepsDocuments, receiver = std::move(receiver)](std::string_view piece,
-                                                                                       const auto& response) {
-        if (keeps)
-            hop->document += piece;
-        return receiver(piece, response);
-    };
-    Completion timing = [self = std::static_pointer_cast<InspectSession>(shared_from_this()), hop,
-                         start = Clock::now(), completion = std::move(completion)](
-                            std::string data, const std::optional<virlo::HTTPURLResponse>& response,
-                            const virlo::OptionalError& error) {
-        hop->milliseconds = std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-        {
-            const std::lock_guard lock(self->m_mutex);
-            self->m_hops.push_back(std::move(*hop));
-        }
-        completion(std::move(data), response, error);
-    };
-    if (!m_file.empty() && request.url == m_source)
-        return std::make_shared<FileTask>(m_file, m_source, std::move(keeping), std::move(timing));
-    return network()->streamTask(std::move(request), std::move(keeping), std::move(timing));
+    return network()->streamTask(std::move(request), std::move(receiver), std::move(completion));
 }
 
 void InspectSession::finishTasksAndInvalidate()

@@ -1,31 +1,35 @@
 #pragma once
 
+#include "InspectOptions.h"
 #include "URLSession.h"
 
+#include <cstddef>
+#include <functional>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <vector>
 
-/// The exchanges of one inspection: the document asked for comes from the disk where it is a file, everything
-/// else from the network, which is not touched before it is needed. No other file is ever read, whatever a
-/// document names. Any thread.
+/// Loads the documents of one inspection: the first from the disk if it is a file, all others from the
+/// network, which is not touched before that. No other file is ever read, whatever a document names. Any
+/// thread.
 class InspectSession : public virlo::URLSession
 {
 public:
-    /// One document that was asked for.
-    struct Hop {
+    /// One document that was requested.
+    struct Document {
         virlo::URL url;
-        std::string document;    ///< kept where documents are
+        std::string text;        ///< kept for `--explain` only
         double milliseconds = 0; ///< from the request to the last byte
     };
 
-    /// `file` is the path of the document that `source` names; empty where that is on the network.
-    InspectSession(virlo::URL source, std::string file, bool keepsDocuments);
+    /// `file` is the path of the document at `source`; empty if that is on the network. The request that
+    /// exceeds the limit never completes and calls `limitReached` instead.
+    InspectSession(virlo::URL source, std::string file, const InspectOptions& options,
+                   std::function<void()> limitReached);
 
     /// In the order in which they ended.
-    [[nodiscard]] std::vector<Hop> hops() const;
+    [[nodiscard]] std::vector<Document> documents() const;
 
     [[nodiscard]] std::shared_ptr<virlo::URLSessionTask> dataTask(virlo::URLRequest request,
                                                                   Completion completion) override;
@@ -39,8 +43,11 @@ private:
 
     const virlo::URL m_source;
     const std::string m_file;
-    const bool m_keepsDocuments;
-    mutable std::mutex m_mutex;
+    const std::size_t m_limit;
+    const bool m_keepsTexts;
+    const std::function<void()> m_limitReached;
+    mutable std::mutex m_mutex; ///< guards what follows
     std::shared_ptr<virlo::URLSession> m_network;
-    std::vector<Hop> m_hops;
+    std::size_t m_requestCount = 0;
+    std::vector<Document> m_documents;
 };

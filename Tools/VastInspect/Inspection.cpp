@@ -4,9 +4,10 @@
 #include "InspectSession.h"
 #include "PassedOver.h"
 
+#include <condition_variable>
 #include <filesystem>
-#include <future>
 #include <memory>
+#include <mutex>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -31,12 +32,42 @@ Source sourceOf(const std::string& text)
     return {virlo::URL::fromString("file://")->appendingPathComponent(error ? text : path), text};
 }
 
-struct Result {
-    std::optional<VIRLOVASTXMLParser::Advertisements> ads;
-    virlo::OptionalError error;
+/// The first outcome: the parser's, or that of the limit.
+class Result
+{
+public:
+    using Ads = std::optional<VIRLOVASTXMLParser::Advertisements>;
+
+    void set(Ads ads, virlo::OptionalError error)
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!m_value)
+            m_value.emplace(std::move(ads), std::move(error));
+        m_changed.notify_one();
+    }
+
+    std::pair<Ads, virlo::OptionalError> wait()
+    {
+        std::unique_lock lock(m_mutex);
+        m_changed.wait(lock, [this] { return m_value.has_value(); });
+        return *m_value;
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::optional<std::pair<Ads, virlo::OptionalError>> m_value;
 };
 
-AdsReport::JSON list(const std::vector<PassedOver::Note>& notes)
+virlo::Error limitError(std::size_t limit)
+{
+    return {"com.virlohq.vast-inspect",
+            1,
+            {{"Reason", "Stopped after " + std::to_string(limit) +
+                            " documents: the wrappers may lead back to themselves. --limit N allows more."}}};
+}
+
+AdsReport::JSON notesToJSON(const std::vector<PassedOver::Note>& notes)
 {
     AdsReport::JSON list = AdsReport::JSON::array();
     for (const auto& note : notes)
@@ -49,34 +80,33 @@ AdsReport::JSON list(const std::vector<PassedOver::Note>& notes)
 Outcome run(const InspectOptions& options)
 {
     const Source source = sourceOf(options.source);
+    const auto result = std::make_shared<Result>();
     const auto session = std::make_shared<InspectSession>(
-        source.url.value_or(*virlo::URL::fromString("none:")), source.file, options.explains);
+        source.url.value_or(*virlo::URL::fromString("none:")), source.file, options,
+        [result, limit = options.limit] { result->set(std::nullopt, limitError(limit)); });
     const auto parser = VIRLOVASTXMLParser::initWithVASTURLSession(source.url, session);
     if (!options.merges)
         parser->setMergerClass([](const auto&) { return nullptr; });
-    const auto promise = std::make_shared<std::promise<Result>>();
-    parser->setCompletionHandler([promise](auto ads, const virlo::OptionalError& error) {
-        promise->set_value({std::move(ads), error});
-    });
+    parser->setCompletionHandler(
+        [result](auto ads, const virlo::OptionalError& error) { result->set(std::move(ads), error); });
     parser->parse();
-    const Result result = promise->get_future().get();
+    const auto [ads, error] = result->wait();
 
     Outcome outcome;
-    outcome.hasError = result.error.has_value() || !result.ads;
-    outcome.report = {{"source", options.source},
-                      {"error", AdsReport::error(result.error)},
-                      {"ads", AdsReport::ads(result.ads)}};
+    outcome.hasError = error || !ads;
+    outcome.report = {
+        {"source", options.source}, {"error", AdsReport::error(error)}, {"ads", AdsReport::ads(ads)}};
     if (!options.times && !options.explains)
         return outcome;
     auto& documents = outcome.report["documents"] = AdsReport::JSON::array();
-    for (const InspectSession::Hop& hop : session->hops()) {
-        AdsReport::JSON document = {{"url", hop.url.absoluteString()}};
+    for (const InspectSession::Document& loaded : session->documents()) {
+        AdsReport::JSON document = {{"url", loaded.url.absoluteString()}};
         if (options.times)
-            document["milliseconds"] = hop.milliseconds;
+            document["milliseconds"] = loaded.milliseconds;
         if (options.explains)
-            document["passedOver"] = list(PassedOver().notes(hop.document));
+            document["passedOver"] = notesToJSON(PassedOver().notes(loaded.text));
         if (options.explains && options.merges)
-            document["dropped"] = list(DroppedAds::notes(hop.document, hop.url != source.url));
+            document["dropped"] = notesToJSON(DroppedAds::notes(loaded.text, loaded.url != source.url));
         documents.push_back(std::move(document));
     }
     return outcome;

@@ -3,7 +3,7 @@
 #include "AdsReport.h"
 #include "InspectOptions.h"
 
-/// One run of the tool. Waits for the document and all behind it.
+/// One run of the tool. Returns when the document and all those behind its wrappers are read.
 namespace Inspection
 {
 

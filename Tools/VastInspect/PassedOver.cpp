@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
+#include <span>
 #include <utility>
 
 namespace
@@ -25,6 +27,31 @@ bool isSameButForCase(std::string_view one, std::string_view other)
     });
 }
 
+/// The attributes of an element that are read.
+std::span<const std::string_view> knownAttributes(Node node)
+{
+    static constexpr std::string_view identified[] = {"id"};
+    static constexpr std::string_view creative[] = {"AdID", "sequence"};
+    static constexpr std::string_view system[] = {"version"};
+    static constexpr std::string_view tracking[] = {"event"};
+    static constexpr std::string_view mediaFile[] = {"type", "delivery", "width", "height"};
+    switch (node) {
+    case Node::Ad:
+    case Node::Impression:
+        return identified;
+    case Node::Creative:
+        return creative;
+    case Node::AdSystem:
+        return system;
+    case Node::Tracking:
+        return tracking;
+    case Node::MediaFile:
+        return mediaFile;
+    default:
+        return {};
+    }
+}
+
 bool isNumber(const std::string& attribute)
 {
     return attribute == "sequence" || attribute == "width" || attribute == "height";
@@ -41,11 +68,11 @@ PassedOver::PassedOver() : m_reader(*this) {}
 
 std::vector<PassedOver::Note> PassedOver::notes(std::string_view document)
 {
-    m_reader.finish(document);
+    static_cast<void>(m_reader.parse(document));
     return std::move(m_notes);
 }
 
-void PassedOver::didStartElement(std::string_view name, const virlo::XMLAttributes& attributes)
+void PassedOver::didStartElement(std::string_view name, virlo::XMLAttributes attributes)
 {
     const bool wasKnown = m_path.current() != Node::Other;
     const Node node = m_path.start(name);
@@ -66,8 +93,8 @@ void PassedOver::didStartElement(std::string_view name, const virlo::XMLAttribut
 void PassedOver::didEndElement()
 {
     if (m_path.current() == Node::Creative && m_path.isInWrapper() && !m_hasDuration)
-        note("a wrapper's creative without a Duration makes the length 0 of the creative that it is merged "
-             "with");
+        note("a wrapper's creative without a Duration sets the duration of the creative that it is merged "
+             "into to 0");
     m_path.end();
     if (m_depthBelowNames > 0)
         --m_depthBelowNames;
@@ -75,18 +102,15 @@ void PassedOver::didEndElement()
         m_names.pop_back();
 }
 
-bool PassedOver::wantsText() const
-{
-    return VIRLOVASTPath::takesCDATA(m_path.current()) || VIRLOVASTPath::takesCharacters(m_path.current());
-}
-
 void PassedOver::foundCDATA(std::string_view block)
 {
     const Node node = m_path.current();
     if (VIRLOVASTPath::takesCharacters(node))
-        note("the text stands in a CDATA section; here it is read from plain text only");
-    else if (node != Node::AdTitle && !virlo::URL::fromString(block))
-        note("the text makes no URL: it is empty, or holds white space or control characters");
+        return note("the text is in a CDATA section; here only plain text is read");
+    if (!VIRLOVASTPath::takesCDATA(node))
+        return;
+    if (node != Node::AdTitle && !virlo::URL::fromString(block))
+        note("the text is not a URL: it is empty, or contains white space or control characters");
     else if (node == Node::Tracking && !m_hasEvent)
         note("the element has no attribute 'event'");
 }
@@ -95,7 +119,7 @@ void PassedOver::foundCharacters(std::string_view text)
 {
     const Node node = m_path.current();
     if (VIRLOVASTPath::takesCDATA(node) && !isBlank(text))
-        note("the text stands as plain text; here it is read from a CDATA section only");
+        note("the text is plain text; here only a CDATA section is read");
     else if (node == Node::Duration)
         noteDuration(text);
 }
@@ -107,36 +131,34 @@ void PassedOver::noteUnknown(std::string_view name)
             return note("names are compared exactly: this is spelled '" + std::string(known) + "'");
     }
     const bool isMisplaced = std::find(elementNames.begin(), elementNames.end(), name) != elementNames.end();
-    note(isMisplaced ? "this element is not read at this place" : "this element is not read");
+    note(isMisplaced ? "this element is not read at this position" : "this element is not read");
 }
 
 void PassedOver::noteAttributes(Node node, const virlo::XMLAttributes& attributes)
 {
-    const auto expected = VIRLOVASTPath::attributes(node);
-    for (const char* const* pair = attributes.pairs(); *pair != nullptr; pair += 2) {
-        const std::string name = pair[0];
-        for (const char* const known : expected) {
+    for (const auto& [name, value] : attributes) {
+        for (const std::string_view known : knownAttributes(node)) {
             if (name != known && isSameButForCase(name, known))
                 note("names are compared exactly: this is spelled '" + std::string(known) + "'", name);
             else if (name == known && isNumber(name) &&
-                     std::string_view("0123456789").find(*pair[1]) == std::string_view::npos)
-                note("the value is no number and counts 0", name);
+                     (value.empty() || std::isdigit(static_cast<unsigned char>(value[0])) == 0))
+                note("the value is not a number and counts as 0", name);
         }
     }
-    if (node == Node::Creative && !attributes.value("AdID") && attributes.value("id"))
+    if (node == Node::Creative && !virlo::valueOf(attributes, "AdID") && virlo::valueOf(attributes, "id"))
         note("a creative's identifier is read from 'AdID' only", "id");
     if (node == Node::Tracking)
-        m_hasEvent = attributes.value("event").has_value();
+        m_hasEvent = virlo::valueOf(attributes, "event").has_value();
 }
 
 void PassedOver::noteDuration(std::string_view text)
 {
     const auto colons = std::count(text.begin(), text.end(), ':');
     if (colons < 2)
-        note("the length is read as hours, minutes and seconds from the left: this one lacks parts at its "
-             "end");
+        note("the duration is read from the left as hours, minutes and seconds: the last parts are "
+             "missing");
     else if (colons > 2)
-        note("of the length only hours, minutes and seconds are read");
+        note("only hours, minutes and seconds of the duration are read");
     if (text.find('.') != std::string_view::npos)
         note("fractions of seconds are dropped");
 }

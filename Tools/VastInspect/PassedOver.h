@@ -8,8 +8,7 @@
 #include <string_view>
 #include <vector>
 
-/// Finds out what a reader of VAST documents passes over in one of them, and why: for whoever asks why a tag
-/// shows nothing. Used once.
+/// Finds out what the library ignores in a VAST document, and why. For one document.
 class PassedOver : private virlo::XMLReaderDelegate
 {
 public:
@@ -18,20 +17,19 @@ public:
         std::string reason;
     };
 
-    /// Whatever is wrong with a document, so many notes say enough.
+    /// Further notes are dropped.
     static constexpr std::size_t maximumNotes = 200;
 
     PassedOver();
 
-    /// As far as the document can be read.
+    /// Up to the first error of a document that is not well formed.
     [[nodiscard]] std::vector<Note> notes(std::string_view document);
 
 private:
     using Node = VIRLOVASTPath::Node;
 
-    void didStartElement(std::string_view name, const virlo::XMLAttributes& attributes) override;
+    void didStartElement(std::string_view name, virlo::XMLAttributes attributes) override;
     void didEndElement() override;
-    [[nodiscard]] bool wantsText() const override;
     void foundCDATA(std::string_view block) override;
     void foundCharacters(std::string_view text) override;
 
@@ -42,7 +40,7 @@ private:
 
     virlo::XMLReader m_reader;
     VIRLOVASTPath m_path;
-    std::vector<std::string> m_names; ///< of the elements of meaning, and of the first one without
+    std::vector<std::string> m_names; ///< of the known elements of the path, and of the first unknown one
     std::size_t m_depthBelowNames = 0;
     bool m_hasEvent = false;
     bool m_hasDuration = false;

@@ -14,9 +14,12 @@ int main(int count, char** arguments)
     if (options->helps)
         return std::fputs(InspectOptions::usage, stdout) < 0 ? 1 : 0;
     const auto outcome = Inspection::run(*options);
-    // Ads may hold text that is no UTF-8 only where the tool's own arguments do.
+    // Only the command line may bring in text that is not UTF-8.
     const std::string text =
         outcome.report.dump(2, ' ', false, AdsReport::JSON::error_handler_t::replace) + '\n';
+    const AdsReport::JSON::json_pointer reason("/error/userInfo/Reason");
+    if (outcome.report.contains(reason))
+        std::fprintf(stderr, "vast-inspect: %s\n", outcome.report[reason].get<std::string>().c_str());
     const bool written = std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
     return outcome.hasError || !written ? 1 : 0;
 }

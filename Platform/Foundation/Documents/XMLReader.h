@@ -8,20 +8,21 @@
 #include <string>
 #include <string_view>
 
+struct XML_ParserStruct;
+
 namespace virlo
 {
 
-/// Reads one XML document event by event, from bytes as they arrive. Namespaces are not processed. UTF-8,
-/// UTF-16 with and without a mark, ISO-8859-1 and US-ASCII are read, and the other single-byte encodings of
-/// the Windows, ISO-8859 and KOI8 families where the system knows them. Nothing outside the document is ever
-/// fetched, and attributes that only a document type gives a value are left out.
+/// Reads one XML document and reports it event by event. Namespaces are not processed. Encodings: UTF-8 and
+/// UTF-16 with and without a byte order mark, US-ASCII, and the single-byte encodings of the ISO-8859,
+/// Windows and KOI8 families. Nothing outside the document is ever fetched, and default values that a
+/// document type declares for attributes are ignored.
 ///
-/// Safe on hostile documents: time is linear in the document's size, whatever the sizes of the pieces it
-/// comes in, and memory is bounded by the limits below beside some hundred bytes for each level of nesting.
-/// What passes a limit ends in an error like any fault of form.
+/// Safe on hostile documents: time is linear in the document's size, and memory is a small multiple of it. A
+/// document that exceeds a limit ends in an error, as one that is not well formed does.
 ///
-/// Errors carry `errorDomain`, a code of `ErrorCode` and in userInfo "Reason", "Line" and "Column" (both from
-/// 1 on). One thread at a time; the delegate must outlive the reader.
+/// Errors carry `errorDomain`, an `ErrorCode` and in userInfo "Reason", "Line" and "Column" (both counted
+/// from 1). One thread at a time; the delegate must outlive the reader.
 class XMLReader
 {
 public:
@@ -29,15 +30,13 @@ public:
 
     enum ErrorCode {
         notWellFormed = 1,
-        /// A wanted text of more than `maximumPiece` bytes, or markup: a tag or a comment is seen to be too
-        /// long at twice that length at the latest.
-        pieceTooLong = 2,
+        documentTooLong = 2,     ///< more than `maximumDocumentSize` bytes
         tooManyDeclarations = 3, ///< more than `maximumDeclarations` of entities and attributes
-        expandsTooMuch = 4,      ///< entities would make the document more than twice as long, and past 1 MiB
-        refused = 5              ///< by the delegate's owner: see `fail`
+        expandsTooMuch = 4,      ///< entities make the document more than twice as long, and over 1 MiB
+        refused = 5              ///< by the delegate: see `fail`
     };
 
-    static constexpr std::size_t maximumPiece = std::size_t{4} << 20;
+    static constexpr std::size_t maximumDocumentSize = std::size_t{8} << 20;
     static constexpr int maximumDeclarations = 64;
 
     explicit XMLReader(XMLReaderDelegate& delegate);
@@ -45,41 +44,27 @@ public:
     XMLReader(const XMLReader&) = delete;
     XMLReader& operator=(const XMLReader&) = delete;
 
-    /// The document's next bytes. False once there is an error; what comes after it is passed over.
-    bool read(std::string_view bytes);
-    /// The document has ended, with these bytes as its last: reading them here costs less than in a `read`
-    /// before. False where it is not whole and well formed.
-    bool finish(std::string_view lastBytes = {});
-    /// Ends the reading with an error, from inside a call to the delegate too.
+    /// Reads the whole document; false where that ends in an error. Once per reader.
+    [[nodiscard]] bool parse(std::string_view document);
+    /// Ends the reading with an error; called by the delegate. No event follows.
     void fail(ErrorCode code, const std::string& reason);
 
     [[nodiscard]] const OptionalError& error() const noexcept { return m_error; }
 
 private:
-    struct Callbacks; // what expat calls
+    struct Callbacks; // called by expat
 
     struct ParserDeleter {
-        void operator()(void* parser) const;
+        void operator()(XML_ParserStruct* parser) const;
     };
-    enum class Text { None, Characters, Block };
 
-    bool feed(std::string_view bytes, bool isFinal);
     void endCharacters();
-    void listen();
-    void takeText(std::string_view text);
     void countDeclaration();
 
     XMLReaderDelegate& m_delegate;
-    std::unique_ptr<void, ParserDeleter> m_parser;
+    std::unique_ptr<XML_ParserStruct, ParserDeleter> m_parser;
     OptionalError m_error;
-
-    std::string m_held; ///< arrived, but too little to make a long token whole
-    std::size_t m_fed = 0;
-    std::size_t m_unfinishedToken = 0;
-
-    std::string m_text;
-    Text m_taken = Text::None;
-    bool m_isTextWanted = false;
+    std::string m_text; ///< of the current run or CDATA section, which expat reports line by line
     int m_declarations = 0;
 };
 

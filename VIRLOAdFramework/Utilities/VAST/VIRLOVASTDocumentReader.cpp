@@ -7,22 +7,15 @@
 #include "VIRLOVASTWrapperAd.h"
 
 #include <string>
+#include <utility>
 
 using virlo::URL;
-
-namespace
-{
-bool takesText(VIRLOVASTPath::Node node)
-{
-    return VIRLOVASTPath::takesCDATA(node) || VIRLOVASTPath::takesCharacters(node);
-}
-} // namespace
 
 VIRLOVASTDocumentReader::VIRLOVASTDocumentReader() : m_xmlParser(*this) {}
 
 VIRLOVASTDocumentReader::~VIRLOVASTDocumentReader() = default;
 
-void VIRLOVASTDocumentReader::didStartElement(std::string_view name, const virlo::XMLAttributes& attributes)
+void VIRLOVASTDocumentReader::didStartElement(std::string_view name, virlo::XMLAttributes attributes)
 {
     const Node node = m_xmlNodeTree.start(name);
     switch (node) {
@@ -40,9 +33,7 @@ void VIRLOVASTDocumentReader::didStartElement(std::string_view name, const virlo
     default:
         break;
     }
-    // Text after a child is given the child's attributes: those of the parent do not come back.
-    if (takesText(m_xmlNodeTree.innermostKnown()))
-        m_currentNodeProperties.assign(attributes, VIRLOVASTPath::attributes(m_xmlNodeTree.innermostKnown()));
+    m_currentNodeProperties = std::move(attributes);
 }
 
 void VIRLOVASTDocumentReader::startContent()
@@ -56,11 +47,6 @@ void VIRLOVASTDocumentReader::didEndElement()
     m_xmlNodeTree.end();
 }
 
-bool VIRLOVASTDocumentReader::wantsText() const
-{
-    return takesText(m_xmlNodeTree.current());
-}
-
 void VIRLOVASTDocumentReader::foundCDATA(std::string_view block)
 {
     switch (m_xmlNodeTree.current()) {
@@ -68,8 +54,8 @@ void VIRLOVASTDocumentReader::foundCDATA(std::string_view block)
         lastAd().setTitle(std::string(block));
         break;
     case Node::Impression:
-        lastAd().impressions().push_back(VIRLOVASTImpression::initWithURLAndProperties(
-            URL::fromString(block), m_currentNodeProperties.attributes()));
+        lastAd().impressions().push_back(
+            VIRLOVASTImpression::initWithURLAndProperties(URL::fromString(block), m_currentNodeProperties));
         countRecord();
         break;
     case Node::VASTAdTagURI:
@@ -90,12 +76,10 @@ void VIRLOVASTDocumentReader::foundCDATA(std::string_view block)
 void VIRLOVASTDocumentReader::foundCharacters(std::string_view text)
 {
     switch (m_xmlNodeTree.current()) {
-    case Node::AdSystem: {
+    case Node::AdSystem:
         lastAd().setSystemName(std::string(text));
-        const auto version = m_currentNodeProperties.attributes().value("version");
-        lastAd().setSystemVersion(version ? std::optional<std::string>(*version) : std::nullopt);
+        lastAd().setSystemVersion(virlo::valueOf(m_currentNodeProperties, "version"));
         break;
-    }
     case Node::Duration:
         lastAd().creatives().back()->setDuration(VIRLOVASTDuration::seconds(text));
         break;
@@ -109,11 +93,11 @@ void VIRLOVASTDocumentReader::addTracking(std::string_view text)
     auto& events = lastAd().creatives().back()->trackingEvents();
     if (!events)
         events.emplace();
-    const auto event = m_currentNodeProperties.attributes().value("event");
+    const auto event = virlo::valueOf(m_currentNodeProperties, "event");
     auto url = URL::fromString(text);
     if (!event || !url)
         return;
-    events->add(*event, std::move(*url));
+    (*events)[*event].insert(std::move(*url));
     countRecord();
 }
 
@@ -122,13 +106,13 @@ void VIRLOVASTDocumentReader::addMediaFile(std::string_view text)
     auto& files = lastAd().creatives().back()->mediaFiles();
     if (!files)
         files.emplace();
-    files->push_back(VIRLOVASTMediaFile::initWithURLAndProperties(URL::fromString(text),
-                                                                  m_currentNodeProperties.attributes()));
+    files->push_back(
+        VIRLOVASTMediaFile::initWithURLAndProperties(URL::fromString(text), m_currentNodeProperties));
     countRecord();
 }
 
 void VIRLOVASTDocumentReader::countRecord()
 {
-    if (++m_records > maximumRecords)
-        m_xmlParser.fail(virlo::XMLReader::refused, "the document holds too many ads, addresses and films");
+    if (++m_recordCount > maximumRecords)
+        m_xmlParser.fail(virlo::XMLReader::refused, "the document has too many ads, URLs and media files");
 }

@@ -7,8 +7,8 @@
 namespace VIRLOVASTDocumentSession
 {
 
-/// The HTTP session of all VAST documents of the process, made at the first use. When the app terminates its
-/// exchanges are cancelled, which ends every wrapper chain at once; later use makes a new one. Any thread.
+/// The HTTP session of all VAST documents of the process, made on first use. When the app terminates its
+/// requests are cancelled, which ends every wrapper chain; later use makes a new session. Any thread.
 [[nodiscard]] std::shared_ptr<virlo::URLSession> sharedSession();
 
 } // namespace VIRLOVASTDocumentSession

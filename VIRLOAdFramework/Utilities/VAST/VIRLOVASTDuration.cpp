@@ -20,7 +20,7 @@ std::string_view withoutWhiteSpace(std::string_view text)
     return text.substr(0, text.find_last_not_of(whiteSpace) + 1);
 }
 
-/// The digits at the text's beginning, taken off it.
+/// Removes the digits at the beginning of the text and returns them.
 std::string_view takeDigits(std::string_view& text)
 {
     const auto end = std::find_if_not(text.begin(), text.end(), isDigit);
@@ -59,7 +59,7 @@ double integerPart(std::string_view text)
     }
     if (!isNumber || !text.empty())
         return 0;
-    // An endless row of digits must not become an infinite length.
+    // A long row of digits must not give an infinite duration.
     number = std::min(number, 0x1p63);
     return negative ? -number : number;
 }

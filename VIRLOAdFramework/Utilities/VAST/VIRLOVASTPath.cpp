@@ -8,7 +8,8 @@ VIRLOVASTPath::Node VIRLOVASTPath::child(std::string_view name) const
     case Node::VAST:
         return name == "Ad" ? Node::Ad : Node::Other;
     case Node::Ad:
-        // "Wrapper" makes a wrapper of what began as "InLine"; from there on only "Wrapper" is the ad's.
+        // "Wrapper" turns the ad, which starts as inline, into a wrapper; from then on "InLine" is unknown in
+        // it.
         return name == "Wrapper" || (name == "InLine" && !m_isWrapper) ? Node::Content : Node::Other;
     case Node::Content:
         if (name == "Impression")
@@ -52,28 +53,4 @@ VIRLOVASTPath::Node VIRLOVASTPath::start(std::string_view name)
     else if (node == Node::Content)
         m_isWrapper = name == "Wrapper";
     return node;
-}
-
-std::span<const char* const> VIRLOVASTPath::attributes(Node node)
-{
-    static constexpr const char* named[] = {"id"};
-    static constexpr const char* creative[] = {"AdID", "sequence"};
-    static constexpr const char* system[] = {"version"};
-    static constexpr const char* tracking[] = {"event"};
-    static constexpr const char* mediaFile[] = {"type", "delivery", "width", "height"};
-    switch (node) {
-    case Node::Ad:
-    case Node::Impression:
-        return named;
-    case Node::Creative:
-        return creative;
-    case Node::AdSystem:
-        return system;
-    case Node::Tracking:
-        return tracking;
-    case Node::MediaFile:
-        return mediaFile;
-    default:
-        return {};
-    }
 }

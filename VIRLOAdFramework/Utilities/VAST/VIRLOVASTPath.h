@@ -2,16 +2,15 @@
 
 #include <array>
 #include <cstddef>
-#include <span>
 #include <string_view>
 
-/// Where a reader stands in a VAST document, and what an element means there. Elements are known by their
-/// whole path from the root, name by name in exact spelling. Below the first unknown element only the depth
-/// is counted, so a path is as small in a deep document as in a flat one.
+/// The path from the root of a VAST document to the current element. Elements are recognised by their whole
+/// path, each name in exact spelling. Below the first unknown element only the depth is counted, so deep
+/// nesting takes no memory.
 class VIRLOVASTPath
 {
 public:
-    /// `Other` stands for every path that means nothing.
+    /// `Other` is every unknown path.
     enum class Node : unsigned char {
         Document,
         VAST,
@@ -44,15 +43,12 @@ public:
 
     [[nodiscard]] Node current() const { return m_depthBelowKnown > 0 ? Node::Other : m_nodes[m_depth]; }
 
-    /// The innermost element of meaning, which may hold unknown ones that still stand open.
-    [[nodiscard]] Node innermostKnown() const { return m_nodes[m_depth]; }
-
-    /// Whether the ad begun last has turned out to be a wrapper.
+    /// Whether the last ad is a wrapper.
     [[nodiscard]] bool isInWrapper() const noexcept { return m_isWrapper; }
 
-    // Text is taken in one form only, by element. That split is deliberate: documents are written to it.
+    // Each element's text is read in one form only. That split is deliberate: documents are written for it.
 
-    /// The title and all addresses.
+    /// The title and all URLs.
     [[nodiscard]] static constexpr bool takesCDATA(Node node)
     {
         return node == Node::AdTitle || node == Node::Impression || node == Node::VASTAdTagURI ||
@@ -64,9 +60,6 @@ public:
     {
         return node == Node::AdSystem || node == Node::Duration;
     }
-
-    /// The attributes that are read of an element.
-    [[nodiscard]] static std::span<const char* const> attributes(Node node);
 
 private:
     [[nodiscard]] Node child(std::string_view name) const;

@@ -15,9 +15,9 @@ using virlo::URLSession;
 namespace
 {
 
-constexpr std::size_t longestAnswer = std::size_t{64} << 10;
+constexpr std::size_t maximumResponseSize = std::size_t{64} << 10;
 
-/// The body is nobody's business, so a good answer that is cut off for its length is a good answer.
+/// The body is ignored, so a response that is cut off for its length counts by its status.
 bool wasDelivered(long status, const OptionalError& error)
 {
     const bool tooLong =
@@ -91,10 +91,10 @@ void VIRLOVASTTrackingManager::reportEventForCreative(const std::string& event,
     VIRLOAdFrameworkLogger::logInfoWithFormat("Reporting Event %@ for Creative: %@", event, creative);
     if (!creative.trackingEvents())
         return;
-    const auto* const urls = creative.trackingEvents()->urls(event);
-    if (urls == nullptr)
+    const auto found = creative.trackingEvents()->find(event);
+    if (found == creative.trackingEvents()->end())
         return;
-    for (const virlo::URL& url : *urls)
+    for (const virlo::URL& url : found->second)
         reportAtURL(url);
 }
 
@@ -102,7 +102,7 @@ void VIRLOVASTTrackingManager::reportAtURL(const virlo::URL& url)
 {
     VIRLOAdFrameworkLogger::logInfoWithFormat("Reporting at URL: %@", url);
     virlo::URLRequest request{url};
-    request.maximumBodySize = longestAnswer;
+    request.maximumBodySize = maximumResponseSize;
     m_session
         ->dataTask(std::move(request),
                    [url](const std::string&, const auto& response, const OptionalError& error) {

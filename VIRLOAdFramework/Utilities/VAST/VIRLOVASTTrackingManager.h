@@ -10,37 +10,39 @@
 class VIRLOVASTAd;
 class VIRLOVASTCreative;
 
-/// Tells the addresses of VAST ads that an ad was shown and how far it has played: a GET of each, with
-/// nothing awaited, repeated or kept. A ping that fails is lost after a line at the notice level. Any thread;
-/// nothing waits.
+/// Sends the pings of VAST ads: a GET of each impression URL of an ad, or of each tracking URL of a
+/// creative's event. Nothing is retried or stored; a ping that fails is lost after a log line at the notice
+/// level. Any thread; nothing waits for the network.
 class VIRLOVASTTrackingManager
 {
 public:
-    /// The one manager, which lives as long as the process.
+    /// The single instance, which lives as long as the process.
     [[nodiscard]] static std::shared_ptr<VIRLOVASTTrackingManager> sharedManager();
     /// Raises an Exception named "Singleton".
     [[noreturn]] static void init();
     /// On a session of its own.
     [[nodiscard]] static std::shared_ptr<VIRLOVASTTrackingManager> initSingleton();
-    /// On a transport of the caller's, made with `sessionConfiguration`.
+    /// On the caller's session, made with `sessionConfiguration`.
     [[nodiscard]] static std::shared_ptr<VIRLOVASTTrackingManager>
     initWithSession(std::shared_ptr<virlo::URLSession> session);
 
-    /// Lets the pings under way finish.
+    /// Running pings finish.
     ~VIRLOVASTTrackingManager();
     VIRLOVASTTrackingManager(const VIRLOVASTTrackingManager&) = delete;
     VIRLOVASTTrackingManager& operator=(const VIRLOVASTTrackingManager&) = delete;
 
-    /// Pings the ad's impressions, in their order. One without a URL is passed over.
+    /// Pings the ad's impressions, in list order. One without a URL is skipped.
     void reportImpressionForAd(const VIRLOVASTAd& ad);
-    /// Pings what the creative has for the event; nothing where it has nothing.
+    /// Pings the URLs that the creative has for the event, if any.
     void reportEventForCreative(const std::string& event, const VIRLOVASTCreative& creative);
     void reportAtURL(const virlo::URL& url);
 
-    /// The default one with the headers of every ping.
+    /// The default configuration with the headers of every ping.
     [[nodiscard]] static virlo::URLSessionConfiguration sessionConfiguration();
-    /// "NAME VERSION / PLATFORM VERSION"; what the bundle does not know is "(null)".
+    /// "NAME VERSION / PLATFORM VERSION"; a missing value is "(null)".
     [[nodiscard]] static std::string generateUserAgentFromBundle(const virlo::Bundle& bundle);
+
+    [[nodiscard]] const std::shared_ptr<virlo::URLSession>& session() const noexcept { return m_session; }
 
 private:
     explicit VIRLOVASTTrackingManager(std::shared_ptr<virlo::URLSession> session);

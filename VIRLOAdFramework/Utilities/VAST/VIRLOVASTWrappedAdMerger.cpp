@@ -2,6 +2,7 @@
 
 #include "StringFormat.h"
 #include "VIRLOVASTCreative.h"
+#include "VIRLOVASTDocumentLoader.h"
 #include "VIRLOVASTDocumentSession.h"
 #include "VIRLOVASTMediaFile.h"
 #include "VIRLOVASTWrapperAd.h"
@@ -13,9 +14,11 @@
 #include <utility>
 
 VIRLOVASTWrappedAdMerger::VIRLOVASTWrappedAdMerger(const std::shared_ptr<VIRLOVASTWrapperAd>& ad,
-                                                   std::shared_ptr<virlo::URLSession> session)
+                                                   std::shared_ptr<VIRLOVASTDocumentLoader> loader,
+                                                   std::size_t wrapperCount)
     : m_wrapperAd(ad)
-    , m_session(std::move(session))
+    , m_loader(std::move(loader))
+    , m_wrapperCount(wrapperCount)
 {
 }
 
@@ -28,21 +31,24 @@ VIRLOVASTWrappedAdMerger::mergerWithAd(const std::shared_ptr<VIRLOVASTWrapperAd>
 std::shared_ptr<VIRLOVASTWrappedAdMerger>
 VIRLOVASTWrappedAdMerger::initWithAd(const std::shared_ptr<VIRLOVASTWrapperAd>& ad)
 {
-    return initWithAdSession(ad, VIRLOVASTDocumentSession::sharedSession());
+    return initWithAdLoader(
+        ad, std::make_shared<VIRLOVASTDocumentLoader>(VIRLOVASTDocumentSession::sharedSession()), 0);
 }
 
 std::shared_ptr<VIRLOVASTWrappedAdMerger>
-VIRLOVASTWrappedAdMerger::initWithAdSession(const std::shared_ptr<VIRLOVASTWrapperAd>& ad,
-                                            std::shared_ptr<virlo::URLSession> session)
+VIRLOVASTWrappedAdMerger::initWithAdLoader(const std::shared_ptr<VIRLOVASTWrapperAd>& ad,
+                                           std::shared_ptr<VIRLOVASTDocumentLoader> loader,
+                                           std::size_t wrapperCount)
 {
-    return std::shared_ptr<VIRLOVASTWrappedAdMerger>(new VIRLOVASTWrappedAdMerger(ad, std::move(session)));
+    return std::shared_ptr<VIRLOVASTWrappedAdMerger>(
+        new VIRLOVASTWrappedAdMerger(ad, std::move(loader), wrapperCount));
 }
 
 void VIRLOVASTWrappedAdMerger::retrieveAndMergeWithCompletion(Completion completion)
 {
     const auto wrapper = m_wrapperAd.lock();
-    const auto parser = VIRLOVASTXMLParser::initWithVASTURLSession(
-        wrapper ? wrapper->VASTAdTagURL() : std::nullopt, m_session);
+    const auto parser = VIRLOVASTXMLParser::initWithVASTURLLoader(
+        wrapper ? wrapper->VASTAdTagURL() : std::nullopt, m_loader, m_wrapperCount + 1);
     parser->setCompletionHandler(
         [self = shared_from_this(), completion = std::move(completion)](
             const std::optional<Advertisements>& ads, const virlo::OptionalError& error) {
@@ -68,7 +74,7 @@ void VIRLOVASTWrappedAdMerger::mergeWithAd(VIRLOVASTAd& ad) const
     const auto wrapper = m_wrapperAd.lock();
     if (!wrapper)
         return;
-    // A list, not a set: an address that both name is told twice.
+    // A list, not a set: an impression URL that both name is requested twice.
     ad.impressions().insert(ad.impressions().end(), wrapper->impressions().begin(),
                             wrapper->impressions().end());
     for (const auto& creative : wrapper->creatives()) {
@@ -87,7 +93,7 @@ void VIRLOVASTWrappedAdMerger::mergeCreativeWithCreative(VIRLOVASTCreative& targ
         auto& files = target.mediaFiles();
         if (!files)
             files.emplace();
-        // Compared by this set: two long lists must not cost their product.
+        // Looked up in a set, so that two long lists do not take quadratic time.
         std::set<std::string_view> known;
         for (const auto& file : *files) {
             if (file->url())
@@ -99,16 +105,15 @@ void VIRLOVASTWrappedAdMerger::mergeCreativeWithCreative(VIRLOVASTCreative& targ
         }
     }
 
-    // The wrapper's length always wins, also the 0 of a creative that has none: players expect it.
+    // The wrapper's duration always replaces the target's, also the 0 of a creative without one: players
+    // expect it.
     target.setDuration(source.duration());
 
-    // Without a table of its own the target takes none of the wrapper's addresses: deliberate as well.
+    // A target without any tracking events takes none from the wrapper: deliberate as well.
     if (!source.trackingEvents() || !target.trackingEvents())
         return;
-    for (const auto& [event, urls] : *source.trackingEvents()) {
-        for (const virlo::URL& url : urls)
-            target.trackingEvents()->add(event, url);
-    }
+    for (const auto& [event, urls] : *source.trackingEvents())
+        (*target.trackingEvents())[event].insert(urls.begin(), urls.end());
 }
 
 bool VIRLOVASTWrappedAdMerger::arrayContainsObjectWithSequence(const VIRLOVASTAd::Creatives& creatives,

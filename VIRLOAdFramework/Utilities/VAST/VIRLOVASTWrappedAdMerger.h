@@ -1,40 +1,44 @@
 #pragma once
 
-#include "URLSession.h"
 #include "VIRLOVASTAd.h"
 #include "VIRLOVASTAdMergerProtocol.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 class VIRLOVASTCreative;
+class VIRLOVASTDocumentLoader;
 
-/// Fetches the document behind a wrapper ad and folds the wrapper's addresses and films into that document's
-/// first ad. The document's own wrappers are resolved first in the same way, so a chain is followed to its
-/// end. Nothing limits a chain's length and nothing looks for loops: that is deliberate. A chain that never
-/// ends holds no thread, only the records of its wrappers, until it breaks or the app terminates.
+/// Fetches the document behind a wrapper ad and merges the wrapper's impressions, tracking URLs and media
+/// files into that document's first ad. The document's own wrappers are resolved first in the same way, so a
+/// chain is followed to its end. Any thread.
 class VIRLOVASTWrappedAdMerger : public VIRLOVASTAdMergerProtocol,
                                  public std::enable_shared_from_this<VIRLOVASTWrappedAdMerger>
 {
 public:
     using Advertisements = std::vector<std::shared_ptr<VIRLOVASTAd>>;
 
-    /// Over the session that VAST documents share. Both are one.
+    /// On the session that VAST documents share; both do the same.
     [[nodiscard]] static std::shared_ptr<VIRLOVASTWrappedAdMerger>
     mergerWithAd(const std::shared_ptr<VIRLOVASTWrapperAd>& ad);
     [[nodiscard]] static std::shared_ptr<VIRLOVASTWrappedAdMerger>
     initWithAd(const std::shared_ptr<VIRLOVASTWrapperAd>& ad);
-    /// The whole chain goes over `session`.
+    /// For a wrapper in a document that `loader` requested and that is itself behind `wrapperCount` wrappers.
     [[nodiscard]] static std::shared_ptr<VIRLOVASTWrappedAdMerger>
-    initWithAdSession(const std::shared_ptr<VIRLOVASTWrapperAd>& ad,
-                      std::shared_ptr<virlo::URLSession> session);
+    initWithAdLoader(const std::shared_ptr<VIRLOVASTWrapperAd>& ad,
+                     std::shared_ptr<VIRLOVASTDocumentLoader> loader, std::size_t wrapperCount);
 
-    /// On a global queue: the error of the fetch, of the document or of the chain behind it, or the merged
-    /// ad. Neither where the wrapper names no document.
+    /// Null once the wrapper is gone: its parser owns it.
+    [[nodiscard]] std::shared_ptr<VIRLOVASTWrapperAd> wrapperAd() const { return m_wrapperAd.lock(); }
+
+    /// Completes on a global queue with the merged ad, or with the error of the request, of the document or
+    /// of the chain behind it. Neither where the wrapper has no `VASTAdTagURL`.
     void retrieveAndMergeWithCompletion(Completion completion) override;
 
-    /// Merges into the list's first ad and returns it; null for an empty list. The others are dropped.
+    /// Merges into the first ad of the list and returns it; null for an empty list. The others are dropped.
     std::shared_ptr<VIRLOVASTAd> mergeAdvertisements(const Advertisements& advertisements) const;
     void mergeWithAd(VIRLOVASTAd& ad) const;
     static void mergeCreativeWithCreative(VIRLOVASTCreative& target, const VIRLOVASTCreative& source);
@@ -49,8 +53,9 @@ public:
 
 private:
     VIRLOVASTWrappedAdMerger(const std::shared_ptr<VIRLOVASTWrapperAd>& ad,
-                             std::shared_ptr<virlo::URLSession> session);
+                             std::shared_ptr<VIRLOVASTDocumentLoader> loader, std::size_t wrapperCount);
 
-    const std::weak_ptr<VIRLOVASTWrapperAd> m_wrapperAd; ///< its parser keeps it
-    const std::shared_ptr<virlo::URLSession> m_session;
+    const std::weak_ptr<VIRLOVASTWrapperAd> m_wrapperAd;
+    const std::shared_ptr<VIRLOVASTDocumentLoader> m_loader;
+    const std::size_t m_wrapperCount;
 };

@@ -3,11 +3,14 @@
 #include "DispatchGroup.h"
 #include "GlobalQueue.h"
 #include "StringFormat.h"
+#include "VIRLOAdServerAPI.h"
 #include "VIRLOConstans.h"
+#include "VIRLOVASTDocumentLoader.h"
 #include "VIRLOVASTDocumentSession.h"
 #include "VIRLOVASTWrappedAdMerger.h"
 #include "VIRLOVASTWrapperAd.h"
 
+#include <limits>
 #include <utility>
 
 using virlo::GlobalQueue;
@@ -15,20 +18,18 @@ using virlo::OptionalError;
 
 namespace
 {
-// A document of common size is read in one go when it is whole; a long one while it arrives.
-constexpr std::size_t readingStartsAt = std::size_t{64} << 10;
-// Where the background queue lags so far behind, reading on the session's queue holds the server back.
-constexpr std::size_t readingFallsBehindAt = std::size_t{1} << 20;
-
-constexpr const char* httpErrorDomain = "com.virlohq.error.ServerRespondedWithHTTPError";
+constexpr auto noLimit = std::numeric_limits<std::size_t>::max();
+std::atomic<std::size_t> wrapperLimit{noLimit};
 } // namespace
 
 VIRLOVASTXMLParser::VIRLOVASTXMLParser(std::optional<virlo::URL> url,
-                                       std::shared_ptr<virlo::URLSession> session)
+                                       std::shared_ptr<VIRLOVASTDocumentLoader> loader,
+                                       std::size_t wrapperCount)
     : m_vastURL(std::move(url))
-    , m_session(std::move(session))
-    , m_mergerClass([session = m_session](const std::shared_ptr<VIRLOVASTWrapperAd>& ad) {
-        return VIRLOVASTWrappedAdMerger::initWithAdSession(ad, session);
+    , m_loader(std::move(loader))
+    , m_wrapperCount(wrapperCount)
+    , m_mergerClass([loader = m_loader, wrapperCount](const std::shared_ptr<VIRLOVASTWrapperAd>& ad) {
+        return VIRLOVASTWrappedAdMerger::initWithAdLoader(ad, loader, wrapperCount);
     })
 {
 }
@@ -42,91 +43,68 @@ std::shared_ptr<VIRLOVASTXMLParser>
 VIRLOVASTXMLParser::initWithVASTURLSession(std::optional<virlo::URL> url,
                                            std::shared_ptr<virlo::URLSession> session)
 {
-    return std::shared_ptr<VIRLOVASTXMLParser>(new VIRLOVASTXMLParser(std::move(url), std::move(session)));
+    return initWithVASTURLLoader(std::move(url),
+                                 std::make_shared<VIRLOVASTDocumentLoader>(std::move(session)), 0);
+}
+
+std::shared_ptr<VIRLOVASTXMLParser> VIRLOVASTXMLParser::initWithVASTURLLoader(
+    std::optional<virlo::URL> url, std::shared_ptr<VIRLOVASTDocumentLoader> loader, std::size_t wrapperCount)
+{
+    return std::shared_ptr<VIRLOVASTXMLParser>(
+        new VIRLOVASTXMLParser(std::move(url), std::move(loader), wrapperCount));
+}
+
+void VIRLOVASTXMLParser::setWrapperLimit(std::optional<std::size_t> limit)
+{
+    wrapperLimit = limit.value_or(noLimit);
+}
+
+void VIRLOVASTXMLParser::setOwner(std::weak_ptr<const void> owner)
+{
+    m_loader->setOwner(std::move(owner));
 }
 
 void VIRLOVASTXMLParser::parse()
 {
     if (m_begun.exchange(true))
         return;
-    if (!m_vastURL) {
-        GlobalQueue::background().async(
-            [self = shared_from_this()] { self->parseErrorOccurred(std::nullopt); });
-        return;
-    }
-    m_document.emplace();
-    m_session
-        ->streamTask(
-            virlo::URLRequest{*m_vastURL},
-            [self = shared_from_this()](std::string_view piece, const auto&) { return self->take(piece); },
-            [self = shared_from_this()](const std::string&, const auto& response,
-                                        const OptionalError& error) { self->didFetch(response, error); })
-        ->resume();
+    const auto self = shared_from_this();
+    if (!m_vastURL || m_wrapperCount > wrapperLimit)
+        return GlobalQueue::background().async([self] { self->refuse(); });
+    m_loader->load(*m_vastURL,
+                   [self](std::string document, const auto& response, const OptionalError& error) {
+                       GlobalQueue::background().async([self, document = std::move(document),
+                                                        status = response ? response->statusCode : 0,
+                                                        error] { self->read(document, status, error); });
+                   });
 }
 
-bool VIRLOVASTXMLParser::take(std::string_view piece)
+void VIRLOVASTXMLParser::refuse()
 {
-    bool behind = false;
-    {
-        const std::lock_guard lock(m_mutex);
-        if (m_refused)
-            return false;
-        m_pending += piece;
-        behind = m_pending.size() >= readingFallsBehindAt;
-        if (!behind && (m_pending.size() < readingStartsAt || std::exchange(m_readingPosted, true)))
-            return true;
-    }
-    if (behind)
-        readPending();
-    else
-        GlobalQueue::background().async([self = shared_from_this()] { self->readPending(); });
-    return true;
+    if (!m_vastURL)
+        return parseErrorOccurred(std::nullopt);
+    parseErrorOccurred(
+        virlo::Error{VIRLOAdFrameworkBundleIdentifier,
+                     wrapperLimitReached,
+                     {{"Reason", "The wrapper limit is reached."}, {"URL", m_vastURL->absoluteString()}}});
 }
 
-void VIRLOVASTXMLParser::readPending()
+void VIRLOVASTXMLParser::read(const std::string& document, long status, const OptionalError& error)
 {
-    OptionalError error;
-    {
-        const std::lock_guard reading(m_readingMutex);
-        if (!m_document || m_document->read(takePending()))
-            return;
-        error = m_document->error();
-        const std::lock_guard lock(m_mutex);
-        m_refused = true;
-    }
-    parseErrorOccurred(error);
-}
-
-std::string VIRLOVASTXMLParser::takePending()
-{
-    const std::lock_guard lock(m_mutex);
-    m_readingPosted = false;
-    return std::exchange(m_pending, {});
-}
-
-void VIRLOVASTXMLParser::didFetch(const std::optional<virlo::HTTPURLResponse>& response, OptionalError error)
-{
-    if (!error && response && response->statusCode / 100 != 2)
-        error = virlo::Error{httpErrorDomain, response->statusCode, {{"URL", m_vastURL->absoluteString()}}};
-    GlobalQueue::background().async(
-        [self = shared_from_this(), error = std::move(error)]() mutable { self->finish(std::move(error)); });
-}
-
-void VIRLOVASTXMLParser::finish(OptionalError failure)
-{
-    Advertisements advertisements;
-    {
-        const std::lock_guard reading(m_readingMutex);
-        const std::string rest = takePending();
-        if (!(failure ? m_document->read(rest) : m_document->finish(rest)))
-            failure = m_document->error(); // an exchange that it ended itself has another one
-        advertisements = m_document->advertisements();
-        m_document.reset();
-    }
-    if (failure)
-        parseErrorOccurred(failure);
-    else
-        didEndDocument(advertisements);
+    if (error)
+        return parseErrorOccurred(error);
+    if (status / 100 != 2)
+        return parseErrorOccurred(
+            virlo::Error{VIRLOAdServerAPI::httpErrorDomain, status, {{"URL", m_vastURL->absoluteString()}}});
+    VIRLOVASTDocumentReader reader;
+    if (!reader.parse(document))
+        return parseErrorOccurred(reader.error());
+    if (!m_loader->addRecords(reader.recordCount()))
+        return parseErrorOccurred(
+            virlo::Error{virlo::XMLReader::errorDomain,
+                         virlo::XMLReader::refused,
+                         {{"Reason", "the documents of the tag have too many ads, URLs and media files"}}});
+    didEndDocument(reader.advertisements());
 }
 
 void VIRLOVASTXMLParser::didEndDocument(const Advertisements& advertisements)
@@ -143,8 +121,7 @@ void VIRLOVASTXMLParser::didEndDocument(const Advertisements& advertisements)
         if (!merger)
             continue;
         group.enter();
-        // The wrapper is kept here too: another one's result may take its place in the list before its own
-        // has come.
+        // Keeps the wrapper too: the result of another one may replace it in the list before its own arrives.
         merger->retrieveAndMergeWithCompletion(
             [self = shared_from_this(), group, wrapper = std::move(wrapper)](
                 std::shared_ptr<VIRLOVASTAd> merged, const OptionalError& error) mutable {
@@ -160,7 +137,7 @@ void VIRLOVASTXMLParser::didMerge(std::shared_ptr<VIRLOVASTAd> ad, const Optiona
     const std::lock_guard lock(m_mutex);
     if (error)
         m_error = error;
-    // Always the first place, wherever the wrapper stood: players show the first ad.
+    // Always the first ad, whichever the wrapper was: players show the first ad.
     if (ad && !m_advertisements.empty())
         m_advertisements.front() = std::move(ad);
 }
@@ -186,6 +163,18 @@ void VIRLOVASTXMLParser::parseErrorOccurred(const OptionalError& error)
 {
     if (const auto handler = takeCompletionHandler())
         handler(std::nullopt, error);
+}
+
+VIRLOVASTXMLParser::CompletionHandler VIRLOVASTXMLParser::completionHandler() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_completionHandler;
+}
+
+void VIRLOVASTXMLParser::setCompletionHandler(CompletionHandler handler)
+{
+    const std::lock_guard lock(m_mutex);
+    m_completionHandler = std::move(handler);
 }
 
 VIRLOVASTXMLParser::CompletionHandler VIRLOVASTXMLParser::takeCompletionHandler()

@@ -2,70 +2,98 @@
 
 #include "Error.h"
 #include "URL.h"
-#include "URLSession.h"
 #include "VIRLOVASTAdMergerProtocol.h"
 #include "VIRLOVASTDocumentReader.h"
 
 #include <atomic>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
-/// Fetches one VAST document, reads it as it arrives, resolves its wrappers through mergers, and reports its
-/// ads once. Made for one document; the exchange keeps it alive until it has reported. There is no
-/// cancelling: chains end when the app terminates (see VIRLOVASTDocumentSession). Any thread.
+class VIRLOVASTDocumentLoader;
+
+namespace virlo
+{
+class URLSession;
+}
+
+/// Fetches one VAST document, reads it on the background queue, resolves its wrappers through mergers, and
+/// reports its ads once. One document per parser; it keeps itself alive until it has reported. Any thread.
+///
+/// Chains of wrappers have no limit and loops are not detected: that is deliberate. VIRLOVASTDocumentLoader
+/// paces the requests of a chain that does not end; it goes on until the parser's owner is gone or the app
+/// terminates (see VIRLOVASTDocumentSession).
 class VIRLOVASTXMLParser : public std::enable_shared_from_this<VIRLOVASTXMLParser>
 {
 public:
     using Advertisements = VIRLOVASTDocumentReader::Advertisements;
 
     /// One of:
-    /// - the ads, perhaps beside the error of a wrapper that could not be resolved and stays in the list;
+    /// - the ads, perhaps with the error of a wrapper that could not be resolved and stays in the list;
     /// - an empty list and an error of the framework's domain (`VIRLOAdFrameworkBundleIdentifier`), code 0,
     ///   whose "Reason" is "No video is available.";
-    /// - no list and the error of the exchange (of URLSession's domain, or
-    ///   "com.virlohq.error.ServerRespondedWithHTTPError" with the status) or of the document (of
-    ///   XMLReader's);
+    /// - no list and the error of the request (URLSession's domain, or
+    ///   "com.virlohq.error.ServerRespondedWithHTTPError" with the status), of the document (XMLReader's
+    ///   domain) or of the wrapper limit (the framework's domain, code `wrapperLimitReached`);
     /// - neither, where there is no URL.
     using CompletionHandler = std::function<void(std::optional<Advertisements>, const virlo::OptionalError&)>;
 
-    /// Over the session that VAST documents share.
+    static constexpr long wrapperLimitReached = 302;
+
+    /// On the session that VAST documents share.
     [[nodiscard]] static std::shared_ptr<VIRLOVASTXMLParser> initWithVASTURL(std::optional<virlo::URL> url);
     /// The document and those behind its wrappers are fetched over `session`.
     [[nodiscard]] static std::shared_ptr<VIRLOVASTXMLParser>
     initWithVASTURLSession(std::optional<virlo::URL> url, std::shared_ptr<virlo::URLSession> session);
+    /// For a document behind `wrapperCount` wrappers; `loader` is the one of the first document.
+    [[nodiscard]] static std::shared_ptr<VIRLOVASTXMLParser>
+    initWithVASTURLLoader(std::optional<virlo::URL> url, std::shared_ptr<VIRLOVASTDocumentLoader> loader,
+                          std::size_t wrapperCount);
+
+    /// The number of wrappers that are followed one after the other, for all tags of the process; none is the
+    /// default and means no limit. The industry's recommendation is 5. A wrapper beyond it stays in the list,
+    /// with the error `wrapperLimitReached`. Takes effect on documents requested from then on.
+    static void setWrapperLimit(std::optional<std::size_t> limit);
 
     VIRLOVASTXMLParser(const VIRLOVASTXMLParser&) = delete;
     VIRLOVASTXMLParser& operator=(const VIRLOVASTXMLParser&) = delete;
 
     [[nodiscard]] const std::optional<virlo::URL>& vastURL() const noexcept { return m_vastURL; }
 
-    /// Both before `parse`. The default merger is VIRLOVASTWrappedAdMerger on this parser's session.
+    // The setters: before `parse`.
+
+    /// The default is VIRLOVASTWrappedAdMerger with this parser's loader. Mergers of another kind that make
+    /// parsers of their own start anew to count documents and wrappers.
+    [[nodiscard]] const VIRLOVASTAdMergerClass& mergerClass() const noexcept { return m_mergerClass; }
+
     void setMergerClass(VIRLOVASTAdMergerClass mergerClass) { m_mergerClass = std::move(mergerClass); }
 
-    /// Called once, on a global queue.
-    void setCompletionHandler(CompletionHandler handler) { m_completionHandler = std::move(handler); }
+    /// Called once, on a global queue; empty from then on.
+    [[nodiscard]] CompletionHandler completionHandler() const;
+    void setCompletionHandler(CompletionHandler handler);
 
-    /// Starts and returns at once. What comes after the first call does nothing.
+    /// Who waits for the result. Once `owner` is gone no further document is requested and the handler gets
+    /// the error `URLSession::cancelled`, at most VIRLOVASTDocumentLoader::longestPause later. Without an
+    /// owner the parser goes on until it has reported.
+    void setOwner(std::weak_ptr<const void> owner);
+
+    /// Starts and returns at once. Further calls do nothing.
     void parse();
 
-    /// A copy: none before the document's end, from there on with the wrappers resolved so far.
+    /// A copy: empty before the document has been read, then with the wrappers resolved so far.
     [[nodiscard]] Advertisements extractedAdvertisements() const;
 
     [[nodiscard]] std::string description() const;
 
 private:
-    VIRLOVASTXMLParser(std::optional<virlo::URL> url, std::shared_ptr<virlo::URLSession> session);
+    VIRLOVASTXMLParser(std::optional<virlo::URL> url, std::shared_ptr<VIRLOVASTDocumentLoader> loader,
+                       std::size_t wrapperCount);
 
-    [[nodiscard]] bool take(std::string_view piece);
-    void readPending();
-    [[nodiscard]] std::string takePending();
-    void didFetch(const std::optional<virlo::HTTPURLResponse>& response, virlo::OptionalError error);
-    void finish(virlo::OptionalError failure);
+    void refuse();
+    void read(const std::string& document, long status, const virlo::OptionalError& error);
     void didEndDocument(const Advertisements& advertisements);
     void didMerge(std::shared_ptr<VIRLOVASTAd> ad, const virlo::OptionalError& error);
     void reportAdvertisements();
@@ -73,18 +101,13 @@ private:
     [[nodiscard]] CompletionHandler takeCompletionHandler();
 
     const std::optional<virlo::URL> m_vastURL;
-    const std::shared_ptr<virlo::URLSession> m_session;
+    const std::shared_ptr<VIRLOVASTDocumentLoader> m_loader;
+    const std::size_t m_wrapperCount;
     VIRLOVASTAdMergerClass m_mergerClass;
     std::atomic<bool> m_begun{false};
 
-    std::mutex m_readingMutex; ///< held while bytes are read, so that they are read in order
-    std::optional<VIRLOVASTDocumentReader> m_document; ///< until the document's end
-
-    mutable std::mutex m_mutex; ///< what follows; taken after the other
-    std::string m_pending;
-    bool m_readingPosted = false;
-    bool m_refused = false;
+    mutable std::mutex m_mutex; ///< guards what follows: mergers report on several threads
     Advertisements m_advertisements;
-    virlo::OptionalError m_error; ///< the last wrapper's that failed
+    virlo::OptionalError m_error; ///< of the last wrapper that failed
     CompletionHandler m_completionHandler;
 };

@@ -54,6 +54,7 @@ void VIRLOAdVideoViewController::preloadAdElementsWithCompletion(Completion comp
     // Sets GStreamer up while the document is fetched.
     GlobalQueue::standard().async([] { MediaEngine::shared().prepare(); });
     const auto parser = VIRLOVASTXMLParser::initWithVASTURL(items.front()->markupURL());
+    parser->setOwner(weakSelf(*this));
     parser->setCompletionHandler(
         [weak = weakSelf(*this), completion = std::move(completion)](auto ads, const OptionalError& error) {
             if (error) {

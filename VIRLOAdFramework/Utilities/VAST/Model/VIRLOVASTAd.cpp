@@ -1,10 +1,9 @@
 #include "VIRLOVASTAd.h"
 
 #include "StringFormat.h"
-#include "VIRLOVASTRecord.h"
 
 VIRLOVASTAd::VIRLOVASTAd(const virlo::XMLAttributes& properties)
-    : m_identifier(properties.value("id"))
+    : m_identifier(virlo::valueOf(properties, "id"))
     , m_type("InLine")
 {
 }
@@ -17,17 +16,17 @@ VIRLOVASTAd::VIRLOVASTAd(std::optional<std::string> identifier, const char* type
 
 std::shared_ptr<VIRLOVASTAd> VIRLOVASTAd::initWithProperties(const virlo::XMLAttributes& properties)
 {
-    return VIRLOVASTRecord::make<VIRLOVASTAd>(properties);
+    return std::make_shared<VIRLOVASTAd>(properties);
 }
 
 bool VIRLOVASTAd::isEqual(const VIRLOVASTAd& other) const
 {
-    return VIRLOVASTRecord::isSame(m_identifier, other.m_identifier);
+    return m_identifier && m_identifier == other.m_identifier;
 }
 
 std::size_t VIRLOVASTAd::hash() const
 {
-    return VIRLOVASTRecord::hash(m_identifier);
+    return std::hash<std::optional<std::string>>{}(m_identifier);
 }
 
 std::string VIRLOVASTAd::description() const

@@ -12,18 +12,19 @@
 class VIRLOVASTCreative;
 class VIRLOVASTImpression;
 
-/// One ad of a VAST document. Built and changed by one thread at a time (the parser's, then the merger's);
-/// whoever gets the finished ad only reads. See VIRLOVASTWrapperAd for the other kind.
+/// One inline ad of a VAST document, and the base of VIRLOVASTWrapperAd. Built and changed by one thread at a
+/// time (the parser's, then the merger's); a finished ad is only read.
 class VIRLOVASTAd
 {
 public:
     using Impressions = std::vector<std::shared_ptr<VIRLOVASTImpression>>;
     using Creatives = std::vector<std::shared_ptr<VIRLOVASTCreative>>;
 
-    /// `properties` are those of the element "Ad".
+    /// `properties` are the attributes of the element "Ad".
     [[nodiscard]] static std::shared_ptr<VIRLOVASTAd>
     initWithProperties(const virlo::XMLAttributes& properties);
 
+    explicit VIRLOVASTAd(const virlo::XMLAttributes& properties);
     virtual ~VIRLOVASTAd() = default;
     VIRLOVASTAd(const VIRLOVASTAd&) = delete;
     VIRLOVASTAd& operator=(const VIRLOVASTAd&) = delete;
@@ -34,12 +35,12 @@ public:
     /// "InLine" or "Wrapper".
     [[nodiscard]] const std::string& type() const noexcept { return m_type; }
 
-    /// As it stands in the document, white space included.
+    /// As written in the document, white space included.
     [[nodiscard]] const std::optional<std::string>& title() const noexcept { return m_title; }
 
     void setTitle(std::optional<std::string> title) { m_title = std::move(title); }
 
-    /// The ad server's name, as it stands in the document.
+    /// The ad server's name, as written in the document.
     [[nodiscard]] const std::optional<std::string>& systemName() const noexcept { return m_systemName; }
 
     void setSystemName(std::optional<std::string> name) { m_systemName = std::move(name); }
@@ -60,13 +61,12 @@ public:
 
     void setCreatives(Creatives creatives) { m_creatives = std::move(creatives); }
 
-    /// By identifier, whatever the kinds; one without an identifier equals none.
+    /// By identifier alone, so a wrapper may equal an inline ad; an ad without an identifier equals none.
     [[nodiscard]] bool isEqual(const VIRLOVASTAd& other) const;
     [[nodiscard]] std::size_t hash() const;
     [[nodiscard]] virtual std::string description() const;
 
 protected:
-    explicit VIRLOVASTAd(const virlo::XMLAttributes& properties);
     VIRLOVASTAd(std::optional<std::string> identifier, const char* type);
 
 private:

@@ -2,28 +2,27 @@
 
 #include "LeadingNumber.h"
 #include "StringFormat.h"
-#include "VIRLOVASTRecord.h"
 
 VIRLOVASTCreative::VIRLOVASTCreative(const virlo::XMLAttributes& properties)
-    : m_identifier(properties.value("AdID"))
-    , m_sequence(virlo::LeadingNumber::unsignedInteger(properties.value("sequence").value_or("")))
+    : m_identifier(virlo::valueOf(properties, "AdID"))
+    , m_sequence(virlo::LeadingNumber::unsignedInteger(virlo::valueOf(properties, "sequence").value_or("")))
 {
 }
 
 std::shared_ptr<VIRLOVASTCreative>
 VIRLOVASTCreative::initWithProperties(const virlo::XMLAttributes& properties)
 {
-    return VIRLOVASTRecord::make<VIRLOVASTCreative>(properties);
+    return std::make_shared<VIRLOVASTCreative>(properties);
 }
 
 bool VIRLOVASTCreative::isEqual(const VIRLOVASTCreative& other) const
 {
-    return VIRLOVASTRecord::isSame(m_identifier, other.m_identifier);
+    return m_identifier && m_identifier == other.m_identifier;
 }
 
 std::size_t VIRLOVASTCreative::hash() const
 {
-    return VIRLOVASTRecord::hash(m_identifier);
+    return std::hash<std::optional<std::string>>{}(m_identifier);
 }
 
 std::string VIRLOVASTCreative::description() const

@@ -1,30 +1,35 @@
 #pragma once
 
-#include "VIRLOVASTTrackingEvents.h"
+#include "URL.h"
 #include "XMLAttributes.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
 class VIRLOVASTMediaFile;
 
-/// One linear creative of an ad: how long it runs, which films show it, and which addresses are told of its
-/// progress. Built and changed by one thread at a time; whoever holds the finished ad only reads.
+/// One linear creative of an ad: its duration, its media files and the tracking URLs of its playback events.
+/// Built and changed by one thread at a time; a finished ad is only read.
 class VIRLOVASTCreative
 {
 public:
-    using TrackingEvents = VIRLOVASTTrackingEvents;
+    /// The URLs of each event ("start", "firstQuartile"), each URL once.
+    using TrackingEvents = std::map<std::string, std::set<virlo::URL>, std::less<>>;
     using MediaFiles = std::vector<std::shared_ptr<VIRLOVASTMediaFile>>;
 
-    /// `properties` are those of the element "Creative".
+    /// `properties` are the attributes of the element "Creative".
     [[nodiscard]] static std::shared_ptr<VIRLOVASTCreative>
     initWithProperties(const virlo::XMLAttributes& properties);
 
+    explicit VIRLOVASTCreative(const virlo::XMLAttributes& properties);
     VIRLOVASTCreative(const VIRLOVASTCreative&) = delete;
     VIRLOVASTCreative& operator=(const VIRLOVASTCreative&) = delete;
 
@@ -39,7 +44,7 @@ public:
 
     void setDuration(double seconds) noexcept { m_duration = seconds; }
 
-    /// Absent until the first tracking address was read.
+    /// Absent until the first "Tracking" element was read.
     [[nodiscard]] const std::optional<TrackingEvents>& trackingEvents() const noexcept
     {
         return m_trackingEvents;
@@ -60,9 +65,6 @@ public:
     [[nodiscard]] bool isEqual(const VIRLOVASTCreative& other) const;
     [[nodiscard]] std::size_t hash() const;
     [[nodiscard]] std::string description() const;
-
-protected:
-    explicit VIRLOVASTCreative(const virlo::XMLAttributes& properties);
 
 private:
     const std::optional<std::string> m_identifier;

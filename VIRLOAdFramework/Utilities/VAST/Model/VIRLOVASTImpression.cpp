@@ -1,14 +1,13 @@
 #include "VIRLOVASTImpression.h"
 
 #include "StringFormat.h"
-#include "VIRLOVASTRecord.h"
 
 #include <utility>
 
 VIRLOVASTImpression::VIRLOVASTImpression(std::optional<virlo::URL> url,
                                          const virlo::XMLAttributes& properties)
     : m_url(std::move(url))
-    , m_identifier(properties.value("id"))
+    , m_identifier(virlo::valueOf(properties, "id"))
 {
 }
 
@@ -16,17 +15,17 @@ std::shared_ptr<VIRLOVASTImpression>
 VIRLOVASTImpression::initWithURLAndProperties(std::optional<virlo::URL> url,
                                               const virlo::XMLAttributes& properties)
 {
-    return VIRLOVASTRecord::make<VIRLOVASTImpression>(std::move(url), properties);
+    return std::make_shared<VIRLOVASTImpression>(std::move(url), properties);
 }
 
 bool VIRLOVASTImpression::isEqual(const VIRLOVASTImpression& other) const
 {
-    return VIRLOVASTRecord::isSame(m_url, other.m_url);
+    return m_url && m_url == other.m_url;
 }
 
 std::size_t VIRLOVASTImpression::hash() const
 {
-    return VIRLOVASTRecord::hash(m_url);
+    return std::hash<std::optional<virlo::URL>>{}(m_url);
 }
 
 std::string VIRLOVASTImpression::description() const

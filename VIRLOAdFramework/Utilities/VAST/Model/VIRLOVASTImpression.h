@@ -8,15 +8,16 @@
 #include <optional>
 #include <string>
 
-/// One address that is told when an ad is shown. Never changes; any thread.
+/// One URL that is requested when an ad is shown. Immutable; any thread.
 class VIRLOVASTImpression
 {
 public:
-    /// `url` is absent where the document's text makes none; `properties` are those of the element
+    /// `url` is absent where the element's text is not a URL; `properties` are the attributes of the element
     /// "Impression".
     [[nodiscard]] static std::shared_ptr<VIRLOVASTImpression>
     initWithURLAndProperties(std::optional<virlo::URL> url, const virlo::XMLAttributes& properties);
 
+    VIRLOVASTImpression(std::optional<virlo::URL> url, const virlo::XMLAttributes& properties);
     VIRLOVASTImpression(const VIRLOVASTImpression&) = delete;
     VIRLOVASTImpression& operator=(const VIRLOVASTImpression&) = delete;
 
@@ -29,9 +30,6 @@ public:
     [[nodiscard]] bool isEqual(const VIRLOVASTImpression& other) const;
     [[nodiscard]] std::size_t hash() const;
     [[nodiscard]] std::string description() const;
-
-protected:
-    VIRLOVASTImpression(std::optional<virlo::URL> url, const virlo::XMLAttributes& properties);
 
 private:
     const std::optional<virlo::URL> m_url;

@@ -2,16 +2,15 @@
 
 #include "LeadingNumber.h"
 #include "StringFormat.h"
-#include "VIRLOVASTRecord.h"
 
 #include <utility>
 
 VIRLOVASTMediaFile::VIRLOVASTMediaFile(std::optional<virlo::URL> url, const virlo::XMLAttributes& properties)
     : m_url(std::move(url))
-    , m_type(properties.value("type"))
-    , m_delivery(properties.value("delivery"))
-    , m_width(virlo::LeadingNumber::unsignedInteger(properties.value("width").value_or("")))
-    , m_height(virlo::LeadingNumber::unsignedInteger(properties.value("height").value_or("")))
+    , m_type(virlo::valueOf(properties, "type"))
+    , m_delivery(virlo::valueOf(properties, "delivery"))
+    , m_width(virlo::LeadingNumber::unsignedInteger(virlo::valueOf(properties, "width").value_or("")))
+    , m_height(virlo::LeadingNumber::unsignedInteger(virlo::valueOf(properties, "height").value_or("")))
 {
 }
 
@@ -19,17 +18,17 @@ std::shared_ptr<VIRLOVASTMediaFile>
 VIRLOVASTMediaFile::initWithURLAndProperties(std::optional<virlo::URL> url,
                                              const virlo::XMLAttributes& properties)
 {
-    return VIRLOVASTRecord::make<VIRLOVASTMediaFile>(std::move(url), properties);
+    return std::make_shared<VIRLOVASTMediaFile>(std::move(url), properties);
 }
 
 bool VIRLOVASTMediaFile::isEqual(const VIRLOVASTMediaFile& other) const
 {
-    return VIRLOVASTRecord::isSame(m_url, other.m_url);
+    return m_url && m_url == other.m_url;
 }
 
 std::size_t VIRLOVASTMediaFile::hash() const
 {
-    return VIRLOVASTRecord::hash(m_url);
+    return std::hash<std::optional<virlo::URL>>{}(m_url);
 }
 
 std::string VIRLOVASTMediaFile::description() const

@@ -9,15 +9,16 @@
 #include <optional>
 #include <string>
 
-/// One film of a creative, in one size and format. Never changes; any thread.
+/// One media file of a creative, in one size and format. Immutable; any thread.
 class VIRLOVASTMediaFile
 {
 public:
-    /// `url` is absent where the document's text makes none; `properties` are those of the element
+    /// `url` is absent where the element's text is not a URL; `properties` are the attributes of the element
     /// "MediaFile".
     [[nodiscard]] static std::shared_ptr<VIRLOVASTMediaFile>
     initWithURLAndProperties(std::optional<virlo::URL> url, const virlo::XMLAttributes& properties);
 
+    VIRLOVASTMediaFile(std::optional<virlo::URL> url, const virlo::XMLAttributes& properties);
     VIRLOVASTMediaFile(const VIRLOVASTMediaFile&) = delete;
     VIRLOVASTMediaFile& operator=(const VIRLOVASTMediaFile&) = delete;
 
@@ -41,9 +42,6 @@ public:
     [[nodiscard]] bool isEqual(const VIRLOVASTMediaFile& other) const;
     [[nodiscard]] std::size_t hash() const;
     [[nodiscard]] std::string description() const;
-
-protected:
-    VIRLOVASTMediaFile(std::optional<virlo::URL> url, const virlo::XMLAttributes& properties);
 
 private:
     const std::optional<virlo::URL> m_url;

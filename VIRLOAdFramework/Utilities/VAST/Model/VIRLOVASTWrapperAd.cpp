@@ -1,13 +1,12 @@
 #include "VIRLOVASTWrapperAd.h"
 
 #include "StringFormat.h"
-#include "VIRLOVASTRecord.h"
 
 VIRLOVASTWrapperAd::VIRLOVASTWrapperAd(const VIRLOVASTAd& ad) : VIRLOVASTAd(ad.identifier(), "Wrapper") {}
 
 std::shared_ptr<VIRLOVASTWrapperAd> VIRLOVASTWrapperAd::initWithAd(const VIRLOVASTAd& ad)
 {
-    return VIRLOVASTRecord::make<VIRLOVASTWrapperAd>(ad);
+    return std::make_shared<VIRLOVASTWrapperAd>(ad);
 }
 
 std::optional<virlo::URL> VIRLOVASTWrapperAd::VASTAdTagURL() const

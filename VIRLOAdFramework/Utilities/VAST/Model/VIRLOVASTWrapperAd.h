@@ -5,22 +5,21 @@
 
 #include <mutex>
 
-/// An ad without a film of its own: it points to a further VAST document and adds its own addresses and films
-/// to what that one holds.
+/// An ad without a video of its own: it points to a further VAST document and adds its impressions, tracking
+/// URLs and media files to the first ad of that document.
 class VIRLOVASTWrapperAd : public VIRLOVASTAd
 {
 public:
-    /// Takes the identifier of the ad that stood for the same element, and nothing else.
+    /// Copies the identifier of the ad first made for the same element, and nothing else.
     [[nodiscard]] static std::shared_ptr<VIRLOVASTWrapperAd> initWithAd(const VIRLOVASTAd& ad);
 
-    /// Where the further document is; absent where this one names none. Any thread, beside its setter too.
+    explicit VIRLOVASTWrapperAd(const VIRLOVASTAd& ad);
+
+    /// Location of the further document; absent where this one names none. Any thread.
     [[nodiscard]] std::optional<virlo::URL> VASTAdTagURL() const;
     void setVASTAdTagURL(std::optional<virlo::URL> url);
 
     [[nodiscard]] std::string description() const override;
-
-protected:
-    explicit VIRLOVASTWrapperAd(const VIRLOVASTAd& ad);
 
 private:
     mutable std::mutex m_mutex;
