@@ -133,18 +133,6 @@ TEST(MainLoop, ThrowingWorkIsLoggedAndEndlessWorkDoesNotOutlastTheLimit)
     pumpMainLoop();
 }
 
-TEST(MainLoop, CanRunFromInsideItsOwnWork)
-{
-    bool inner = false;
-    bool outer = false;
-    MainLoop::shared().post([&] {
-        EXPECT_TRUE(MainLoop::shared().runUntil([&] { return inner; }, Seconds(10)));
-        outer = true;
-    });
-    MainLoop::shared().post([&] { inner = true; });
-    EXPECT_TRUE(settle([&] { return outer; }));
-}
-
 } // namespace
 
 } // namespace virlo::test

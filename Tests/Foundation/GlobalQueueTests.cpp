@@ -98,7 +98,7 @@ TEST(GlobalQueue, HigherPrioritiesAreServedFirst)
     EXPECT_EQ(overtaken, 0);
 }
 
-TEST(GlobalQueue, ThrowingWorkIsLoggedAndItsWorkerGoesOn)
+TEST(GlobalQueue, ThrowingWorkIsLoggedAndItsWorkerContinues)
 {
     expectLog("Uncaught exception in queued work: lost");
     expectLog("Uncaught exception in queued work: unknown");
@@ -107,12 +107,12 @@ TEST(GlobalQueue, ThrowingWorkIsLoggedAndItsWorkerGoesOn)
     EXPECT_TRUE(GlobalQueue::drain(Seconds(10)));
 }
 
-TEST(GlobalQueue, DrainOnAWorkerAnswersInsteadOfWaitingForItself)
+TEST(GlobalQueue, DrainOnAWorkerReturnsInsteadOfWaitingForItself)
 {
-    std::atomic<bool> answer = true;
-    GlobalQueue::standard().async([&] { answer = GlobalQueue::drain(Seconds(60)); });
+    std::atomic<bool> result = true;
+    GlobalQueue::standard().async([&] { result = GlobalQueue::drain(Seconds(60)); });
     EXPECT_TRUE(GlobalQueue::drain(Seconds(10)));
-    EXPECT_FALSE(answer);
+    EXPECT_FALSE(result);
 }
 
 } // namespace

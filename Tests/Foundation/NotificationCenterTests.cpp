@@ -35,7 +35,7 @@ TEST(NotificationCenter, CallsInOrderOfSubscriptionByNameAndSender)
     EXPECT_THAT(calls, ElementsAre("all:a", "of sender:a", "all:a", "other:b"));
 }
 
-TEST(NotificationCenter, UnsubscribedInsideACallAnObserverHearsNothingMore)
+TEST(NotificationCenter, UnsubscribedInsideACallAnObserverIsNotCalledAgain)
 {
     NotificationCenter center;
     std::vector<int> calls;
@@ -66,15 +66,6 @@ TEST(NotificationCenter, SubscribingAndPostingInsideACall)
         center.addObserver("inner", [&](const Notification&) { calls.push_back("inner"); }));
     center.post("outer", nullptr, {{"key", "value"}});
     EXPECT_THAT(calls, ElementsAre("value", "inner"));
-}
-
-TEST(NotificationCenter, ObservationMayOutliveItsCenter)
-{
-    auto center = std::make_unique<NotificationCenter>();
-    Observation observation = center->addObserver("a", [](const Notification&) {});
-    center.reset();
-    observation.reset();
-    SUCCEED();
 }
 
 TEST(NotificationCenter, SubscribingRacesWithPostingUnharmed)

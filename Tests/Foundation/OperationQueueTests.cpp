@@ -73,7 +73,7 @@ TEST(OperationQueue, DropsKeptWorkWithTheQueue)
     EXPECT_EQ(held.use_count(), 1) << "the work was not freed";
 }
 
-TEST(DispatchGroup, NotifiesOnceWhenTheLastPieceLeaves)
+TEST(DispatchGroup, NotifiesOnceWhenTheLastTaskLeaves)
 {
     DispatchGroup group;
     std::atomic<int> notices = 0;
@@ -91,7 +91,7 @@ TEST(DispatchGroup, NotifiesOnceWhenTheLastPieceLeaves)
     group.leave();
     EXPECT_TRUE(GlobalQueue::drain(Seconds(10)));
     EXPECT_EQ(notices, 1);
-    group.notify(GlobalQueue::high(), [&] { ++notices; }); // nothing under way: at once
+    group.notify(GlobalQueue::high(), [&] { ++notices; }); // nothing entered: at once
     EXPECT_TRUE(GlobalQueue::drain(Seconds(10)));
     EXPECT_EQ(notices, 2);
     EXPECT_THROW(group.leave(), Exception);

@@ -34,15 +34,15 @@ TEST(SerialQueue, KeepsEachCallersOrderAndNeverOverlaps)
         for (int caller = 0; caller < callers; ++caller) {
             threads.emplace_back([&, caller] {
                 for (int round = 0; round < rounds; ++round) {
-                    const auto piece = [&, caller, round] {
+                    const auto task = [&, caller, round] {
                         overlapped |= ++inside != 1;
                         seen[static_cast<std::size_t>(caller)].push_back(round);
                         --inside;
                     };
                     if (round % 3 == 0)
-                        queue.sync(piece);
+                        queue.sync(task);
                     else
-                        queue.async(piece);
+                        queue.async(task);
                 }
             });
         }
@@ -55,7 +55,7 @@ TEST(SerialQueue, KeepsEachCallersOrderAndNeverOverlaps)
         EXPECT_EQ(order, expected);
 }
 
-TEST(SerialQueue, SyncRunsWaitingPiecesItselfWhenEveryWorkerIsHeld)
+TEST(SerialQueue, SyncRunsWaitingTasksItselfWhenEveryWorkerIsHeld)
 {
     WorkerBlock block;
     SerialQueue queue("held");
@@ -91,8 +91,7 @@ TEST(SerialQueue, SleepingSyncCallerGetsItsTurnWhenEveryWorkerIsHeld)
     inside.wait();
     queue.async([&] { order.emplace_back("between"); });
     std::jthread second([&] { queue.sync([&] { order.emplace_back("second"); }); });
-    // Nothing shows from outside that a caller sleeps; it may not have got there, which the outcome does not
-    // hang on.
+    // The second caller should sleep by now; the outcome is the same where it does not.
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     leave.count_down();
     first.join();
@@ -126,10 +125,10 @@ TEST(SerialQueue, SyncFromItselfRaisesInsteadOfWaiting)
     EXPECT_EQ(name, Exception::internalInconsistency);
 }
 
-TEST(SerialQueue, ThrowingPieceIsLoggedAndTheNextOneRuns)
+TEST(SerialQueue, ThrowingTaskIsLoggedAndTheNextOneRuns)
 {
-    expectLog("Uncaught exception in throwing piece: lost");
-    SerialQueue queue("throwing piece");
+    expectLog("Uncaught exception in throwing task: lost");
+    SerialQueue queue("throwing task");
     bool ran = false;
     queue.async([] { throw std::runtime_error("lost"); });
     queue.async([&] { ran = true; });
@@ -137,7 +136,7 @@ TEST(SerialQueue, ThrowingPieceIsLoggedAndTheNextOneRuns)
     EXPECT_TRUE(ran);
 }
 
-TEST(SerialQueue, GivenPiecesOutliveTheQueue)
+TEST(SerialQueue, GivenTasksOutliveTheQueue)
 {
     TestClock clock;
     std::vector<int> order;
@@ -154,15 +153,7 @@ TEST(SerialQueue, GivenPiecesOutliveTheQueue)
     EXPECT_THAT(order, ElementsAre(1, 2, 3));
 }
 
-TEST(SerialQueue, PieceMayReleaseTheQueueThatRunsIt)
-{
-    auto queue = std::make_unique<SerialQueue>("released inside");
-    auto* const bare = queue.get();
-    bare->sync([&] { queue.reset(); });
-    EXPECT_EQ(queue, nullptr);
-}
-
-TEST(SerialQueue, DrainWaitsForPiecesThatASyncCallerTookOver)
+TEST(SerialQueue, DrainWaitsForTasksThatASyncCallerTookOver)
 {
     auto block = std::make_unique<WorkerBlock>();
     SerialQueue queue("taken over");
@@ -180,7 +171,7 @@ TEST(SerialQueue, DrainWaitsForPiecesThatASyncCallerTookOver)
     EXPECT_TRUE(done);
 }
 
-TEST(SerialQueue, AfterGoesByTheClockInForce)
+TEST(SerialQueue, AfterUsesTheSharedClock)
 {
     TestClock clock;
     SerialQueue queue("later");

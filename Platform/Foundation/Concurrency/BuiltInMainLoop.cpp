@@ -34,7 +34,7 @@ bool BuiltInMainLoop::runUntil(const std::function<bool()>& done, Seconds limit)
         }
         runGuarded(work, "work posted to the main loop");
         work = nullptr;
-        // A steady stream of work must not carry the caller past its limit.
+        // Steady work must not keep the caller beyond its limit.
         if (std::chrono::steady_clock::now() >= end)
             return done();
     }

@@ -9,8 +9,8 @@
 namespace virlo
 {
 
-/// The loop of a program that has no other. It sleeps while nothing is posted. The one instance is never
-/// destroyed: workers may post to it to the process's very end.
+/// The main loop of a program that has no other. It sleeps while nothing is posted. The one instance is never
+/// destroyed: workers may post to it until the process is gone.
 class BuiltInMainLoop : public MainLoop
 {
 public:

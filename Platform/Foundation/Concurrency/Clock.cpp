@@ -11,20 +11,20 @@ namespace virlo
 namespace
 {
 
-constinit std::atomic<Clock*> clockInForce = nullptr;
+constinit std::atomic<Clock*> currentClock = nullptr;
 
 } // namespace
 
 Clock& Clock::shared()
 {
-    if (Clock* const clock = clockInForce.load(std::memory_order_acquire))
+    if (Clock* const clock = currentClock.load(std::memory_order_acquire))
         return *clock;
     return SystemClock::shared();
 }
 
 void Clock::setShared(Clock* clock)
 {
-    clockInForce.store(clock, std::memory_order_release);
+    currentClock.store(clock, std::memory_order_release);
 }
 
 Clock::Instant::duration Clock::ticks(Seconds delay)

@@ -11,8 +11,8 @@ namespace virlo
 
 bool startDetachedThread(const char* name, std::function<void()> body)
 {
-    // The mask is inherited: set around the making, no signal finds a moment in which the new thread takes
-    // it.
+    // The mask is inherited. Set before the thread is made, it leaves no moment in which the new thread could
+    // receive a signal.
     sigset_t all;
     sigset_t before;
     sigfillset(&all);

@@ -5,8 +5,8 @@
 namespace virlo
 {
 
-/// Starts a thread of the library's own that nobody joins. It takes none of the host's signals. False where
-/// the system gives no more threads; `body` then never runs. `name` is at most 15 bytes.
+/// Starts a thread that nobody joins and that blocks all signals. False where the system gives no more
+/// threads; `body` then never runs. `name` is at most 15 bytes.
 [[nodiscard]] bool startDetachedThread(const char* name, std::function<void()> body);
 
 } // namespace virlo

@@ -8,7 +8,7 @@
 namespace virlo
 {
 
-/// Counts pieces of work under way and tells when none is left. Copies share one count. Any thread.
+/// Counts unfinished tasks and notifies when none is left. Copies share one count. Any thread.
 class DispatchGroup
 {
 public:

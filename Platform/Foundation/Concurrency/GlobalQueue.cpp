@@ -7,24 +7,6 @@
 namespace virlo
 {
 
-namespace
-{
-
-WorkerPool::Level levelOf(GlobalQueue::Priority priority)
-{
-    switch (priority) {
-    case GlobalQueue::Priority::Background:
-        return WorkerPool::Level::Background;
-    case GlobalQueue::Priority::High:
-        return WorkerPool::Level::High;
-    case GlobalQueue::Priority::Default:
-        break;
-    }
-    return WorkerPool::Level::Default;
-}
-
-} // namespace
-
 GlobalQueue::GlobalQueue(Priority priority) : m_priority(priority) {}
 
 GlobalQueue& GlobalQueue::background()
@@ -47,7 +29,7 @@ GlobalQueue& GlobalQueue::high()
 
 void GlobalQueue::async(std::function<void()> work)
 {
-    WorkerPool::shared().submit(levelOf(m_priority), std::move(work));
+    WorkerPool::shared().submit(m_priority, std::move(work));
 }
 
 void GlobalQueue::after(Seconds delay, std::function<void()> work)

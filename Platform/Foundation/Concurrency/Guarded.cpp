@@ -15,7 +15,7 @@ void report(const char* where, const char* what) noexcept
 {
     try {
         systemLog("Uncaught exception in " + std::string(where) + ": " + what);
-    } catch (...) { // no memory for the line: there is nothing left to tell it with
+    } catch (...) { // no memory for the line
     }
 }
 

@@ -12,26 +12,26 @@ namespace virlo
 namespace
 {
 
-constinit std::atomic<MainLoop*> loopInForce = nullptr;
+constinit std::atomic<MainLoop*> currentLoop = nullptr;
 const std::thread::id mainThread = std::this_thread::get_id();
 
 } // namespace
 
 MainLoop& MainLoop::shared()
 {
-    if (MainLoop* const loop = loopInForce.load(std::memory_order_acquire))
+    if (MainLoop* const loop = currentLoop.load(std::memory_order_acquire))
         return *loop;
     return BuiltInMainLoop::shared();
 }
 
 void MainLoop::setShared(MainLoop* loop)
 {
-    loopInForce.store(loop, std::memory_order_release);
+    currentLoop.store(loop, std::memory_order_release);
 }
 
 bool MainLoop::isMainThread()
 {
-    // No thread at all stands there while static initialisers still run, and those run on the main thread.
+    // `mainThread` is still empty while static initialisers run, and those run on the main thread.
     return mainThread == std::this_thread::get_id() || mainThread == std::thread::id();
 }
 

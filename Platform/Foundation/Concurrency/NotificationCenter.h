@@ -16,7 +16,7 @@ struct Notification {
     JSON userInfo;                ///< null where the sender gave none
 };
 
-/// Process-wide announcements by name. Observers are called synchronously on the poster's thread, in the
+/// Process-wide notifications by name. Observers are called synchronously on the poster's thread, in the
 /// order in which they subscribed; they may subscribe, unsubscribe and post from inside a call. Any thread.
 class VIRLO_EXPORT NotificationCenter
 {
@@ -48,8 +48,8 @@ private:
     std::shared_ptr<State> m_state;
 };
 
-/// The app's life as the library hears of it. With Qt the library's own watcher posts them on the main
-/// thread; a host without Qt posts them itself.
+/// The app's life cycle. With Qt the library itself posts these on the main thread; a host without Qt posts
+/// them.
 inline constexpr const char* ApplicationDidBecomeActiveNotification =
     "UIApplicationDidBecomeActiveNotification";
 inline constexpr const char* ApplicationDidEnterBackgroundNotification =

@@ -9,7 +9,7 @@
 namespace virlo
 {
 
-/// What the global queue gets is the right to run one operation, not the operation itself: one that has not
+/// The global queue gets one call of `runOne` for each operation, not the operation itself: one that has not
 /// begun when the queue is suspended stays here.
 class OperationQueue::State : public std::enable_shared_from_this<State>
 {
@@ -37,12 +37,6 @@ public:
         submit(waiting);
     }
 
-    [[nodiscard]] bool isSuspended() const
-    {
-        const std::lock_guard lock(m_mutex);
-        return m_suspended;
-    }
-
 private:
     void submit(std::size_t count)
     {
@@ -63,7 +57,7 @@ private:
         work();
     }
 
-    mutable std::mutex m_mutex;
+    std::mutex m_mutex;
     std::deque<std::function<void()>> m_kept;
     bool m_suspended = false;
 };
@@ -80,11 +74,6 @@ void OperationQueue::addOperation(std::function<void()> work)
 void OperationQueue::setSuspended(bool suspended)
 {
     m_state->setSuspended(suspended);
-}
-
-bool OperationQueue::isSuspended() const
-{
-    return m_state->isSuspended();
 }
 
 } // namespace virlo

@@ -6,9 +6,9 @@
 namespace virlo
 {
 
-/// A concurrent queue that can be suspended: work added while suspended is kept and runs, in no guaranteed
-/// order, once resumed. Runs on the default global queue. Any thread. Work still kept when the queue goes is
-/// dropped unrun.
+/// A concurrent queue that can be suspended: operations added while suspended are kept and run, in no
+/// guaranteed order, once resumed. Runs on the default global queue. Any thread. Operations still kept when
+/// the queue is destroyed are dropped.
 class OperationQueue
 {
 public:
@@ -19,7 +19,6 @@ public:
 
     void addOperation(std::function<void()> work);
     void setSuspended(bool suspended);
-    [[nodiscard]] bool isSuspended() const;
 
 private:
     class State;

@@ -17,26 +17,26 @@ namespace virlo
 namespace
 {
 
-/// Pieces that a worker runs in a row before it lets other queues have their turn.
+/// Tasks that a worker runs in a row before other queues get their turn.
 constexpr int batch = 32;
 
-/// A `sync` caller that sleeps until the queue is given to it.
+/// A `sync` caller that sleeps until it owns the queue.
 struct Waiter {
     std::condition_variable given;
     bool isOwner = false;
     std::thread::id thread = std::this_thread::get_id();
 };
 
-/// Work, or the place in the order of a `sync` caller that does its work itself.
-struct Piece {
+/// An `async` task, or the position of a `sync` caller, which runs its work itself.
+struct Task {
     std::function<void()> work;
     Waiter* waiter = nullptr;
 };
 
 } // namespace
 
-/// Somebody who runs pieces owns the queue; whoever gives it up sees to it that what still waits has a
-/// runner: the first sleeping `sync` caller, else a worker.
+/// The thread that runs tasks owns the queue. When it gives the queue up, the first sleeping `sync` caller
+/// becomes the owner, or else a worker is asked for.
 class SerialQueue::State : public std::enable_shared_from_this<State>
 {
 public:
@@ -52,7 +52,7 @@ public:
     void async(std::function<void()> work)
     {
         std::unique_lock lock(m_mutex);
-        m_pieces.push_back({std::move(work), nullptr});
+        m_tasks.push_back({std::move(work), nullptr});
         if (m_unfinished++ == 0)
             WorkerPool::shared().enter();
         if (!m_owned)
@@ -63,13 +63,13 @@ public:
     {
         if (isCurrent())
             raise(Exception::internalInconsistency,
-                  "sync from a piece running on the queue \"" + m_label + "\" itself");
+                  "sync from a task of the queue \"" + m_label + "\" itself");
         std::unique_lock lock(m_mutex);
         if (m_owned) {
             waitForOwnership(lock);
         } else {
             own(std::this_thread::get_id());
-            for (auto ahead = m_pieces.size(); ahead > 0; --ahead)
+            for (auto ahead = m_tasks.size(); ahead > 0; --ahead)
                 runFirst(lock);
         }
         lock.unlock();
@@ -106,20 +106,20 @@ private:
     void waitForOwnership(std::unique_lock<std::mutex>& lock)
     {
         Waiter waiter;
-        m_pieces.push_back({{}, &waiter});
+        m_tasks.push_back({{}, &waiter});
         ++m_waiters;
         waiter.given.wait(lock, [&waiter] { return waiter.isOwner; });
-        while (m_pieces.front().waiter == nullptr)
+        while (m_tasks.front().waiter == nullptr)
             runFirst(lock);
-        m_pieces.pop_front();
+        m_tasks.pop_front();
         --m_waiters;
     }
 
-    /// The first piece, which is work; the lock is not held while it runs and goes.
+    /// Runs the first task, which is no waiter; the lock is not held while it runs and is destroyed.
     void runFirst(std::unique_lock<std::mutex>& lock)
     {
-        auto work = std::move(m_pieces.front().work);
-        m_pieces.pop_front();
+        auto work = std::move(m_tasks.front().work);
+        m_tasks.pop_front();
         lock.unlock();
         runGuarded(work, m_label.c_str());
         work = nullptr;
@@ -132,10 +132,10 @@ private:
     {
         std::unique_lock lock(m_mutex);
         m_hasWorkerComing = false;
-        if (m_owned || m_pieces.empty())
+        if (m_owned || m_tasks.empty())
             return;
         own(std::this_thread::get_id());
-        for (int count = 0; count < batch && !m_pieces.empty() && m_pieces.front().waiter == nullptr; ++count)
+        for (int count = 0; count < batch && !m_tasks.empty() && m_tasks.front().waiter == nullptr; ++count)
             runFirst(lock);
         giveUp(lock);
     }
@@ -151,16 +151,16 @@ private:
         }
         m_owned = false;
         m_owner.store({}, std::memory_order_relaxed);
-        if (!m_pieces.empty())
+        if (!m_tasks.empty())
             askForWorker(lock);
     }
 
     [[nodiscard]] Waiter& firstWaiter()
     {
-        auto piece = m_pieces.begin();
-        while (piece->waiter == nullptr)
-            ++piece;
-        return *piece->waiter;
+        auto task = m_tasks.begin();
+        while (task->waiter == nullptr)
+            ++task;
+        return *task->waiter;
     }
 
     void askForWorker(std::unique_lock<std::mutex>& lock)
@@ -168,18 +168,18 @@ private:
         if (std::exchange(m_hasWorkerComing, true))
             return;
         lock.unlock();
-        WorkerPool::shared().submit(WorkerPool::Level::Serial,
+        WorkerPool::shared().submit(WorkerPool::Priority::Serial,
                                     [self = shared_from_this()] { self->runBatch(); });
     }
 
     const std::string m_label;
     std::mutex m_mutex;
-    std::deque<Piece> m_pieces;
+    std::deque<Task> m_tasks;
     std::size_t m_waiters = 0;
-    std::size_t m_unfinished = 0; ///< given by `async` and not yet done
+    std::size_t m_unfinished = 0; ///< tasks given by `async`
     bool m_owned = false;
     bool m_hasWorkerComing = false;
-    std::atomic<std::thread::id> m_owner; ///< only its own thread ever finds itself here
+    std::atomic<std::thread::id> m_owner; ///< compared by each thread with its own id only
 };
 
 SerialQueue::SerialQueue(std::string label) : m_state(std::make_shared<State>(std::move(label))) {}
@@ -193,7 +193,7 @@ void SerialQueue::async(std::function<void()> work)
 
 void SerialQueue::sync(const std::function<void()>& work)
 {
-    const auto state = m_state; // the work may let go of the queue itself
+    const auto state = m_state; // the work may release the queue itself
     state->sync(work);
 }
 

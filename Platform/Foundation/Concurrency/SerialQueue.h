@@ -9,13 +9,12 @@
 namespace virlo
 {
 
-/// Work done one piece at a time, in the order given. It owns no thread: pieces run on the process's bounded
-/// set of workers, and `sync` on an idle queue runs on the caller's thread. Where pieces wait for a worker, a
-/// `sync` caller runs them itself, so no number of blocked workers can stop a queue. Usable from any thread;
-/// pieces already given still run after the last outside reference has gone.
+/// Runs tasks one at a time, in the order given. It owns no thread: tasks run on the process's bounded set of
+/// workers, and `sync` on an idle queue runs on the caller's thread. Where tasks wait for a worker, a `sync`
+/// caller runs them itself, so no number of blocked workers can stop a queue. Usable from any thread; tasks
+/// already given still run after the queue object is destroyed.
 ///
-/// `sync` from a piece already running on the same queue would wait for itself: it raises an Exception
-/// instead.
+/// `sync` from a task of the same queue would wait for itself: it raises an Exception instead.
 class SerialQueue
 {
 public:
@@ -27,10 +26,10 @@ public:
     void async(std::function<void()> work);
     /// Returns once `work` has run. An exception that leaves `work` leaves here.
     void sync(const std::function<void()>& work);
-    /// `async`, `delay` from now by the clock in force.
+    /// `async`, `delay` from now by the shared clock.
     void after(Seconds delay, std::function<void()> work);
 
-    /// `sync` that hands back what `work` returns.
+    /// `sync` that returns the result of `work`.
     template <typename Work>
     [[nodiscard]] auto read(Work&& work)
     {

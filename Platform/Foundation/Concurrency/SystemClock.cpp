@@ -39,11 +39,11 @@ std::shared_ptr<Clock::Scheduled> SystemClock::schedule(Seconds delay, std::func
     const std::lock_guard lock(m_mutex);
     const Key key{due, m_sequence++};
     auto entry = std::make_shared<Entry>(key);
-    const auto place = m_pending.emplace(key, std::move(work)).first;
-    // Where the system gives no thread now, the next call asks again and finds this entry still waiting.
+    const auto position = m_pending.emplace(key, std::move(work)).first;
+    // Where the system gives no thread now, the next call tries again; this entry is still pending then.
     if (!m_hasThread)
         m_hasThread = startDetachedThread("virlo-clock", [this] { run(); });
-    else if (place == m_pending.begin())
+    else if (position == m_pending.begin())
         m_changed.notify_one();
     return entry;
 }

@@ -11,9 +11,8 @@
 namespace virlo
 {
 
-/// The machine's clocks. What is scheduled runs on one thread, `virlo-clock`, which is made with the first
-/// call and sleeps until the next moment at which something is due. The one instance is never destroyed: its
-/// thread may outlive `main`.
+/// The machine's clocks. Scheduled calls run on one thread, `virlo-clock`, which is made with the first call
+/// and sleeps until the next one is due. The one instance is never destroyed: its thread may outlive `main`.
 class SystemClock : public Clock
 {
 public:

@@ -12,7 +12,7 @@ namespace virlo
 namespace
 {
 
-/// A repeating timer of no interval would leave the main loop no time for anything else.
+/// A repeating timer without an interval would leave the main loop no time for anything else.
 constexpr Clock::Instant::duration shortestInterval = std::chrono::microseconds(100);
 
 class MainLoopTimer : public Timer, public std::enable_shared_from_this<MainLoopTimer>
@@ -38,7 +38,8 @@ public:
     void invalidate() override
     {
         std::shared_ptr<Clock::Scheduled> scheduled;
-        std::shared_ptr<std::function<void()>> work; // goes without the lock: it may own what uses this timer
+        std::shared_ptr<std::function<void()>>
+            work; // destroyed without the lock: it may own what uses this timer
         {
             const std::lock_guard lock(m_mutex);
             scheduled.swap(m_scheduled);
@@ -53,8 +54,6 @@ public:
         const std::lock_guard lock(m_mutex);
         return m_work != nullptr;
     }
-
-    [[nodiscard]] Seconds interval() const override { return m_interval; }
 
 private:
     void schedule(Seconds delay)
@@ -79,8 +78,8 @@ private:
         }
         if (!work)
             return;
-        // Taken up again before the work runs, which may throw; a main loop held up long misses beats, never
-        // gathers them.
+        // Scheduled again before the work runs, which may throw. A blocked main loop skips the missed times
+        // instead of firing once for each.
         if (m_repeats)
             scheduleNext();
         (*work)();

@@ -8,8 +8,8 @@
 namespace virlo
 {
 
-/// A timer whose work runs on the main loop. It measures by the clock in force at its making. Letting go of
-/// the last reference invalidates it. Made, used and released on any thread.
+/// A timer whose work runs on the main loop. It uses the clock that is set when it is made. Releasing the
+/// last reference invalidates it. Made, used and released on any thread.
 class Timer
 {
 public:
@@ -24,7 +24,6 @@ public:
     virtual void invalidate() = 0;
     /// False once invalidated, or once a one-shot timer has fired.
     [[nodiscard]] virtual bool isValid() const = 0;
-    [[nodiscard]] virtual Seconds interval() const = 0;
 };
 
 } // namespace virlo

@@ -13,7 +13,7 @@ namespace
 
 thread_local bool isWorker = false;
 
-/// How many workers a level and those below it may use together.
+/// How many workers a priority and those below it may use together.
 constexpr std::array<int, 4> share{GlobalQueue::maximumThreads - 3, GlobalQueue::maximumThreads - 2,
                                    GlobalQueue::maximumThreads - 1, GlobalQueue::maximumThreads};
 
@@ -25,12 +25,12 @@ WorkerPool& WorkerPool::shared()
     return *pool;
 }
 
-void WorkerPool::submit(Level level, std::function<void()> work)
+void WorkerPool::submit(Priority priority, std::function<void()> work)
 {
     std::unique_lock lock(m_mutex);
     ++m_pending;
-    m_waiting[static_cast<std::size_t>(level)].push_back(std::move(work));
-    if (!mayRun(level))
+    m_waiting[static_cast<std::size_t>(priority)].push_back(std::move(work));
+    if (!mayRun(priority))
         return; // a worker that finishes its task takes this one
     if (m_wakeUps < m_idle) {
         ++m_wakeUps;
@@ -56,7 +56,7 @@ void WorkerPool::runWorker()
             runGuarded(task.work, "queued work");
             task.work = nullptr;
             lock.lock();
-            --m_running[static_cast<std::size_t>(task.level)];
+            --m_running[static_cast<std::size_t>(task.priority)];
             leaveLocked();
         }
         ++m_idle;
@@ -70,12 +70,12 @@ void WorkerPool::runWorker()
     }
 }
 
-bool WorkerPool::mayRun(Level level) const
+bool WorkerPool::mayRun(Priority priority) const
 {
     int used = 0;
-    for (std::size_t index = 0; index < levelCount; ++index) {
+    for (std::size_t index = 0; index < priorityCount; ++index) {
         used += m_running[index];
-        if (index >= static_cast<std::size_t>(level) && used >= share[index])
+        if (index >= static_cast<std::size_t>(priority) && used >= share[index])
             return false;
     }
     return true;
@@ -83,12 +83,12 @@ bool WorkerPool::mayRun(Level level) const
 
 bool WorkerPool::takeNext(Task& task)
 {
-    for (std::size_t index = levelCount; index-- > 0;) {
-        const auto level = static_cast<Level>(index);
+    for (std::size_t index = priorityCount; index-- > 0;) {
+        const auto priority = static_cast<Priority>(index);
         auto& waiting = m_waiting[index];
-        if (waiting.empty() || !mayRun(level))
+        if (waiting.empty() || !mayRun(priority))
             continue;
-        task.level = level;
+        task.priority = priority;
         task.work = std::move(waiting.front());
         waiting.pop_front();
         ++m_running[index];

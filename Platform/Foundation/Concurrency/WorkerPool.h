@@ -14,20 +14,19 @@ namespace virlo
 {
 
 /// The worker threads behind the global and serial queues: at most `GlobalQueue::maximumThreads`, made on
-/// demand, each ended after `idleLife` without work. Higher levels are served first, and each level has one
-/// worker that the levels below it cannot take. The one instance is never destroyed: workers may outlive
+/// demand, each ended after `idleLife` without work. Higher priorities are served first, and each priority
+/// has one worker that those below it cannot take. The one instance is never destroyed: workers may outlive
 /// `main`. Any thread.
 class WorkerPool
 {
 public:
-    /// Serial queues rank above the default level: other work waits for theirs.
-    enum class Level { Background, Default, Serial, High };
+    using Priority = GlobalQueue::Priority;
 
     static constexpr std::chrono::seconds idleLife{5};
 
     [[nodiscard]] static WorkerPool& shared();
 
-    void submit(Level level, std::function<void()> work);
+    void submit(Priority priority, std::function<void()> work);
 
     /// Counts work that waits or runs elsewhere but that `drain` has to wait for.
     void enter();
@@ -37,16 +36,16 @@ public:
     bool drain(Seconds limit);
 
 private:
-    static constexpr std::size_t levelCount = 4;
+    static constexpr std::size_t priorityCount = 4;
 
     struct Task {
-        Level level = Level::Default;
+        Priority priority = Priority::Default;
         std::function<void()> work;
     };
 
     WorkerPool() = default;
 
-    [[nodiscard]] bool mayRun(Level level) const;
+    [[nodiscard]] bool mayRun(Priority priority) const;
     [[nodiscard]] bool takeNext(Task& task);
     void runWorker();
     void leaveLocked();
@@ -54,8 +53,8 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_wake;
     std::condition_variable m_empty;
-    std::array<std::deque<std::function<void()>>, levelCount> m_waiting;
-    std::array<int, levelCount> m_running{};
+    std::array<std::deque<std::function<void()>>, priorityCount> m_waiting;
+    std::array<int, priorityCount> m_running{};
     int m_threads = 0;
     int m_idle = 0;
     int m_wakeUps = 0; ///< idle workers that were notified and have not woken up yet
