@@ -2,63 +2,62 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <future>
+
 namespace virlo::test
 {
 
-std::string Outcome::Result::header(const std::string& name) const
+struct Outcome::State {
+    std::promise<Result> promise;
+    std::shared_future<Result> result = promise.get_future().share();
+    std::atomic<bool> completed = false;
+};
+
+std::shared_ptr<Outcome::State> Outcome::makeState()
 {
-    if (!response)
-        return {};
-    const auto found = response->headers.find(name);
-    return found == response->headers.end() ? std::string() : found->second;
+    return std::make_shared<State>();
 }
 
 URLSession::Completion Outcome::completion() const
 {
-    return [state = m_state](std::string data, const std::optional<HTTPURLResponse>& response,
-                             const OptionalError& error) {
-        const std::lock_guard lock(state->mutex);
-        EXPECT_FALSE(state->result) << "completed twice";
-        state->result = Result{std::move(data), response, error};
-        state->changed.notify_all();
+    return [state = m_state](std::string data, const auto& response, const OptionalError& error) {
+        if (state->completed.exchange(true))
+            ADD_FAILURE() << "completed twice";
+        else
+            state->promise.set_value({std::move(data), response, error});
     };
 }
 
 Outcome::Result Outcome::wait() const
 {
-    std::unique_lock lock(m_state->mutex);
-    if (!m_state->changed.wait_for(lock, std::chrono::seconds(10),
-                                   [this] { return m_state->result.has_value(); })) {
-        ADD_FAILURE() << "no completion";
-        return {};
-    }
-    return *m_state->result;
+    if (m_state->result.wait_for(std::chrono::seconds(10)) == std::future_status::ready)
+        return m_state->result.get();
+    ADD_FAILURE() << "no completion";
+    return {};
 }
 
 bool Outcome::arrived() const
 {
-    const std::lock_guard lock(m_state->mutex);
-    return m_state->result.has_value();
+    return m_state->completed;
 }
 
 std::shared_ptr<URLSession> makeSession(const std::string& authorities, int connections)
 {
-    URLSessionConfiguration configuration;
-    configuration.trustedAuthoritiesFile = authorities;
-    configuration.maximumConnectionsPerHost = connections;
-    return URLSession::sessionWithConfiguration(configuration);
+    return URLSession::sessionWithConfiguration({.additionalHeaders = {},
+                                                 .trustedAuthoritiesFile = authorities,
+                                                 .maximumConnectionsPerHost = connections});
 }
 
 URLRequest request(const std::string& url, const std::string& method)
 {
-    URLRequest made{URL::fromString(url).value()};
-    made.method = method;
-    return made;
+    return {.url = URL::fromString(url).value(), .method = method};
 }
 
 Outcome::Result send(URLSession& session, URLRequest request)
 {
-    Outcome outcome;
+    const Outcome outcome;
     session.dataTask(std::move(request), outcome.completion())->resume();
     return outcome.wait();
 }

@@ -2,15 +2,15 @@
 
 #include "URLSession.h"
 
-#include <condition_variable>
 #include <memory>
-#include <mutex>
+#include <optional>
 #include <string>
 
 namespace virlo::test
 {
 
-/// What a task's completion said. Copies share one outcome; any thread. A second completion fails the test.
+/// What a task's completion reported. Copies share one outcome; any thread. A second completion fails the
+/// test.
 class Outcome
 {
 public:
@@ -23,8 +23,6 @@ public:
 
         /// The error's code, or 0 for success.
         [[nodiscard]] long code() const { return error ? error->code : 0; }
-
-        [[nodiscard]] std::string header(const std::string& name) const;
     };
 
     [[nodiscard]] URLSession::Completion completion() const;
@@ -33,19 +31,14 @@ public:
     [[nodiscard]] bool arrived() const;
 
 private:
-    struct State {
-        std::mutex mutex;
-        std::condition_variable changed;
-        std::optional<Result> result;
-    };
-
-    std::shared_ptr<State> m_state = std::make_shared<State>();
+    struct State;
+    std::shared_ptr<State> m_state = makeState();
+    static std::shared_ptr<State> makeState();
 };
 
 /// A session with no headers of its own that trusts `authorities` beside the system's.
 [[nodiscard]] std::shared_ptr<URLSession> makeSession(const std::string& authorities = {},
                                                       int connections = 6);
-
 [[nodiscard]] URLRequest request(const std::string& url, const std::string& method = "GET");
 /// Sends and waits.
 [[nodiscard]] Outcome::Result send(URLSession& session, URLRequest request);

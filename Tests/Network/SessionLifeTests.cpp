@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <latch>
 #include <random>
 #include <set>
 #include <thread>
@@ -106,31 +105,6 @@ TEST_F(SessionLifeTest, CompletionsRunOneAtATimeAndNeverOnTheCallersStack)
     EXPECT_EQ(done, 61);
 }
 
-TEST_F(SessionLifeTest, BlockingCompletionsHoldUpOnlyTheirOwnSessions)
-{
-    std::latch held(3);
-    std::latch release(1);
-    std::vector<std::shared_ptr<URLSession>> blocked;
-    for (int index = 0; index < 3; ++index) {
-        blocked.push_back(trusting());
-        blocked.back()
-            ->dataTask(request(url("/")),
-                       [&](const auto&, const auto&, const auto&) {
-                           held.count_down();
-                           release.wait();
-                       })
-            ->resume();
-    }
-    held.wait();
-    EXPECT_EQ(get(*session, url("/")).status(), 200);
-    const Outcome behind;
-    start(*blocked.front(), url("/"), behind);
-    EXPECT_FALSE(URLSession::drain(Seconds(0.05)));
-    EXPECT_FALSE(behind.arrived());
-    release.count_down();
-    EXPECT_EQ(behind.wait().status(), 200);
-}
-
 TEST_F(SessionLifeTest, CancelAtAnyMomentCompletesExactlyOnce)
 {
     std::mt19937 random(7);
@@ -155,7 +129,7 @@ TEST_F(SessionLifeTest, CancelAtAnyMomentCompletesExactlyOnce)
     EXPECT_GT(cancelled, 0);
 }
 
-TEST_F(SessionLifeTest, FinishingLetsRunningTasksEndAndRefusesNewOnes)
+TEST_F(SessionLifeTest, FinishedOrReleasedSessionLetsRunningTasksEndAndRefusesNewOnes)
 {
     const Outcome running;
     const Outcome late;
@@ -164,8 +138,11 @@ TEST_F(SessionLifeTest, FinishingLetsRunningTasksEndAndRefusesNewOnes)
     session->finishTasksAndInvalidate();
     lateTask->resume();
     session.reset();
+    const Outcome released;
+    start(*trusting(), url("/slow"), released);
     EXPECT_EQ(late.wait().code(), URLSession::sessionEnded);
     EXPECT_EQ(running.wait().status(), 200);
+    EXPECT_EQ(released.wait().status(), 200);
 }
 
 TEST_F(SessionLifeTest, InvalidatingCancelsActiveAndWaitingTransfersAndStartsNone)
@@ -181,13 +158,6 @@ TEST_F(SessionLifeTest, InvalidatingCancelsActiveAndWaitingTransfersAndStartsNon
         EXPECT_EQ(outcome.wait().code(), URLSession::cancelled);
     EXPECT_EQ(get(*session, url("/")).status(), 200);
     EXPECT_EQ(server.requests().size(), 3U);
-}
-
-TEST_F(SessionLifeTest, ReleasedSessionLetsItsTasksFinish)
-{
-    const Outcome outcome;
-    start(*trusting(), url("/slow"), outcome);
-    EXPECT_EQ(outcome.wait().status(), 200);
 }
 
 } // namespace

@@ -90,7 +90,7 @@ TEST_F(URLSessionTest, RedirectsLeadToTheFinalResponseAndItsURL)
     const auto result = get(*session, url("/hop"));
     EXPECT_EQ(result.status(), 200);
     EXPECT_EQ(result.response->url.absoluteString(), url("/end"));
-    EXPECT_EQ(result.header("location"), "") << "a header of an earlier response";
+    EXPECT_FALSE(result.response->headers.contains("location")) << "a header of an earlier response";
     EXPECT_EQ(server.requests().back().method, "GET");
 }
 
@@ -221,7 +221,11 @@ class TLSTest : public NetworkTest
 TEST_F(TLSTest, SessionWithoutTheAuthorityNeverUsesATrustingOnesConnection)
 {
     serve("/");
-    ASSERT_EQ(get(*session, url("/")).status(), 200);
+    URLSessionConfiguration::setDefaultTrustedAuthoritiesFile(server.authorityFile().string());
+    const auto trusted =
+        URLSession::sessionWithConfiguration(URLSessionConfiguration::defaultConfiguration());
+    URLSessionConfiguration::setDefaultTrustedAuthoritiesFile({});
+    ASSERT_EQ(get(*trusted, url("/")).status(), 200);
     const TemporaryFolder other;
     adserver::AdServer stranger({.stateFolder = other.path("server")});
     stranger.start();
@@ -230,7 +234,7 @@ TEST_F(TLSTest, SessionWithoutTheAuthorityNeverUsesATrustingOnesConnection)
         EXPECT_EQ(result.code(), URLSession::failed);
         EXPECT_FALSE(result.response);
     }
-    EXPECT_EQ(get(*session, url("/")).status(), 200);
+    EXPECT_EQ(get(*trusted, url("/")).status(), 200);
     EXPECT_EQ(server.requests().size(), 2U);
 }
 
@@ -241,15 +245,6 @@ TEST_F(TLSTest, MissingAuthoritiesFileIsAnErrorThatNamesIt)
     ASSERT_TRUE(result.error);
     EXPECT_THAT(result.error->userInfo["Reason"].get<std::string>(),
                 testing::HasSubstr("/nowhere/authority.pem"));
-}
-
-TEST_F(TLSTest, DefaultConfigurationCarriesTheProcessWideFile)
-{
-    serve("/");
-    URLSessionConfiguration::setDefaultTrustedAuthoritiesFile(server.authorityFile().string());
-    const auto made = URLSession::sessionWithConfiguration(URLSessionConfiguration::defaultConfiguration());
-    URLSessionConfiguration::setDefaultTrustedAuthoritiesFile({});
-    EXPECT_EQ(get(*made, url("/")).status(), 200);
 }
 
 } // namespace

@@ -8,7 +8,7 @@
 namespace virlo
 {
 
-/// The session over libcurl: see URLSession. Its tasks are Transfers and keep its state, not itself.
+/// A URLSession over libcurl. Its tasks are Transfers, which keep the session's state alive, not the session.
 class CurlSession : public URLSession
 {
 public:

@@ -22,10 +22,9 @@ namespace virlo
 
 namespace
 {
-// Public addresses that nobody owns: only the way to them is asked for.
-constexpr std::uint32_t somewhereOnTheInternet = 0xCB007101; // 203.0.113.1
-constexpr in6_addr somewhereOnTheInternet6 = {
-    {{0x20, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1}}}; // 2000::1
+// Public addresses that nobody owns: only the route to them is read.
+constexpr std::uint32_t publicAddress = 0xCB007101;                                          // 203.0.113.1
+constexpr in6_addr publicAddress6 = {{{0x20, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1}}}; // 2000::1
 
 class Descriptor
 {
@@ -41,7 +40,7 @@ public:
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
 
-    operator int() const { return m_value; } // NOLINT(google-explicit-constructor): stands for the number
+    operator int() const { return m_value; } // NOLINT(google-explicit-constructor)
 
 private:
     int m_value;
@@ -71,7 +70,7 @@ Route readRoute(const nlmsghdr& header)
     return route;
 }
 
-/// Nothing where the kernel cannot be asked.
+/// Nothing where the kernel cannot be queried.
 std::optional<Route> routeTo(int family, const void* address, std::size_t addressSize)
 {
     const Descriptor socket(::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE));
@@ -99,10 +98,10 @@ std::optional<Route> routeTo(int family, const void* address, std::size_t addres
                  sizeof kernel) < 0)
         return std::nullopt;
 
-    // The kernel has answered by the time the question is sent.
-    alignas(nlmsghdr) char answer[4096];
-    const ssize_t size = ::recv(socket, answer, sizeof answer, MSG_DONTWAIT);
-    const auto& header = *reinterpret_cast<const nlmsghdr*>(answer);
+    // The kernel has replied by the time `sendto` returns.
+    alignas(nlmsghdr) char reply[4096];
+    const ssize_t size = ::recv(socket, reply, sizeof reply, MSG_DONTWAIT);
+    const auto& header = *reinterpret_cast<const nlmsghdr*>(reply);
     if (size < 0 || !NLMSG_OK(&header, static_cast<std::size_t>(size)))
         return std::nullopt;
     if (header.nlmsg_type == RTM_NEWROUTE)
@@ -112,8 +111,8 @@ std::optional<Route> routeTo(int family, const void* address, std::size_t addres
     switch (-static_cast<const nlmsgerr*>(NLMSG_DATA(&header))->error) {
     case ENETUNREACH:
     case EHOSTUNREACH:
-    case EACCES: // a route that prohibits
-    case EINVAL: // one that swallows
+    case EACCES: // a prohibit route
+    case EINVAL: // a blackhole route
     case EAFNOSUPPORT:
         return Route();
     default:
@@ -145,7 +144,7 @@ std::optional<std::uint32_t> flagsForRoute(int family, const void* address, std:
     if (route->local)
         return NetworkFlagReachable | NetworkFlagIsLocalAddress;
 
-    // By ioctl, which needs no lock: a netlink question for a link waits while someone configures one.
+    // By ioctl, which needs no lock: a netlink request for a link waits while another process configures one.
     const Descriptor socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     ifreq link{};
     link.ifr_ifindex = route->link;
@@ -153,7 +152,7 @@ std::optional<std::uint32_t> flagsForRoute(int family, const void* address, std:
         return 0;
     const std::string name(link.ifr_name, ::strnlen(link.ifr_name, sizeof link.ifr_name));
     if (::ioctl(socket, SIOCGIFFLAGS, &link) < 0 || (link.ifr_flags & IFF_RUNNING) == 0)
-        return 0; // no carrier: the cable is out
+        return 0; // no carrier, as with an unplugged cable
 
     std::uint32_t flags = NetworkFlagReachable;
     if (route->direct)
@@ -173,15 +172,15 @@ std::optional<std::uint32_t> flagsForAddress4(std::uint32_t address)
 
 std::optional<std::uint32_t> flagsForInternet()
 {
-    const auto flags = flagsForAddress4(somewhereOnTheInternet);
+    const auto flags = flagsForAddress4(publicAddress);
     if ((flags.value_or(0) & NetworkFlagReachable) != 0)
         return flags;
-    const auto flags6 = flagsForRoute(AF_INET6, &somewhereOnTheInternet6, sizeof somewhereOnTheInternet6);
+    const auto flags6 = flagsForRoute(AF_INET6, &publicAddress6, sizeof publicAddress6);
     return flags6 ? flags6 : flags;
 }
 
-/// Whether a local network hangs on this machine. Linux keeps no route to the link-local network where none
-/// is needed, though every such link reaches its neighbours.
+/// Whether this machine is on a local network. Linux has no route to the link-local network by default,
+/// though every such link reaches its neighbours.
 bool hasLocalNetwork()
 {
     ifaddrs* first = nullptr;

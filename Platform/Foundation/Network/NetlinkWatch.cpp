@@ -11,21 +11,12 @@
 
 #include <atomic>
 #include <cerrno>
-#include <chrono>
 #include <cstdint>
 #include <mutex>
 #include <utility>
 
 namespace virlo
 {
-
-namespace
-{
-using SteadyClock = std::chrono::steady_clock;
-
-constexpr std::chrono::milliseconds quietTime{100};
-constexpr std::chrono::seconds longestBurst{1};
-} // namespace
 
 class NetlinkWatch::State
 {
@@ -57,10 +48,7 @@ public:
 
     void run()
     {
-        while (announced(-1)) {
-            const auto latest = SteadyClock::now() + longestBurst;
-            while (SteadyClock::now() < latest && announced(quietTime.count())) {
-            }
+        while (waitForMessage()) {
             const std::lock_guard lock(m_callMutex);
             if (m_ended)
                 return;
@@ -80,18 +68,17 @@ public:
     }
 
 private:
-    /// Whether an announcement came within `limit` milliseconds (-1: whenever). It is read away.
-    bool announced(std::int64_t limit) const
+    /// Reads all messages. False once the watch has ended.
+    bool waitForMessage() const
     {
         pollfd descriptors[] = {{m_netlink, POLLIN, 0}, {m_wake, POLLIN, 0}};
         int ready = 0;
         do {
-            ready = ::poll(descriptors, 2, static_cast<int>(limit));
+            ready = ::poll(descriptors, 2, -1);
         } while (ready < 0 && errno == EINTR);
         if (ready <= 0 || descriptors[1].revents != 0)
             return false;
-        // What it says is of no interest, and nor is that some were lost (ENOBUFS): the flags are asked for
-        // anew.
+        // The content does not matter, nor that some were lost (ENOBUFS): the flags are read anew.
         char message[8192];
         while (::recv(m_netlink, message, sizeof message, 0) > 0 || errno == ENOBUFS || errno == EINTR) {
         }

@@ -8,9 +8,8 @@
 namespace virlo
 {
 
-/// Listens for the kernel's announcements of changed links, addresses and routes on a thread of its own,
-/// asleep between them. One change brings many announcements: they are taken together, and `changed` is
-/// called once they have stopped for a tenth of a second, or after one second of them.
+/// Listens for the kernel's messages about changed links, addresses and routes on its own thread, which
+/// sleeps between them.
 class NetlinkWatch : public NetworkFlagsSource::Watch
 {
 public:

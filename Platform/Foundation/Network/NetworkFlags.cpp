@@ -9,7 +9,7 @@ namespace virlo
 
 namespace
 {
-std::atomic<NetworkFlagsSource*> sourceInForce{nullptr};
+std::atomic<NetworkFlagsSource*> currentSource{nullptr};
 
 class FixedNetworkFlags : public NetworkFlagsSource
 {
@@ -29,15 +29,15 @@ private:
 
 NetworkFlagsSource& NetworkFlagsSource::shared()
 {
-    if (NetworkFlagsSource* source = sourceInForce)
+    if (NetworkFlagsSource* source = currentSource)
         return *source;
-    static auto* const kernel = new KernelNetworkFlags; // outlives every static object that may ask it
+    static auto* const kernel = new KernelNetworkFlags; // outlives every static object that may call it
     return *kernel;
 }
 
 void NetworkFlagsSource::setShared(NetworkFlagsSource* source)
 {
-    sourceInForce = source;
+    currentSource = source;
 }
 
 std::unique_ptr<NetworkFlagsSource> makeFixedNetworkFlags(std::uint32_t flags)

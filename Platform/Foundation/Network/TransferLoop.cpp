@@ -237,7 +237,7 @@ bool TransferLoop::admit(Transfer& transfer)
     return true;
 }
 
-void TransferLoop::retire(std::shared_ptr<Transfer> transfer)
+void TransferLoop::retire(const std::shared_ptr<Transfer>& transfer)
 {
     SessionState& session = *transfer->session();
     m_timeouts.erase({transfer->timeoutCheck, transfer});

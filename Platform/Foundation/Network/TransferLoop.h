@@ -61,7 +61,7 @@ private:
     void admitWaiting(SessionState& session, SessionState::Hosts::iterator position);
     [[nodiscard]] bool admit(Transfer& transfer);
     /// Forgets a transfer whose outcome is settled, and starts another in its stead.
-    void retire(std::shared_ptr<Transfer> transfer);
+    void retire(const std::shared_ptr<Transfer>& transfer);
     void scheduleTimeout(const std::shared_ptr<Transfer>& transfer);
     void endTimedOut();
     void endFinished();

@@ -48,10 +48,9 @@ void TrustedAuthorities::locate()
 
 void TrustedAuthorities::apply(CURL* easy, SessionState& session) const
 {
-    // All four say something each time: the handle may have served another session before.
     const std::string& own = session.configuration.trustedAuthoritiesFile;
+    // Null also where there is none: libcurl has its own defaults.
     curl_easy_setopt(easy, CURLOPT_CAPATH, m_directory.empty() ? nullptr : m_directory.c_str());
-    curl_easy_setopt(easy, CURLOPT_CAINFO_BLOB, nullptr);
     if (m_directory.empty() && !own.empty() && !m_bundle.empty()) {
         // libcurl takes one file only.
         if (session.authorities.empty())

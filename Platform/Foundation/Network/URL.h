@@ -13,7 +13,7 @@ namespace virlo
 {
 
 /// A URL that keeps the full text it was made from: equality, order and hash go by that text, and server
-/// macros in brackets stay as they are. Absolute or relative. A value, usable from any thread.
+/// macros in brackets are kept. Absolute or relative. A value, usable from any thread.
 class VIRLO_EXPORT URL
 {
 public:
