@@ -1,7 +1,6 @@
 #include "FaultyFileSystem.h"
 
 #include <cerrno>
-#include <thread>
 
 namespace virlo::test
 {
@@ -16,7 +15,7 @@ std::size_t index(FaultyFileSystem::Operation operation)
 
 } // namespace
 
-/// One call under way: waits out its delay and its hold, and knows whether it is to fail.
+/// One running call: waits while calls are held, and then knows whether to fail.
 class FaultyFileSystem::Call
 {
 public:
@@ -24,14 +23,8 @@ public:
     {
         std::unique_lock lock(owner.m_mutex);
         auto& faults = owner.m_faults[index(operation)];
-        ++owner.m_underWay;
+        ++owner.m_active;
         ++faults.calls;
-        if (faults.delay.count() > 0) {
-            const auto delay = faults.delay;
-            lock.unlock();
-            std::this_thread::sleep_for(delay);
-            lock.lock();
-        }
         owner.m_changed.wait(lock, [&faults] { return !faults.held; });
         if (faults.remaining != 0) {
             if (faults.remaining > 0)
@@ -43,7 +36,7 @@ public:
     ~Call()
     {
         const std::lock_guard lock(m_owner.m_mutex);
-        --m_owner.m_underWay;
+        --m_owner.m_active;
         m_owner.m_changed.notify_all();
     }
 
@@ -67,20 +60,7 @@ FaultyFileSystem::~FaultyFileSystem()
     setShared(nullptr);
     release();
     std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [this] { return m_underWay == 0; });
-}
-
-void FaultyFileSystem::delay(Operation operation, std::chrono::milliseconds duration)
-{
-    const std::lock_guard lock(m_mutex);
-    m_faults[index(operation)].delay = duration;
-}
-
-void FaultyFileSystem::delayAll(std::chrono::milliseconds duration)
-{
-    const std::lock_guard lock(m_mutex);
-    for (auto& faults : m_faults)
-        faults.delay = duration;
+    m_changed.wait(lock, [this] { return m_active == 0; });
 }
 
 void FaultyFileSystem::fail(Operation operation, int code, int times)

@@ -3,15 +3,14 @@
 #include "FileSystem.h"
 
 #include <array>
-#include <chrono>
 #include <condition_variable>
 #include <mutex>
 
 namespace virlo::test
 {
 
-/// The real disk with faults laid over it. In force from its making to its end, which waits for calls under
-/// way. Any thread.
+/// The real disk with injected faults. Set from its making to its end, which waits for running calls. Any
+/// thread.
 class FaultyFileSystem : public FileSystem
 {
 public:
@@ -22,12 +21,8 @@ public:
     FaultyFileSystem(const FaultyFileSystem&) = delete;
     FaultyFileSystem& operator=(const FaultyFileSystem&) = delete;
 
-    /// Every later call of `operation` takes `duration` of real time longer.
-    void delay(Operation operation, std::chrono::milliseconds duration);
-    /// All operations.
-    void delayAll(std::chrono::milliseconds duration);
     /// The next `times` calls of `operation` fail with `code` (an errno value) before they touch the disk; a
-    /// negative count means all. Exists and IsDirectory answer false, Read answers nothing.
+    /// negative count means all. Exists and IsDirectory return false, Read returns nothing.
     void fail(Operation operation, int code, int times = -1);
     /// Directories and writes fail with EROFS.
     void setReadOnly();
@@ -36,7 +31,7 @@ public:
     /// Calls of `operation` wait from here on until `release`.
     void hold(Operation operation);
     void release();
-    /// No faults any more; held calls go on.
+    /// No faults any more; held calls continue.
     void heal();
 
     /// Calls begun so far, failed ones included.
@@ -51,7 +46,6 @@ public:
 
 private:
     struct Faults {
-        std::chrono::milliseconds delay{0};
         int code = 0;
         int remaining = 0;
         bool held = false;
@@ -63,7 +57,7 @@ private:
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;
     mutable std::array<Faults, 5> m_faults;
-    mutable int m_underWay = 0;
+    mutable int m_active = 0;
 };
 
 } // namespace virlo::test

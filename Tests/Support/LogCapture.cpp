@@ -15,9 +15,9 @@ namespace
 
 constexpr const char* reachabilityPrefix = "Reachability Flag Status:";
 
-struct Announced {
+struct Expected {
     LogPattern pattern;
-    bool demanded;
+    bool required;
 };
 
 class LogWatch : public testing::EmptyTestEventListener
@@ -25,7 +25,7 @@ class LogWatch : public testing::EmptyTestEventListener
 public:
     static LogWatch& shared()
     {
-        static auto* const watch = new LogWatch; // threads may log to the process's very end
+        static auto* const watch = new LogWatch; // threads may log until the process is gone
         return *watch;
     }
 
@@ -38,10 +38,10 @@ public:
         testing::UnitTest::GetInstance()->listeners().Append(this);
     }
 
-    void announce(LogPattern pattern, bool demanded)
+    void expect(LogPattern pattern, bool required)
     {
         const std::lock_guard lock(m_mutex);
-        m_announced.push_back({std::move(pattern), demanded});
+        m_expected.push_back({std::move(pattern), required});
     }
 
     std::vector<std::string> lines() const
@@ -52,51 +52,51 @@ public:
 
     void OnTestStart(const testing::TestInfo&) override
     {
-        judge("before this test, after the previous one's end");
+        check("before this test, after the previous one's end");
     }
 
     void OnTestEnd(const testing::TestInfo&) override
     {
         GlobalQueue::drain(Seconds(5));
-        judge("in this test");
+        check("in this test");
     }
 
     void OnTestIterationEnd(const testing::UnitTest&, int) override
     {
         GlobalQueue::drain(Seconds(5));
-        judge("after the last test's end");
+        check("after the last test's end");
     }
 
 private:
-    void judge(const char* when)
+    void check(const char* when)
     {
         std::vector<std::string> lines;
-        std::vector<Announced> announced;
+        std::vector<Expected> expected;
         {
             const std::lock_guard lock(m_mutex);
             lines.swap(m_lines);
-            announced.swap(m_announced);
+            expected.swap(m_expected);
         }
         for (const auto& line : lines) {
-            const bool known =
-                line.starts_with(reachabilityPrefix) ||
-                std::any_of(announced.begin(), announced.end(),
-                            [&line](const Announced& entry) { return entry.pattern.matches(line); });
+            const bool known = line.starts_with(reachabilityPrefix) ||
+                               std::any_of(expected.begin(), expected.end(), [&line](const Expected& entry) {
+                                   return entry.pattern.matches(line);
+                               });
             if (!known)
                 ADD_FAILURE() << "Unexpected log line " << when << ": " << line;
         }
-        for (const auto& [pattern, demanded] : announced) {
-            const bool came = std::any_of(lines.begin(), lines.end(), [&pattern = pattern](const auto& line) {
-                return pattern.matches(line);
-            });
-            if (demanded && !came)
+        for (const auto& [pattern, required] : expected) {
+            const bool wasWritten =
+                std::any_of(lines.begin(), lines.end(),
+                            [&pattern = pattern](const auto& line) { return pattern.matches(line); });
+            if (required && !wasWritten)
                 ADD_FAILURE() << "No log line that " << pattern.description();
         }
     }
 
     mutable std::mutex m_mutex;
     std::vector<std::string> m_lines;
-    std::vector<Announced> m_announced;
+    std::vector<Expected> m_expected;
 };
 
 } // namespace
@@ -121,12 +121,12 @@ void installLogWatch()
 
 void expectLog(LogPattern pattern)
 {
-    LogWatch::shared().announce(std::move(pattern), true);
+    LogWatch::shared().expect(std::move(pattern), true);
 }
 
 void allowLog(LogPattern pattern)
 {
-    LogWatch::shared().announce(std::move(pattern), false);
+    LogWatch::shared().expect(std::move(pattern), false);
 }
 
 std::vector<std::string> logLines()

@@ -8,7 +8,7 @@
 namespace virlo::test
 {
 
-/// A line of the running test, or the pattern of one: text stands for "contains this text".
+/// A pattern for log lines: a matcher, or a text that a line contains.
 class LogPattern
 {
 public:
@@ -30,24 +30,23 @@ private:
     testing::Matcher<std::string> m_matcher;
 };
 
-/// Watches the system's log for every test of the program: takes its sink, and at each test's end (once the
-/// queues have drained) fails the test for each line that no `expectLog` or `allowLog` of it announced. Lines
-/// that start with "Reachability Flag Status:" are passed over. `runAllTests` calls it; other mains call it
-/// once after InitGoogleTest.
+/// Watches the system's log for every test of the program: at each test's end, once the queues have drained,
+/// it fails the test for each line that no `expectLog` or `allowLog` matches. Lines that start with
+/// "Reachability Flag Status:" are ignored. `runAllTests` calls it; other mains call it once after
+/// InitGoogleTest.
 void installLogWatch();
 
-/// Announces lines of the running test, before or after they come. At least one must come by the test's end.
+/// Expects lines of the running test, before or after they are written; at least one by the test's end.
 void expectLog(LogPattern pattern);
-/// Announces lines that may or may not come.
+/// The same, for lines that need not be written.
 void allowLog(LogPattern pattern);
 
-/// The running test's lines so far, announced or not, in order. Any thread.
+/// The running test's lines so far, expected or not, in order. Any thread.
 [[nodiscard]] std::vector<std::string> logLines();
 /// The same, after all queues have drained.
 [[nodiscard]] std::vector<std::string> settledLogLines();
 
-/// The whole of a test program's `main`: arguments, log watch, run. A Qt program makes its application object
-/// first.
+/// The `main` of a test program: arguments, log watch, run. A Qt program makes its application object first.
 [[nodiscard]] int runAllTests(int argc, char** argv);
 
 } // namespace virlo::test

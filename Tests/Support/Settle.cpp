@@ -11,21 +11,16 @@ namespace virlo::test
 namespace
 {
 
-/// The loop asks its predicate only after work of its own; other threads' changes are looked for this often.
-constexpr Seconds lookInterval(0.002);
-
-bool passed(std::chrono::steady_clock::time_point end)
-{
-    return std::chrono::steady_clock::now() >= end;
-}
+/// The loop calls its predicate only after posted work; this often for changes by other threads.
+constexpr Seconds pollInterval(0.002);
 
 } // namespace
 
 bool settle(const std::function<bool()>& predicate, Seconds limit)
 {
     const auto end = std::chrono::steady_clock::now() + Clock::ticks(limit);
-    while (!MainLoop::shared().runUntil(predicate, lookInterval)) {
-        if (passed(end))
+    while (!MainLoop::shared().runUntil(predicate, pollInterval)) {
+        if (std::chrono::steady_clock::now() >= end)
             return predicate();
     }
     return true;
@@ -40,17 +35,17 @@ void pumpMainLoop()
 
 bool settleAll(Seconds limit)
 {
-    // Work hops between the queues and the loop; a few quiet rounds in a row show that no hop is left.
+    // Tasks move between the queues and the loop; a few quiet rounds in a row show that none is left.
     constexpr int quietRounds = 3;
     const auto end = std::chrono::steady_clock::now() + Clock::ticks(limit);
     for (int quiet = 0; quiet < quietRounds;) {
-        const bool atRest = GlobalQueue::drain(Seconds(0));
-        if (!atRest && !GlobalQueue::drain(Seconds(end - std::chrono::steady_clock::now())))
+        const bool isQuiet = GlobalQueue::drain(Seconds(0));
+        if (!isQuiet && !GlobalQueue::drain(Seconds(end - std::chrono::steady_clock::now())))
             return false;
         if (MainLoop::isMainThread())
             pumpMainLoop();
-        quiet = atRest ? quiet + 1 : 0;
-        if (passed(end))
+        quiet = isQuiet ? quiet + 1 : 0;
+        if (std::chrono::steady_clock::now() >= end)
             return false;
     }
     return true;

@@ -7,15 +7,14 @@
 namespace virlo::test
 {
 
-/// A clock that stands still until `advance`. In force from its making to its end; one at a time. What is
-/// still scheduled when it ends never runs; handles may outlive it. `schedule`, `now` and `date` from any
-/// thread.
+/// A clock that moves by `advance` only. Set from its making to its end; one at a time. What is still
+/// scheduled when it ends never runs; handles may outlive it. `schedule`, `now` and `date` from any thread.
 class TestClock : public Clock
 {
 public:
-    /// What `advance` does before each piece of due work and after the last.
+    /// What `advance` does before each due call and after the last.
     enum class Settling {
-        Full, ///< `settleAll`: queues drained and the main loop pumped, until nothing is left to do
+        Full, ///< `settleAll`
         None, ///< nothing: for tests that hold a queue or a worker on purpose
     };
 
@@ -31,9 +30,8 @@ public:
     /// which may be `advance(Seconds(0))`.
     std::shared_ptr<Scheduled> schedule(Seconds delay, std::function<void()> work) override;
 
-    /// Moves the time on by `by`, stopping at each moment at which something is due and running it on the
-    /// caller's thread, in order of due time and then of scheduling; work that this work schedules within the
-    /// span runs too.
+    /// Moves the time on by `by` and makes the calls that come due, at their times, on the caller's thread,
+    /// in order of due time and then of scheduling; also those that they schedule within the span.
     void advance(Seconds by, Settling settling = Settling::Full);
 
     /// The number of scheduled calls that are neither run nor cancelled.
