@@ -10,10 +10,8 @@ using Formatter = std::shared_ptr<const virlo::DateFormatter>;
 
 Formatter createFormatterWithFormat(const std::string& format)
 {
-    // No zone is set: a literal Z in a pattern is mere text, and the time is read in the device's zone.
-    auto formatter = std::make_shared<virlo::DateFormatter>(format);
-    formatter->setLocale("en_US_POSIX");
-    return formatter;
+    // Deliberate: no time zone is set. A quoted Z in a format is text, and the time is in the device's zone.
+    return std::make_shared<virlo::DateFormatter>(format);
 }
 } // namespace
 

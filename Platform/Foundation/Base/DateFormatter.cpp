@@ -1,13 +1,13 @@
 #include "DateFormatter.h"
 
-#include "HostTimeZone.h"
-#include "PlainDatePattern.h"
+#include "LeadingNumber.h"
+
+#include <date/date.h>
 
 #include <algorithm>
-#include <cmath>
-#include <mutex>
-#include <unicode/udat.h>
-#include <unicode/ustring.h>
+#include <array>
+#include <ctime>
+#include <sstream>
 #include <utility>
 
 namespace virlo
@@ -16,186 +16,149 @@ namespace virlo
 namespace
 {
 
-std::u16string utf16(const std::string& text)
+using std::chrono::hours;
+using std::chrono::milliseconds;
+using std::chrono::minutes;
+using std::chrono::seconds;
+
+constexpr std::string_view secondsWithMilliseconds = "ss'.'SSS";
+
+// Longer fields first: "MMM" begins with "MM".
+constexpr std::array<std::pair<std::string_view, std::string_view>, 9> fields{
+    {{secondsWithMilliseconds, "%S"},
+     {"yyyy", "%Y"},
+     {"MMM", "%b"},
+     {"zzz", "%Z"},
+     {"MM", "%m"},
+     {"dd", "%d"},
+     {"HH", "%H"},
+     {"mm", "%M"},
+     {"ss", "%S"}}};
+
+constexpr std::array<std::pair<std::string_view, int>, 26> zoneHours{
+    {{"GMT", 0},  {"UTC", 0},  {"UT", 0},   {"Z", 0},     {"WET", 0},  {"WEST", 1}, {"BST", 1},
+     {"CET", 1},  {"CEST", 2}, {"EET", 2},  {"EEST", 3},  {"MSK", 3},  {"JST", 9},  {"KST", 9},
+     {"AST", -4}, {"ADT", -3}, {"EST", -5}, {"EDT", -4},  {"CST", -6}, {"CDT", -5}, {"MST", -7},
+     {"MDT", -6}, {"PST", -8}, {"PDT", -7}, {"AKST", -9}, {"HST", -10}}};
+
+/// The UTC offset of a zone such as "PST", "GMT+1" or "GMT+0530".
+std::optional<minutes> offsetOfZone(std::string_view zone)
 {
-    std::u16string converted(text.size(), u'\0'); // never longer than the bytes
-    UErrorCode status = U_ZERO_ERROR;
-    int32_t length = 0;
-    u_strFromUTF8WithSub(converted.data(), static_cast<int32_t>(converted.size()), &length, text.data(),
-                         static_cast<int32_t>(text.size()), 0xFFFD, nullptr, &status);
-    converted.resize(U_SUCCESS(status) ? static_cast<std::size_t>(length) : 0);
-    return converted;
+    const auto* const known = std::find_if(zoneHours.begin(), zoneHours.end(),
+                                           [zone](const auto& each) { return each.first == zone; });
+    if (known != zoneHours.end())
+        return hours(known->second);
+    const auto digits = zone.substr(std::min<std::size_t>(zone.size(), 4));
+    const bool isOffset = (zone.starts_with("GMT+") || zone.starts_with("GMT-")) && !digits.empty() &&
+                          digits.size() <= 4 &&
+                          digits.find_first_not_of("0123456789") == std::string_view::npos;
+    if (!isOffset)
+        return std::nullopt;
+    const auto number = LeadingNumber::integer(digits);
+    const minutes offset = digits.size() > 2 ? hours(number / 100) + minutes(number % 100) : hours(number);
+    return zone[3] == '-' ? -offset : offset;
 }
 
-std::string utf8(const std::u16string& text)
+/// The UTC moment of a local time on the device. The hour that comes twice in autumn is the second one; a
+/// time in the hour that is skipped in spring is read with the offset before the change.
+seconds momentInDeviceZone(date::local_seconds local)
 {
-    std::string converted(text.size() * 3, '\0');
-    UErrorCode status = U_ZERO_ERROR;
-    int32_t length = 0;
-    u_strToUTF8WithSub(converted.data(), static_cast<int32_t>(converted.size()), &length, text.data(),
-                       static_cast<int32_t>(text.size()), 0xFFFD, nullptr, &status);
-    converted.resize(U_SUCCESS(status) ? static_cast<std::size_t>(length) : 0);
-    return converted;
+    const auto day = date::floor<date::days>(local);
+    const date::year_month_day calendar(day);
+    const date::hh_mm_ss time(local - day);
+    const auto momentWith = [&](int daylightSaving) {
+        std::tm parts{};
+        parts.tm_year = static_cast<int>(calendar.year()) - 1900;
+        parts.tm_mon = static_cast<int>(static_cast<unsigned>(calendar.month())) - 1;
+        parts.tm_mday = static_cast<int>(static_cast<unsigned>(calendar.day()));
+        parts.tm_hour = static_cast<int>(time.hours().count());
+        parts.tm_min = static_cast<int>(time.minutes().count());
+        parts.tm_sec = static_cast<int>(time.seconds().count());
+        parts.tm_isdst = daylightSaving;
+        const std::time_t moment = std::mktime(&parts);
+        return std::pair(seconds(moment), parts.tm_isdst == daylightSaving);
+    };
+    const auto [standard, isStandardTime] = momentWith(0);
+    if (isStandardTime)
+        return standard;
+    const auto [summer, isSummerTime] = momentWith(1);
+    return isSummerTime ? summer : standard;
 }
 
-/// A year beyond what `Date` can hold is as good as its end: "never".
-Date dateFromMilliseconds(UDate milliseconds)
+template <typename Precision>
+std::optional<Date> parse(const std::string& text, bool beginsWithDayName, const std::string& format)
 {
-    constexpr double last = 9.2e12;
-    const auto bounded = std::clamp(std::round(milliseconds), -last, last);
-    return Date(std::chrono::milliseconds(static_cast<std::int64_t>(bounded)));
+    std::istringstream stream(text);
+    stream.imbue(std::locale::classic());
+    date::local_time<Precision> local;
+    std::string zone;
+    if (beginsWithDayName) { // by itself: within a format it would have to agree with the date
+        date::weekday any;
+        date::from_stream(stream, "%a", any);
+    }
+    date::from_stream(stream, format.c_str(), local, &zone);
+    if (stream.fail() || stream.peek() != std::istringstream::traits_type::eof())
+        return std::nullopt;
+    const auto whole = date::floor<seconds>(local);
+    seconds moment{};
+    if (zone.empty()) {
+        moment = momentInDeviceZone(whole);
+    } else if (const auto offset = offsetOfZone(zone)) {
+        moment = whole.time_since_epoch() - *offset;
+    } else {
+        return std::nullopt;
+    }
+    constexpr seconds last(9'200'000'000);
+    return Date(std::clamp(moment, -last, last) + (local - whole));
 }
-
-struct Closer {
-    void operator()(UDateFormat* format) const { udat_close(format); }
-};
-
-using Opened = std::unique_ptr<UDateFormat, Closer>;
 
 } // namespace
 
-class DateFormatter::Implementation
+DateFormatter::DateFormatter(std::string dateFormat) : m_dateFormat(std::move(dateFormat))
 {
-public:
-    explicit Implementation(std::string format)
-        : m_format(std::move(format))
-        , m_plain(PlainDatePattern::compile(m_format))
-    {
-    }
-
-    [[nodiscard]] const std::string& format() const { return m_format; }
-
-    void setLocale(const std::string& identifier)
-    {
-        const std::lock_guard lock(m_mutex);
-        m_locale = identifier;
-        m_opened.reset();
-        m_openedForUTC.reset();
-    }
-
-    [[nodiscard]] std::optional<Date> parse(const std::string& text)
-    {
-        // A parser that sees the whole of a hostile body takes its time over white space and digits.
-        constexpr std::size_t longest = 256;
-        if (text.empty() || text.size() > longest)
-            return std::nullopt;
-        // White space before a name of a day or month is passed over even by a strict parser.
-        if (text[0] <= ' ' && text[0] != m_format[0])
-            return std::nullopt;
-        const std::lock_guard lock(m_mutex);
-        if (m_plain && m_locale == "en_US_POSIX") {
-            if (const auto date = m_plain->dateFromString(text))
-                return date;
+    std::string_view rest = m_dateFormat;
+    m_beginsWithDayName = rest.starts_with('E');
+    if (m_beginsWithDayName)
+        rest.remove_prefix(1);
+    while (!rest.empty()) {
+        const auto* const field = std::find_if(
+            fields.begin(), fields.end(), [rest](const auto& each) { return rest.starts_with(each.first); });
+        if (field != fields.end()) {
+            m_hasMilliseconds = m_hasMilliseconds || field->first == secondsWithMilliseconds;
+            m_parseFormat += field->second;
+            rest.remove_prefix(field->first.size());
+        } else if (rest.front() == '\'') {
+            const auto end = std::min(rest.find('\'', 1), rest.size() - 1);
+            m_parseFormat += rest.substr(1, end - 1);
+            rest.remove_prefix(end + 1);
+        } else if ((rest.front() >= 'a' && rest.front() <= 'z') ||
+                   (rest.front() >= 'A' && rest.front() <= 'Z')) {
+            m_parseFormat.clear();
+            return;
+        } else {
+            m_parseFormat += rest.front();
+            rest.remove_prefix(1);
         }
-        auto& opened = open(m_opened, hostTimeZone());
-        if (!opened)
-            return std::nullopt;
-        const auto given = utf16(text);
-        if (const auto date = parseWhole(opened.get(), given))
-            return date;
-        // An hour that the device's clocks skip in spring is no time to a strict parser. The text is sound
-        // where it is a time in a zone that skips nothing; it then means the moment that a clock not yet put
-        // forward would show.
-        if (!parseWhole(open(m_openedForUTC, "Etc/UTC").get(), given))
-            return std::nullopt;
-        udat_setLenient(opened.get(), true);
-        const auto date = parseWhole(opened.get(), given);
-        makeStrict(opened.get());
-        return date;
     }
-
-    [[nodiscard]] std::string write(Date date)
-    {
-        const auto milliseconds =
-            std::chrono::floor<std::chrono::milliseconds>(date.time_since_epoch()).count();
-        const std::lock_guard lock(m_mutex);
-        const auto& opened = open(m_opened, hostTimeZone());
-        if (!opened)
-            return {};
-        std::u16string text(256, u'\0');
-        UErrorCode status = U_ZERO_ERROR;
-        const auto length = udat_format(opened.get(), static_cast<UDate>(milliseconds), text.data(),
-                                        static_cast<int32_t>(text.size()), nullptr, &status);
-        text.resize(U_SUCCESS(status) ? static_cast<std::size_t>(length) : 0);
-        return utf8(text);
-    }
-
-private:
-    /// What the parser says of the text's end is lenient: a literal there may be missing. A character that no
-    /// pattern holds, set behind the text, makes it look.
-    static std::optional<Date> parseWhole(UDateFormat* format, std::u16string text)
-    {
-        constexpr char16_t stop = 0xFFFF;
-        const auto length = static_cast<int32_t>(text.size());
-        text += stop;
-        UErrorCode status = U_ZERO_ERROR;
-        int32_t position = 0;
-        const UDate parsed = udat_parse(format, text.data(), length + 1, &position, &status);
-        if (U_FAILURE(status) || position != length || !std::isfinite(parsed))
-            return std::nullopt;
-        return dateFromMilliseconds(parsed);
-    }
-
-    Opened& open(Opened& opened, const std::string& zoneName) const
-    {
-        if (opened)
-            return opened;
-        const auto pattern = utf16(m_format);
-        const auto zone = utf16(zoneName);
-        UErrorCode status = U_ZERO_ERROR;
-        opened.reset(udat_open(UDAT_PATTERN, UDAT_PATTERN, m_locale ? m_locale->c_str() : nullptr,
-                               zone.data(), static_cast<int32_t>(zone.size()), pattern.data(),
-                               static_cast<int32_t>(pattern.size()), &status));
-        if (U_FAILURE(status))
-            opened.reset();
-        else
-            makeStrict(opened.get());
-        return opened;
-    }
-
-    static void makeStrict(UDateFormat* format)
-    {
-        UErrorCode status = U_ZERO_ERROR;
-        udat_setLenient(format, false);
-        for (const auto leniency :
-             {UDAT_PARSE_ALLOW_WHITESPACE, UDAT_PARSE_ALLOW_NUMERIC, UDAT_PARSE_PARTIAL_LITERAL_MATCH})
-            udat_setBooleanAttribute(format, leniency, false, &status);
-    }
-
-    const std::string m_format;
-    const std::optional<PlainDatePattern> m_plain;
-    std::mutex m_mutex; // an opened formatter serves one thread at a time
-    std::optional<std::string> m_locale;
-    // Opened on first use: their data costs memory.
-    Opened m_opened;
-    Opened m_openedForUTC;
-};
-
-DateFormatter::DateFormatter(std::string format)
-    : m_implementation(std::make_unique<Implementation>(std::move(format)))
-{
 }
 
-DateFormatter::~DateFormatter() = default;
-
-const std::string& DateFormatter::dateFormat() const noexcept
+std::optional<Date> DateFormatter::dateFromString(std::string_view text) const
 {
-    return m_implementation->format();
-}
-
-void DateFormatter::setLocale(const std::string& identifier)
-{
-    m_implementation->setLocale(identifier);
-}
-
-std::optional<Date> DateFormatter::dateFromString(const std::string& text) const
-{
-    return m_implementation->parse(text);
-}
-
-std::string DateFormatter::stringFromDate(Date date) const
-{
-    return m_implementation->write(date);
+    constexpr std::size_t longest = 64;
+    if (m_parseFormat.empty() || text.empty() || text.size() > longest ||
+        text.find('\0') != std::string_view::npos)
+        return std::nullopt;
+    std::string normalised(text);
+    // The parser takes a fraction for optional, and no colon in a zone.
+    if (m_hasMilliseconds)
+        return normalised.find('.') == std::string::npos
+                   ? std::nullopt
+                   : parse<milliseconds>(normalised, m_beginsWithDayName, m_parseFormat);
+    if (const auto zone = normalised.find("GMT"); zone != std::string::npos)
+        normalised.erase(
+            std::remove(normalised.begin() + static_cast<std::ptrdiff_t>(zone), normalised.end(), ':'),
+            normalised.end());
+    return parse<seconds>(normalised, m_beginsWithDayName, m_parseFormat);
 }
 
 } // namespace virlo

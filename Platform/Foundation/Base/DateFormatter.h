@@ -2,33 +2,35 @@
 
 #include "Clock.h"
 
-#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace virlo
 {
 
-/// Dates to and from text by an ICU pattern, strictly: text that does not match the whole pattern is no date.
-/// Reads and writes in the device's time zone unless the pattern carries one. Any thread.
+/// Reads dates by a pattern of the fields yyyy, MM, MMM, dd, HH, mm, ss, SSS (after ss and a quoted point),
+/// zzz and, at its beginning, E, of text in single quotes and of any other characters. Names of days and
+/// months are English whatever the device's language. Immutable; any thread.
 class DateFormatter
 {
 public:
-    explicit DateFormatter(std::string format);
-    ~DateFormatter();
-    DateFormatter(const DateFormatter&) = delete;
-    DateFormatter& operator=(const DateFormatter&) = delete;
+    /// A pattern with any other letter matches no text.
+    explicit DateFormatter(std::string dateFormat);
 
-    [[nodiscard]] const std::string& dateFormat() const noexcept;
-    /// An ICU locale name ("en_US_POSIX").
-    void setLocale(const std::string& identifier);
+    [[nodiscard]] const std::string& dateFormat() const noexcept { return m_dateFormat; }
 
-    [[nodiscard]] std::optional<Date> dateFromString(const std::string& text) const;
-    [[nodiscard]] std::string stringFromDate(Date date) const;
+    /// Nothing where the text does not match the whole pattern or is no date of the calendar; the name of the
+    /// day need not agree with the date. Without zzz the time is in the device's time zone; zzz takes a
+    /// common abbreviation ("GMT", "PST", "CEST") or an offset
+    /// ("GMT+05:30"). A date after the year 2261, which `Date` cannot hold, is clamped.
+    [[nodiscard]] std::optional<Date> dateFromString(std::string_view text) const;
 
 private:
-    class Implementation;
-    std::unique_ptr<Implementation> m_implementation;
+    std::string m_dateFormat;
+    std::string m_parseFormat; ///< the fields after E as strftime writes them; empty for an unknown pattern
+    bool m_beginsWithDayName = false;
+    bool m_hasMilliseconds = false;
 };
 
 } // namespace virlo

@@ -16,8 +16,7 @@ namespace virlo
 namespace
 {
 
-/// By the system's own list. ICU knows the same names, but a first question to it costs megabytes of resident
-/// memory.
+/// Whether the system's time zone database has the zone.
 bool isKnown(const std::string& name)
 {
     const bool isName = !name.empty() && name.size() <= 100 && name[0] != '/' && name[0] != '.' &&
@@ -28,7 +27,7 @@ bool isKnown(const std::string& name)
     return FileSystem::shared().exists(path) && !FileSystem::shared().isDirectory(path);
 }
 
-/// The name in "/usr/share/zoneinfo/Europe/Berlin"; any other text as it stands.
+/// The name in "/usr/share/zoneinfo/Europe/Berlin"; any other text unchanged.
 std::string withoutDirectory(std::string_view path)
 {
     for (const std::string_view directory : {"/zoneinfo/", "posix/", "right/"}) {

@@ -5,9 +5,9 @@
 namespace virlo
 {
 
-/// The Olson name of the zone that this process lives in: TZ's, else that of the system's `/etc/localtime` or
-/// `/etc/timezone`. Where these name none that is known (a rule written out, a bare copy of a zone's file),
-/// the distance to Greenwich that holds now, as "GMT+05:30", or "Etc/UTC". Any thread.
+/// The Olson name of this process's time zone: from TZ, else from the system's `/etc/localtime` or
+/// `/etc/timezone`. Where these name no known zone (a POSIX rule, a copy of a zone's file), the present UTC
+/// offset as "GMT+05:30", or "Etc/UTC". Any thread.
 [[nodiscard]] std::string hostTimeZone();
 
 } // namespace virlo
