@@ -1,60 +1,92 @@
 #include "CoreTest.h"
-#include "PropertyList.h"
 #include "VIRLOTrackingManager.h"
 
-#include <cerrno>
+#include <plist/plist.h>
+#include <regex>
 
 namespace virlo::test
 {
 namespace
 {
 
+// Per object: its values by key; "#2" refers to the object with the index 2.
+constexpr const char* archiveOfAAndB =
+    "<string>$null</string>"
+    "<dict><key>NS.objects</key><array>#2#7</array><key>$class</key>#10</dict>"
+    "<dict><key>placement</key>#3<key>date</key>#4<key>$class</key>#6</dict>"
+    "<string>A</string>"
+    "<dict><key>NS.time</key><real>T</real><key>$class</key>#5</dict>"
+    "<dict><key>$classname</key><string>NSDate</string><key>$classes</key><array><string>NSDate</string>"
+    "<string>NSObject</string></array></dict>"
+    "<dict><key>$classname</key><string>VIRLOTrackingItem</string><key>$classes</key><array>"
+    "<string>VIRLOTrackingItem</string><string>NSObject</string></array></dict>"
+    "<dict><key>placement</key>#8<key>date</key>#9<key>$class</key>#6</dict>"
+    "<string>B</string>"
+    "<dict><key>NS.time</key><real>T</real><key>$class</key>#5</dict>"
+    "<dict><key>$classname</key><string>NSMutableArray</string><key>$classes</key><array>"
+    "<string>NSMutableArray</string><string>NSArray</string><string>NSObject</string></array></dict>";
+
 class Tracking : public CoreTest
 {
 protected:
-    [[nodiscard]] std::vector<std::string> savedPlacements() const
+    [[nodiscard]] std::string secondsText() const
     {
-        const auto objects =
-            PropertyList::objectsFromKeyedArchive(folder.read("a/b/tracking.store").value_or(""));
-        EXPECT_TRUE(objects);
-        std::vector<std::string> placements;
-        const std::vector<PropertyList::ArchivedObject> none;
-        for (const auto& object : objects ? *objects : none) {
-            const auto item = VIRLOTrackingItem::initWithArchivedObject(object);
-            EXPECT_TRUE(item);
-            placements.push_back(item ? item->placement() : "");
-        }
-        return placements;
+        return std::to_string(
+                   std::chrono::floor<std::chrono::seconds>(clock.date()).time_since_epoch().count() -
+                   978307200) +
+               "[.]?";
+    }
+
+    /// The saved archive as XML, references as "#" and index.
+    [[nodiscard]] std::string saved() const
+    {
+        const std::string data = folder.read("a/b/tracking.store").value_or("");
+        plist_t root = nullptr;
+        plist_from_bin(data.data(), static_cast<std::uint32_t>(data.size()), &root);
+        char* text = nullptr;
+        std::uint32_t length = 0;
+        plist_to_xml(root, &text, &length);
+        std::string xml(text ? text : "", length);
+        plist_to_xml_free(text);
+        plist_free(root);
+        xml = std::regex_replace(xml, std::regex(R"(\s+<)"), "<");
+        xml = std::regex_replace(
+            xml, std::regex(R"(<dict><key>CF\$UID</key><integer>(\d+)</integer></dict>)"), "#$1");
+        // "T": seconds since 2001-01-01, as of the test's clock
+        return std::regex_replace(xml, std::regex("<real>" + secondsText() + R"(\d*</real>)"),
+                                  "<real>T</real>");
     }
 
     std::shared_ptr<VIRLOTrackingManager> manager =
         VIRLOTrackingManager::initWithDirectoryPath(folder.path("a/b"));
 };
 
-TEST_F(Tracking, MarkIsThereOnceTheFirstSaveHasRun)
+TEST_F(Tracking, MarkExistsAfterTheFirstSave)
 {
     EXPECT_FALSE(manager->isTrackingInitiated());
     EXPECT_FALSE(manager->lastTrackingItem());
     manager->initiateTracking();
     settleAll();
     EXPECT_TRUE(manager->isTrackingInitiated());
-    EXPECT_TRUE(savedPlacements().empty());
 }
 
-TEST_F(Tracking, SavesEveryEntryOfThisRunAlone)
+TEST_F(Tracking, SavesTheEntriesOfThisRunAsAKeyedArchive)
 {
     folder.write("a/b/tracking.store", "of the run before");
-    for (const char* placement : {"A", "A", "B"})
-        manager->registerPlacement(placement);
+    manager->registerPlacement("A");
+    clock.advance(Seconds(0.25));
+    manager->registerPlacement("B");
     EXPECT_EQ(manager->lastTrackingItem()->placement(), "B");
     EXPECT_EQ(manager->lastTrackingItem()->date(), clock.date());
     manager->saveToFile();
     manager->registerPlacement("later");
     settleAll();
-    EXPECT_EQ(savedPlacements(), (std::vector<std::string>{"A", "A", "B"}));
+    EXPECT_THAT(saved(),
+                testing::HasSubstr("<key>$objects</key><array>" + std::string(archiveOfAAndB) + "</array>"));
+    EXPECT_THAT(saved(), testing::HasSubstr("<key>$top</key><dict><key>root</key>#1</dict>"));
 }
 
-TEST_F(Tracking, FileInPlaceOfTheFolderIsToldAndLeftAlone)
+TEST_F(Tracking, FileInPlaceOfTheFolderIsLoggedAndKept)
 {
     folder.write("a/b", "mine");
     expectLog("WARNING! Internal Inconsistency A file with the same name as expected directory exists in "
@@ -67,7 +99,7 @@ TEST_F(Tracking, FileInPlaceOfTheFolderIsToldAndLeftAlone)
     EXPECT_EQ(folder.read("a/b"), "mine");
 }
 
-TEST_F(Tracking, BrokenDiskKeepsTheHistoryInMemoryAndSavesOnceItIsHealed)
+TEST_F(Tracking, HistoryStaysInMemoryUntilTheDiskWorksAgain)
 {
     disk.setReadOnly();
     expectLog("Cannot create directory " + folder.path("a/b") + ". Error: ");
@@ -80,16 +112,16 @@ TEST_F(Tracking, BrokenDiskKeepsTheHistoryInMemoryAndSavesOnceItIsHealed)
     disk.heal();
     manager->initiateTracking();
     settleAll();
-    EXPECT_EQ(savedPlacements(), std::vector<std::string>{"A"});
+    EXPECT_THAT(saved(), testing::HasSubstr("<string>A</string>"));
 }
 
-TEST_F(Tracking, WithoutAPlaceForFilesThereIsNeverAMark)
+TEST_F(Tracking, WithoutAFolderThereIsNeverAMark)
 {
-    const auto homeless = VIRLOTrackingManager::initWithDirectoryPath("");
+    const auto withoutFolder = VIRLOTrackingManager::initWithDirectoryPath("");
     expectLog("Cannot save tracking information to: ");
-    homeless->initiateTracking();
+    withoutFolder->initiateTracking();
     settleAll();
-    EXPECT_FALSE(homeless->isTrackingInitiated());
+    EXPECT_FALSE(withoutFolder->isTrackingInitiated());
     EXPECT_EQ(disk.calls(FaultyFileSystem::Operation::Write), 0);
 }
 

@@ -7,8 +7,6 @@
 namespace
 {
 constexpr const char* className = "VIRLOTrackingItem";
-constexpr const char* placementKey = "placement";
-constexpr const char* dateKey = "date";
 } // namespace
 
 VIRLOTrackingItem::VIRLOTrackingItem(std::string placement, virlo::Date date)
@@ -22,19 +20,9 @@ VIRLOTrackingItem VIRLOTrackingItem::initWithPlacement(std::string placement)
     return {std::move(placement), virlo::Clock::shared().date()};
 }
 
-std::optional<VIRLOTrackingItem>
-VIRLOTrackingItem::initWithArchivedObject(const virlo::PropertyList::ArchivedObject& object)
+virlo::KeyedArchive::Object VIRLOTrackingItem::archivedObject() const
 {
-    const auto placement = object.strings.find(placementKey);
-    const auto date = object.dates.find(dateKey);
-    if (object.className != className || placement == object.strings.end() || date == object.dates.end())
-        return std::nullopt;
-    return VIRLOTrackingItem(placement->second, date->second);
-}
-
-virlo::PropertyList::ArchivedObject VIRLOTrackingItem::archivedObject() const
-{
-    return {className, {{placementKey, m_placement}}, {{dateKey, m_date}}};
+    return {className, {{"placement", m_placement}}, {{"date", m_date}}};
 }
 
 std::string VIRLOTrackingItem::description() const

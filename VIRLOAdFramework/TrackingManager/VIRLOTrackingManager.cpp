@@ -7,6 +7,7 @@
 
 using virlo::FileSystem;
 
+// The label's prefix differs from the others' on purpose.
 const char* const VIRLOTrackingManager::kTrackingArraySyncQueue = "com.virlohq.KSTVTrackingManager";
 
 VIRLOTrackingManager::VIRLOTrackingManager(std::string directoryPath)
@@ -77,11 +78,11 @@ void VIRLOTrackingManager::saveToFile()
 
 void VIRLOTrackingManager::write(const std::vector<VIRLOTrackingItem>& items) const
 {
-    std::vector<virlo::PropertyList::ArchivedObject> objects;
+    std::vector<virlo::KeyedArchive::Object> objects;
     objects.reserve(items.size());
     for (const VIRLOTrackingItem& item : items)
         objects.push_back(item.archivedObject());
     if (m_directoryPath.empty() ||
-        FileSystem::shared().writeAtomically(filepath(), virlo::PropertyList::keyedArchive(objects)))
+        FileSystem::shared().writeAtomically(filepath(), virlo::KeyedArchive::data(objects)))
         VIRLOAdFrameworkLogger::logWarningWithFormat("Cannot save tracking information to: %@", filepath());
 }

@@ -8,22 +8,22 @@
 #include <string>
 #include <vector>
 
-/// The placements of this run, and the mark that the library has started once on this device. Owned by
+/// The placements of this run, and the mark that the library has started before on this device. Owned by
 /// VIRLOAdController.
 ///
-/// The mark is the mere existence of the file "tracking.store", a keyed archive of this run's placements,
-/// which is rewritten whole at each save and never read back: each run begins with an empty history. Whatever
-/// stands at its path counts. Disk failures are logged and otherwise ignored; a first save that fails makes
-/// the next start a first start again.
+/// The mark is the existence of the file "tracking.store", whatever it contains. Its content is a keyed
+/// archive of this run's placements, written whole at each save and never read: each run begins with an empty
+/// history. Disk failures are logged and otherwise ignored; if the first save fails, the next start is a
+/// first start again.
 ///
-/// Any thread. Only `isTrackingInitiated` touches the disk on the caller's thread; writes run one after
+/// Any thread. Only `isTrackingInitiated` accesses the disk on the caller's thread; writes run one after
 /// another on a queue that no caller waits for.
 class VIRLOTrackingManager : public std::enable_shared_from_this<VIRLOTrackingManager>
 {
 public:
     static const char* const kTrackingArraySyncQueue;
 
-    /// `directoryPath` empty means a device without a place for files.
+    /// An empty path is a device without a folder for files: nothing is saved and there is never a mark.
     [[nodiscard]] static std::shared_ptr<VIRLOTrackingManager>
     initWithDirectoryPath(std::string directoryPath);
 
@@ -31,11 +31,11 @@ public:
     VIRLOTrackingManager& operator=(const VIRLOTrackingManager&) = delete;
 
     [[nodiscard]] bool isTrackingInitiated() const;
-    /// Makes the directory where it is missing and saves.
+    /// Creates the directory if it is missing, and saves.
     void initiateTracking();
     void registerPlacement(const std::string& placement);
     [[nodiscard]] std::optional<VIRLOTrackingItem> lastTrackingItem() const;
-    /// Writes what was registered before this call.
+    /// Writes the placements registered before this call.
     void saveToFile();
 
     [[nodiscard]] const std::string& directoryPath() const noexcept { return m_directoryPath; }

@@ -14,6 +14,8 @@ namespace virlo
 namespace
 {
 
+constexpr std::size_t longestText = std::size_t{16} << 20;
+
 plist_t newDate(Date date)
 {
     constexpr double last = std::numeric_limits<std::int32_t>::max();
@@ -21,20 +23,42 @@ plist_t newDate(Date date)
     return plist_new_date(static_cast<std::int32_t>(seconds), 0);
 }
 
+/// libplist's parser calls itself once for each level of nesting.
+bool hasFewContainers(std::string_view xml)
+{
+    constexpr int mostContainers = 4096;
+    int containers = 0;
+    for (const std::string_view opening : {"<array", "<dict"}) {
+        for (auto at = xml.find(opening); at != std::string_view::npos; at = xml.find(opening, at + 1)) {
+            if (++containers > mostContainers)
+                return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 std::string PropertyList::xmlFromDates(const std::map<std::string, Date>& dates)
 {
-    const PlistNode::Owned root(plist_new_dict());
+    const PlistNode root(plist_new_dict());
     for (const auto& [key, date] : dates)
         plist_dict_set_item(root.get(), key.c_str(), newDate(date));
-    return PlistNode::xml(root);
+    char* text = nullptr;
+    std::uint32_t length = 0;
+    plist_to_xml(root.get(), &text, &length);
+    const std::unique_ptr<char, void (*)(char*)> owned(text, plist_to_xml_free);
+    return text ? std::string(text, length) : std::string();
 }
 
-std::optional<std::map<std::string, Date>> PropertyList::datesFromData(std::string_view data)
+std::optional<std::map<std::string, Date>> PropertyList::datesFromXML(std::string_view xml)
 {
-    const auto root = PlistNode::fromData(data);
-    if (!root || !PLIST_IS_DICT(root.get()))
+    if (xml.empty() || xml.size() > longestText || !hasFewContainers(xml))
+        return std::nullopt;
+    plist_t parsed = nullptr;
+    plist_from_xml(xml.data(), static_cast<std::uint32_t>(xml.size()), &parsed);
+    const PlistNode root(parsed);
+    if (!PLIST_IS_DICT(root.get()))
         return std::nullopt;
     plist_dict_iter started = nullptr;
     plist_dict_new_iter(root.get(), &started);
@@ -52,7 +76,7 @@ std::optional<std::map<std::string, Date>> PropertyList::datesFromData(std::stri
         std::int32_t seconds = 0;
         std::int32_t microseconds = 0;
         plist_get_date_val(value, &seconds, &microseconds);
-        dates[key] = ReferenceDate::dateFromSeconds(seconds) + std::chrono::microseconds(microseconds);
+        dates[key] = ReferenceDate::dateFromSeconds(seconds);
     }
 }
 

@@ -2,13 +2,11 @@
 
 #include "Clock.h"
 
-#include <algorithm>
-#include <cmath>
-
 namespace virlo::ReferenceDate
 {
 
-// Property lists count seconds from 2001-01-01 00:00:00 UTC.
+// Property lists and measurements count seconds from 2001-01-01 00:00:00 UTC. Computed in floating point: the
+// device's clock may be set to any date.
 
 inline constexpr double secondsSince1970 = 978307200;
 
@@ -17,13 +15,10 @@ inline constexpr double secondsSince1970 = 978307200;
     return Seconds(date.time_since_epoch()).count() - secondsSince1970;
 }
 
-/// To the microsecond; what `Date` cannot hold becomes its end, NaN the reference date itself.
-[[nodiscard]] inline Date dateFromSeconds(double seconds)
+/// Any number of 32 bits gives a date.
+[[nodiscard]] inline Date dateFromSeconds(std::int32_t seconds)
 {
-    constexpr double last = 9.2e9;
-    const double since1970 =
-        std::clamp(std::isnan(seconds) ? secondsSince1970 : seconds + secondsSince1970, -last, last);
-    return Date(std::chrono::microseconds(std::llround(since1970 * 1e6)));
+    return Date(std::chrono::seconds(seconds + static_cast<std::int64_t>(secondsSince1970)));
 }
 
 } // namespace virlo::ReferenceDate
