@@ -1,5 +1,6 @@
 #include "VIRLOUserProfile.h"
 
+#include "JSONReading.h"
 #include "VIRLOHostText.h"
 
 namespace
@@ -29,6 +30,11 @@ void VIRLOUserProfile::reset()
 }
 
 virlo::JSON VIRLOUserProfile::profileDictionary() const
+{
+    return profileDict();
+}
+
+virlo::JSON VIRLOUserProfile::profileDict() const
 {
     const std::lock_guard lock(m_mutex);
     return m_profileDict;

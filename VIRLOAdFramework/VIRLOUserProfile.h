@@ -10,31 +10,33 @@
 #include <string>
 #include <vector>
 
-/// What the host tells about its user, for choosing ads. It travels whole to the ad server with every session
-/// ping; what was never set is not sent. In memory only: it starts empty in every process. Any thread;
-/// nothing fails or waits.
+/// The host's description of its user, by which the server chooses ads. Every session ping carries the whole
+/// profile; what was never set is not sent. In memory only: it is empty when the process starts. Any thread;
+/// no operation fails or blocks.
 class VIRLO_EXPORT VIRLOUserProfile
 {
 public:
-    /// The one profile, which lives as long as the process.
+    /// The one instance; it lives as long as the process.
     [[nodiscard]] static std::shared_ptr<VIRLOUserProfile> sharedProfile();
 
     VIRLOUserProfile(const VIRLOUserProfile&) = delete;
     VIRLOUserProfile& operator=(const VIRLOUserProfile&) = delete;
 
     void reset();
-    /// A copy of everything set, under the server's keys "age", "gender" and "keywords".
+    /// What the ping sends: a copy of `profileDict`, the values set under the server's keys "age", "gender"
+    /// and "keywords".
     [[nodiscard]] virlo::JSON profileDictionary() const;
+    [[nodiscard]] virlo::JSON profileDict() const;
 
     /// In years; 0 where never set.
     [[nodiscard]] std::uint64_t age() const;
     void setAge(std::uint64_t years);
 
-    /// Free text, sent as it stands.
+    /// Free text, sent unchanged.
     [[nodiscard]] std::optional<std::string> gender() const;
     void setGender(const std::string& gender);
 
-    /// In the order added, duplicates included. Reading them makes the (empty) list part of what is sent.
+    /// In the order added, with duplicates. Reading them makes an empty list part of what is sent.
     [[nodiscard]] std::vector<std::string> keywords();
     void addKeyword(const std::string& keyword);
     /// Removes every keyword equal to `keyword`.

@@ -1,22 +1,16 @@
 #include "VIRLOActionButton.h"
 
-#include <algorithm>
-#include <limits>
+#include "JSONReading.h"
 
 using virlo::JSON;
+using virlo::JSONReading::floatNumber;
 
 namespace
 {
-float floatValue(const JSON& dictionary, const char* key)
-{
-    constexpr double largest = std::numeric_limits<float>::max();
-    return static_cast<float>(std::clamp(virlo::JSONReading::number(dictionary, key), -largest, largest));
-}
-
 virlo::Color color(const JSON& dictionary, const char* red, const char* green, const char* blue)
 {
-    return {floatValue(dictionary, red) / 255.0F, floatValue(dictionary, green) / 255.0F,
-            floatValue(dictionary, blue) / 255.0F, 1.0F};
+    return {floatNumber(dictionary, red) / 255.0F, floatNumber(dictionary, green) / 255.0F,
+            floatNumber(dictionary, blue) / 255.0F, 1.0F};
 }
 } // namespace
 
@@ -25,8 +19,8 @@ VIRLOActionButton::VIRLOActionButton(const JSON& dictionary)
     , m_text(virlo::JSONReading::string(dictionary, "text"))
     , m_textColor(color(dictionary, "textRed", "textGreen", "textBlue"))
     , m_backgroundColor(color(dictionary, "backgroundRed", "backgroundGreen", "backgroundBlue"))
-    , m_xPosition(floatValue(dictionary, "xPosition"))
-    , m_yPosition(floatValue(dictionary, "yPosition"))
+    , m_xPosition(floatNumber(dictionary, "xPosition"))
+    , m_yPosition(floatNumber(dictionary, "yPosition"))
 {
 }
 

@@ -7,9 +7,9 @@
 #include <optional>
 #include <string>
 
-/// The one call-to-action button that an ad item may carry: label, colours, place, and what pressing it does.
-/// Immutable; any thread. Built from the server's JSON, which never fails: what is missing or of another
-/// shape is empty.
+/// The call-to-action button of an ad item: label, colours, position and action. Immutable; any thread.
+/// Construction from the server's JSON never fails: a key that is missing or of another type leaves its
+/// property empty.
 class VIRLOActionButton
 {
 public:
@@ -22,7 +22,7 @@ public:
 
     [[nodiscard]] const std::optional<std::string>& text() const noexcept { return m_text; }
 
-    /// Not clamped: the server's 510 is 2.0.
+    /// Not clamped: 510 gives 2.0.
     [[nodiscard]] const virlo::Color& textColor() const noexcept { return m_textColor; }
 
     [[nodiscard]] const virlo::Color& backgroundColor() const noexcept { return m_backgroundColor; }

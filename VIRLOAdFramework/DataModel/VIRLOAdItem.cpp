@@ -1,10 +1,10 @@
 #include "VIRLOAdItem.h"
 
+#include "JSONReading.h"
 #include "VIRLOAdFrameworkLogger.h"
 
 #include <algorithm>
 #include <limits>
-#include <string_view>
 
 using virlo::JSON;
 using virlo::URL;
@@ -30,11 +30,10 @@ std::vector<URL> urls(const JSON& array)
     return result;
 }
 
-template <typename Integer>
-Integer clampedInteger(const JSON& dictionary, const char* key)
+std::int32_t int32(const JSON& dictionary, const char* key)
 {
-    using Limits = std::numeric_limits<Integer>;
-    return static_cast<Integer>(
+    using Limits = std::numeric_limits<std::int32_t>;
+    return static_cast<std::int32_t>(
         std::clamp<std::int64_t>(JSONReading::integer(dictionary, key), Limits::min(), Limits::max()));
 }
 } // namespace
@@ -49,9 +48,8 @@ VIRLOAdItem::VIRLOAdItem(const JSON& dictionary)
     m_category = JSONReading::string(dictionary, "category");
     m_type = itemTypeFromString(JSONReading::string(dictionary, "type"));
     m_price = JSONReading::text(dictionary, "price");
-    constexpr double largest = std::numeric_limits<float>::max();
-    m_rating = static_cast<float>(std::clamp(JSONReading::number(dictionary, "rating"), -largest, largest));
-    m_numberOfRatings = clampedInteger<std::int32_t>(dictionary, "reviews");
+    m_rating = JSONReading::floatNumber(dictionary, "rating");
+    m_numberOfRatings = int32(dictionary, "reviews");
     m_currencyAmount = JSONReading::unsignedInteger(dictionary, "currencyAmount");
     m_currencyType = JSONReading::string(dictionary, "currencyType");
     m_backgroundURL = url(dictionary, "backgroundUrl");

@@ -21,12 +21,11 @@ enum class VIRLOAdItemType : std::uint64_t {
     SMS = 5
 };
 
-/// One thing that an advertisement offers: an app, a piece of content, or a way to be contacted. Built from
-/// the server's JSON, which never fails: a key that is missing, null or of another shape leaves its property
-/// empty (or 0). Read from any thread; `impressionMarked` may also be set from any thread, the other setters
-/// only before the item is shared.
+/// One offer of an advertisement: an app, content, or a way to be contacted. Construction from the server's
+/// JSON never fails: a key that is missing, null or of another type leaves its property empty (or 0). Getters
+/// and `setImpressionMarked` on any thread; the other setters only before the item is shared.
 ///
-/// Items equal each other by `identifier` and so serve as cache keys; an item without one equals none.
+/// Items are equal by `identifier`, so they serve as cache keys; an item without one equals none.
 class VIRLOAdItem
 {
 public:
@@ -36,7 +35,7 @@ public:
     VIRLOAdItem(const VIRLOAdItem&) = delete;
     VIRLOAdItem& operator=(const VIRLOAdItem&) = delete;
 
-    /// "appstore", "content", "email", "call" and "sms" have types; anything else is Unknown.
+    /// The type named "appstore", "content", "email", "call" or "sms"; Unknown for any other text.
     [[nodiscard]] VIRLOAdItemType itemTypeFromString(const std::optional<std::string>& text) const;
 
     [[nodiscard]] bool isEqual(const VIRLOAdItem& other) const;
@@ -53,13 +52,13 @@ public:
 
     [[nodiscard]] const std::optional<std::string>& text() const noexcept { return m_text; }
 
-    /// Null where the item has none.
+    /// Null if the item has none.
     [[nodiscard]] const std::shared_ptr<const VIRLOActionButton>& actionButton() const noexcept
     {
         return m_actionButton;
     }
 
-    /// As the screens show it; a number that the server sent is its decimal text.
+    /// As the screens show it; a number sent by the server is its decimal text.
     [[nodiscard]] const std::optional<std::string>& price() const noexcept { return m_price; }
 
     [[nodiscard]] const std::optional<virlo::URL>& impressionURL() const noexcept { return m_impressionURL; }
@@ -72,32 +71,34 @@ public:
 
     [[nodiscard]] const std::optional<virlo::URL>& backgroundURL() const noexcept { return m_backgroundURL; }
 
-    /// In the server's order, without the entries that are no URL.
+    /// In the server's order, without entries that are not URLs.
     [[nodiscard]] const std::vector<virlo::URL>& screenshotsURLs() const noexcept
     {
         return m_screenshotsURLs;
     }
 
-    /// Never sent by the server.
+    /// Not filled from JSON.
     [[nodiscard]] const std::optional<std::string>& format() const noexcept { return m_format; }
 
     [[nodiscard]] std::uint64_t currencyAmount() const noexcept { return m_currencyAmount; }
 
     [[nodiscard]] const std::optional<std::string>& currencyType() const noexcept { return m_currencyType; }
 
-    /// Stars; whatever the server sent, finite.
+    /// Stars; as sent by the server, but finite.
     [[nodiscard]] float rating() const noexcept { return m_rating; }
 
     [[nodiscard]] std::int32_t numberOfRatings() const noexcept { return m_numberOfRatings; }
 
     [[nodiscard]] const std::optional<virlo::URL>& markupURL() const noexcept { return m_markupURL; }
 
+    /// The URL of the currency check, in JSON "pollingUrl"; VIRLOAppRequestStore keeps it once the user acted
+    /// on the item.
     [[nodiscard]] const std::optional<virlo::URL>& activationCheckURL() const noexcept
     {
         return m_activationCheckURL;
     }
 
-    /// True once the server has taken the report of this item's impression.
+    /// True once the server has accepted the report of this item's impression.
     [[nodiscard]] bool impressionMarked() const noexcept { return m_impressionMarked; }
 
     void setIdentifier(std::optional<std::string> identifier) { m_identifier = std::move(identifier); }

@@ -1,5 +1,6 @@
 #include "VIRLOAdvertisement.h"
 
+#include "JSONReading.h"
 #include "VIRLOAdFrameworkLogger.h"
 #include "VIRLOTimestamp.h"
 
@@ -16,10 +17,7 @@ namespace
 {
 constexpr const char* dateFormat = "E MMM dd HH:mm:ss zzz yyyy";
 
-// Far beyond what a screen shows; a body of a million empty objects would take a gigabyte as items.
-constexpr std::size_t mostItemsOfAnAnswer = 10'000;
-
-// One word stands for both kinds of discovery; read back it is the first.
+// Both discovery types have the same name, which reads as the first of them.
 constexpr std::array<std::string_view, 8> typeNames = {"any",   "discovery", "discovery",  "interstitial",
                                                        "video", "featured",  "engagement", "recommendation"};
 
@@ -69,10 +67,6 @@ void VIRLOAdvertisement::addItemsFromArray(const JSON& array)
         return;
     Items items;
     for (const JSON& element : array) {
-        if (items.size() == mostItemsOfAnAnswer) {
-            VIRLOAdFrameworkLogger::logWarningWithFormat("Advertisement with too many items: %@", m_txId);
-            break;
-        }
         if (element.is_object())
             items.push_back(VIRLOAdItem::initWithDictionary(element));
     }
@@ -86,6 +80,11 @@ void VIRLOAdvertisement::addItemsFromArray(const Items& items)
 }
 
 VIRLOAdvertisement::Items VIRLOAdvertisement::items() const
+{
+    return mutableItems();
+}
+
+VIRLOAdvertisement::Items VIRLOAdvertisement::mutableItems() const
 {
     const std::lock_guard lock(m_mutex);
     return m_mutableItems;
@@ -111,7 +110,7 @@ void VIRLOAdvertisement::setMoreItemsURL(std::optional<virlo::URL> url)
 
 bool VIRLOAdvertisement::isEqual(const VIRLOAdvertisement& other) const
 {
-    // Unlike items, advertisements of a subclass are other ones.
+    // Unlike with items, an instance of a subclass is never equal.
     return typeid(*this) == typeid(other) && m_txId && m_txId == other.m_txId;
 }
 

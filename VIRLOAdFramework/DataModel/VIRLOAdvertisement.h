@@ -12,8 +12,7 @@
 #include <string>
 #include <vector>
 
-/// What kind of ad; it chooses the screen. The server writes both discovery kinds with one word, which reads
-/// as the first.
+/// Chooses the screen. Both discovery types have the same name at the server, which reads as the first.
 enum class VIRLOAdvertisementType : std::uint64_t {
     Any = 0,
     Discovery = 1,
@@ -25,9 +24,9 @@ enum class VIRLOAdvertisementType : std::uint64_t {
     Recommendation = 7,
 };
 
-/// One answer of the ad server to a request for an ad: its kind, its items, and where more of them can be
-/// fetched. Held by the screen that shows it. Building it never fails: what is missing or of another shape is
-/// empty. Items are only ever added. Any thread; the setters only before it is shared.
+/// One response of the ad server to a request for an ad: type, items, and the URL of further items. Held by
+/// the screen that shows it. Construction never fails: a key that is missing or of another type leaves its
+/// property empty. Items are never removed. Any thread; the setters only before it is shared.
 class VIRLOAdvertisement
 {
 public:
@@ -40,15 +39,15 @@ public:
     VIRLOAdvertisement(const VIRLOAdvertisement&) = delete;
     VIRLOAdvertisement& operator=(const VIRLOAdvertisement&) = delete;
 
-    /// Takes a later answer in: its items are appended, its URL for more replaces the present one (none ends
-    /// fetching).
+    /// Merges a later response: its items are appended, its URL of further items replaces the present one (a
+    /// response without one ends fetching).
     void updateWithDictionary(const virlo::JSON& dictionary);
-    /// Appends an item for each object of the array, 10,000 at most; elements that are no objects are passed
-    /// over. Items already there are added again.
+    /// Appends an item for each object of the array; other elements are skipped. Items that the advertisement
+    /// has already are appended again.
     void addItemsFromArray(const virlo::JSON& array);
     void addItemsFromArray(const Items& items);
 
-    /// A snapshot, which stays as it is while the advertisement grows.
+    /// A copy, which does not change when the advertisement grows.
     [[nodiscard]] Items items() const;
     [[nodiscard]] std::size_t numberOfItems() const;
 
@@ -63,7 +62,7 @@ public:
 
     [[nodiscard]] std::optional<virlo::URL> moreItemsURL() const;
 
-    /// Whatever the server sent.
+    /// As sent by the server, without an upper limit.
     [[nodiscard]] std::uint64_t secondsToSkip() const noexcept { return m_secondsToSkip; }
 
     void setTxId(std::optional<std::string> txId) { m_txId = std::move(txId); }
@@ -78,12 +77,12 @@ public:
 
     void setSecondsToSkip(std::uint64_t seconds) { m_secondsToSkip = seconds; }
 
-    /// Same class, not a subclass, and the same `txId`; one without a `txId` equals none.
+    /// Same class, not a subclass, and the same `txId`; an advertisement without one equals none.
     [[nodiscard]] bool isEqual(const VIRLOAdvertisement& other) const;
     [[nodiscard]] std::size_t hash() const;
     [[nodiscard]] std::string description() const;
 
-    /// Any for a word that is none of the server's.
+    /// Any for an unknown name.
     [[nodiscard]] static VIRLOAdvertisementType typeByString(const std::optional<std::string>& text);
     /// Nothing for a value outside 0 to 7.
     [[nodiscard]] static std::optional<std::string> stringByType(VIRLOAdvertisementType type);
@@ -98,7 +97,9 @@ private:
     VIRLOAdvertisementType m_type = VIRLOAdvertisementType::Any;
     std::uint64_t m_secondsToSkip = 0;
 
-    mutable std::mutex m_mutex; ///< guards what an update changes
+    [[nodiscard]] Items mutableItems() const;
+
+    mutable std::mutex m_mutex; ///< guards the members below
     std::optional<virlo::URL> m_moreItemsURL;
     Items m_mutableItems;
 };

@@ -1,6 +1,7 @@
 #include "VIRLOSession.h"
 
 #include "Exception.h"
+#include "JSONReading.h"
 #include "StringFormat.h"
 #include "VIRLOTimestamp.h"
 
@@ -41,7 +42,7 @@ std::shared_ptr<VIRLOSession> VIRLOSession::initWithDictionary(const JSON& dicti
         return nullptr;
     std::shared_ptr<VIRLOSession> session(new VIRLOSession(std::move(*identifier)));
     session->updateWithDictionary(dictionary);
-    // Only the first answer has this default; a later one without the key means 0.
+    // Deliberate: only the first response has this default; a later one without the key means 0.
     if (!hasNumber(dictionary, "pingInterval"))
         session->m_pingInterval = defaultPingInterval;
     return session->m_state && session->m_date ? session : nullptr;

@@ -8,30 +8,29 @@
 #include <optional>
 #include <string>
 
-/// A session with the ad server as its last answer told. Held by VIRLOAdServerAPI. Any thread.
+/// A session with the ad server, as of the server's last response. Held by VIRLOAdServerAPI. Any thread.
 class VIRLOSession
 {
 public:
-    /// Raises an Exception: sessions come from the server's answers alone.
+    /// Raises an Exception: a session is only made from a response.
     [[noreturn]] static void init();
-    /// Null unless "sessionId", "status" and a "timestamp" that can be read are all there.
+    /// Null unless the response has a "sessionId", a "status" and a valid "timestamp".
     [[nodiscard]] static std::shared_ptr<VIRLOSession> initWithDictionary(const virlo::JSON& dictionary);
 
     virtual ~VIRLOSession() = default;
     VIRLOSession(const VIRLOSession&) = delete;
     VIRLOSession& operator=(const VIRLOSession&) = delete;
 
-    /// Takes a ping's answer: everything but the identifier is replaced, also by nothing.
+    /// Takes over a ping's response: all but the identifier is replaced, missing keys by empty values.
     void updateWithDictionary(const virlo::JSON& dictionary);
 
     [[nodiscard]] const std::string& identifier() const noexcept { return m_identifier; }
 
-    /// Seconds until the next ping, as the server sent it. 60 where its first answer says nothing, 0 where a
-    /// later one says nothing.
+    /// Seconds until the next ping, as sent. 60 if the first response has none, 0 if a later one has none.
     [[nodiscard]] double pingInterval() const;
     [[nodiscard]] std::optional<std::string> state() const;
     [[nodiscard]] bool isActive() const;
-    /// The server's time of the answer.
+    /// The server's time of the response.
     [[nodiscard]] std::optional<virlo::Date> date() const;
 
     [[nodiscard]] const std::shared_ptr<const virlo::DateFormatter>& dateFormatter() const noexcept

@@ -1,6 +1,4 @@
-#include "JSON.h"
-
-#include "Error.h"
+#include "JSONSerialization.h"
 
 #include <algorithm>
 
@@ -12,7 +10,7 @@ namespace
 
 Error failure(std::string reason)
 {
-    // The parser quotes the token that it failed on, which may be the whole input and need not be text.
+    // The parser quotes the token it failed on, which may be the whole input and may be binary.
     constexpr std::size_t longest = 200;
     reason.resize(std::min(reason.size(), longest));
     std::replace_if(
@@ -20,7 +18,8 @@ Error failure(std::string reason)
     return {JSONSerialization::errorDomain, 0, {{"Reason", std::move(reason)}}};
 }
 
-/// Looked at before the parser builds anything: what it builds is copied and written recursively later.
+/// Why `text` is too large, or null. Checked before parsing, because the parsed value is later copied and
+/// written recursively.
 const char* excess(std::string_view text)
 {
     int depth = 0;
@@ -54,7 +53,10 @@ std::variant<JSON, Error> JSONSerialization::objectWithData(std::string_view tex
     if (const char* const reason = excess(text))
         return failure(reason);
     try {
-        return JSON::parse(text);
+        auto parsed = JSON::parse(text);
+        if (!parsed.is_structured())
+            return failure("neither an object nor an array at the top level");
+        return parsed;
     } catch (const JSON::exception& error) {
         return failure(error.what());
     }

@@ -38,7 +38,7 @@ std::uint64_t magnitude(std::string_view digits)
     return result.ec == std::errc::result_out_of_range ? std::numeric_limits<std::uint64_t>::max() : value;
 }
 
-/// Whether a decimal number that fits no double is too large rather than too small.
+/// Whether a decimal number outside the range of double is too large rather than too small.
 bool isLarge(std::string_view number)
 {
     const auto mark = number.find_first_of("eE");
@@ -47,9 +47,9 @@ bool isLarge(std::string_view number)
     const auto first = mantissa.find_first_not_of("0.");
     if (first == std::string_view::npos)
         return false;
-    const auto place = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first);
+    const auto position = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first);
     const auto exponent = mark == std::string_view::npos ? 0 : integer(number.substr(mark + 1));
-    return exponent > -place;
+    return exponent > -position;
 }
 
 } // namespace

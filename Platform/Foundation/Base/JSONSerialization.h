@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Error.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace virlo
+{
+
+/// JSON text to and from values. Safe on hostile input: nesting deeper than `maximumDepth`, more than
+/// `maximumValues` values, invalid UTF-8, numbers out of range and trailing text are errors of domain
+/// `errorDomain` (userInfo "Reason"), never exceptions. If a key is repeated, the last value is used. Any
+/// thread.
+namespace JSONSerialization
+{
+inline constexpr int maximumDepth = 512;
+/// Bounds the memory of a parsed body to about 100 MB.
+inline constexpr std::size_t maximumValues = 1'000'000;
+inline constexpr const char* errorDomain = "com.virlohq.error.json";
+
+/// An object or an array; any other value at the top level is an error.
+[[nodiscard]] std::variant<JSON, Error> objectWithData(std::string_view text);
+/// An error if the value holds text that is not UTF-8.
+[[nodiscard]] std::variant<std::string, Error> dataWithObject(const JSON& object);
+} // namespace JSONSerialization
+
+} // namespace virlo
