@@ -47,7 +47,7 @@ set(VIRLO_PUBLIC_HEADERS
   ViewControllers/VIRLOAdViewController.h
   ../Platform/Foundation/Device/Bundle.h
   ../Platform/Foundation/Concurrency/Clock.h
-  ../Platform/Foundation/Device/DeviceInfo.h
+  ../Platform/Foundation/Device/AdvertisingIdentifier.h
   ../Platform/Foundation/Base/Error.h
   ../Platform/Foundation/Base/Exception.h
   ../Platform/Foundation/Base/Export.h

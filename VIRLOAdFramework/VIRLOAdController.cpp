@@ -1,5 +1,6 @@
 #include "VIRLOAdController.h"
 
+#include "DiskFileSystem.h"
 #include "Exception.h"
 #include "Folders.h"
 #include "GlobalQueue.h"
@@ -13,7 +14,6 @@
 #include "VIRLOHostText.h"
 #include "VIRLOTrackingManager.h"
 
-#include <algorithm>
 #include <utility>
 
 using virlo::GlobalQueue;
@@ -21,8 +21,6 @@ using virlo::OptionalError;
 
 namespace
 {
-constexpr double longestInterval = 365.0 * 86400.0;
-
 /// The host gets an error in place of a screen that is not ready after `seconds`; 0 is no limit.
 void limitPreloading(double seconds, const VIRLOAdScreens::Abandon& abandon,
                      const VIRLOAdController::AdViewControllerCompletion& completion)
@@ -60,7 +58,7 @@ VIRLOAdController::~VIRLOAdController() = default;
 
 std::shared_ptr<VIRLOAdController> VIRLOAdController::sharedAdController()
 {
-    // Never destroyed: workers may still use it while the process ends.
+    // Never destroyed: workers use it until the process ends.
     static const auto& shared = *new std::shared_ptr<VIRLOAdController>(initPrivate());
     return shared;
 }
@@ -72,12 +70,16 @@ void VIRLOAdController::init()
 
 std::shared_ptr<VIRLOAdController> VIRLOAdController::initPrivate()
 {
-    // The build refuses a base URL that cannot be read.
+    // CMake checks that the base URL is valid.
     auto api = VIRLOAdServerAPI::initWithBaseURL(*virlo::URL::fromString(VIRLOAdFrameworkApiBaseURL));
     auto trackingManager = VIRLOTrackingManager::initWithDirectoryPath(trackingDirectory());
     std::shared_ptr<VIRLOAdController> controller(new VIRLOAdController(
         std::move(api), std::move(trackingManager), &VIRLOAppRequestStore::sharedStore));
     controller->observeApplication();
+    GlobalQueue::background().async([] {
+        for (const std::string& folder : {virlo::Folders::library(), virlo::Folders::caches()})
+            virlo::DiskFileSystem::removeAbandonedTemporaryFiles(folder);
+    });
     return controller;
 }
 
@@ -101,8 +103,7 @@ void VIRLOAdController::observeApplication()
                     (self.get()->*handler)();
             }));
     };
-    // "Foreground" is bound to regained activity on purpose: it also runs where the app was merely
-    // interrupted.
+    // Deliberate: "foreground" is bound to did-become-active, so it also runs after a mere interruption.
     observe(virlo::ApplicationDidBecomeActiveNotification, &VIRLOAdController::applicationDidEnterForeground);
     observe(virlo::ApplicationDidEnterBackgroundNotification,
             &VIRLOAdController::applicationDidEnterBackground);
@@ -196,8 +197,7 @@ void VIRLOAdController::checkAvailableCurrency()
 
 void VIRLOAdController::checkAvailableCurrencyAfterTimeInterval(double interval)
 {
-    const double delay = interval > 0 ? std::min(interval, longestInterval) : 0;
-    m_currencySyncQueue.after(virlo::Seconds(delay), [weak = weak_from_this()] {
+    m_currencySyncQueue.after(virlo::Seconds(interval), [weak = weak_from_this()] {
         if (const auto self = weak.lock())
             self->checkCurrencyOfStoredItems();
     });
@@ -229,7 +229,7 @@ void VIRLOAdController::currencyCheckDidEnd(const virlo::URL& url, bool rewarded
     else
         VIRLOAdFrameworkLogger::logInfoWithFormat("Currency checked. Info: %@", info);
 
-    // A reward counts also beside an error.
+    // Deliberate: a reward counts even with an error.
     if (!rewarded)
         return;
     const virlo::JSON reward = info.value_or(virlo::JSON());

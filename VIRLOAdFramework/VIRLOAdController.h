@@ -20,27 +20,28 @@ class VIRLOAdViewController;
 class VIRLOAppRequestStore;
 class VIRLOTrackingManager;
 
-/// Told of rewards. Override what you want to hear.
+/// Receives rewards. Override the operations that you need.
 class VIRLO_EXPORT VIRLOAdControllerDelegate
 {
 public:
     virtual ~VIRLOAdControllerDelegate() = default;
 
-    /// A reward was found. `info` is the server's answer, the same as the user info of
-    /// `VIRLOAdFrameworkNotificationDidGetCurrency`. On any thread but the main one; not for long.
+    /// The user has earned a reward. `info` is the server's response, which is also the user info of
+    /// `VIRLOAdFrameworkNotificationDidGetCurrency`. Called on a worker, never on the main thread; must
+    /// return soon.
     virtual void didGetCurrency(const virlo::JSON& info);
 };
 
-/// The library's one entry point. A host takes the shared controller, starts it once with its app identifier
-/// and then asks it for ready screens at the moments (placements) of its own flow.
+/// The library's entry point. A host takes the shared controller, starts it once with its app identifier and
+/// then requests ready screens at moments (placements) of its own flow.
 ///
-/// It follows the app's life through the notifications of NotificationCenter.h: activity regained reports
-/// "AppResume" and looks for rewards, the background reports "AppClose" and saves, termination ends the
-/// server session.
+/// It observes the app's life cycle by the notifications of NotificationCenter.h: becoming active reports
+/// "AppResume" and checks for rewards, entering the background reports "AppClose" and saves, termination ends
+/// the server session.
 ///
 /// Every operation may be called from any thread, returns at once and waits neither for the network nor for a
-/// write to disk. Failures reach the completion as values (domains: see VIRLOAdServerAPI.h); what no
-/// completion can tell is logged.
+/// write to disk. Failures are passed to the completion as values (domains: see VIRLOAdServerAPI.h); failures
+/// without a completion are logged.
 class VIRLO_EXPORT VIRLOAdController : public std::enable_shared_from_this<VIRLOAdController>
 {
 public:
@@ -51,12 +52,11 @@ public:
     /// As above, with nothing on success.
     using ErrorCompletion = std::function<void(const virlo::OptionalError&)>;
 
-    /// The one controller, made on first use; it lives as long as the process.
+    /// The shared instance, created on first use; it lives as long as the process.
     [[nodiscard]] static std::shared_ptr<VIRLOAdController> sharedAdController();
     /// Raises an Exception named "Singleton": use `sharedAdController`.
     [[noreturn]] static void init();
-    /// A controller beside the shared one, on collaborators of the caller's, for programs that embed the
-    /// core.
+    /// A further instance with the caller's own collaborators, for programs that embed the core.
     [[nodiscard]] static std::shared_ptr<VIRLOAdController>
     controllerWithCollaborators(std::shared_ptr<VIRLOAdServerAPI> api,
                                 std::shared_ptr<VIRLOTrackingManager> trackingManager,
@@ -66,16 +66,16 @@ public:
     VIRLOAdController(const VIRLOAdController&) = delete;
     VIRLOAdController& operator=(const VIRLOAdController&) = delete;
 
-    /// Opens the server session; on the device's very first run it registers the install before. Where that
-    /// fails no session is opened in this run and the next start tries again. Asks the disk for one file's
-    /// existence.
+    /// Opens the server session; on the first run on this device it registers the install first. If that
+    /// fails, no session is opened in this run and the next start tries again. Checks on the caller's thread
+    /// whether one file exists.
     void startWithAppIdentifier(const std::string& appIdentifier);
 
-    /// Makes `placement` the current one and asks for an ad of any kind for it. Waits (in the background) for
-    /// a session where there is none yet.
+    /// Makes `placement` the current one and requests an ad of any type for it. Without a session the request
+    /// waits for one in the background.
     void adViewControllerForPlacementWithCompletion(const std::string& placement,
                                                     AdViewControllerCompletion completion);
-    /// Asks for an ad of one kind (0 any, 1 and 2 discovery, 3 interstitial, 4 video, 5 featured, 6
+    /// Requests an ad of one type (0 any, 1 and 2 discovery, 3 interstitial, 4 video, 5 featured, 6
     /// engagement, 7 recommendation) for the current placement.
     void adViewControllerOfTypeWithCompletion(std::uint64_t type, AdViewControllerCompletion completion);
 
@@ -86,17 +86,17 @@ public:
     void setPreloadTimeLimit(double seconds);
     static constexpr const char* preloadTimeLimitErrorDomain = "com.virlohq.error.preloadTimeLimit";
 
-    /// Tells the server the host's own name of the user who earns the rewards. The completion is required.
+    /// Sends the server the host's own identifier of the user who earns the rewards. The completion is
+    /// required.
     void registerThirdPartyUserIdWithCompletion(const std::string& userId, ErrorCompletion completion);
 
-    /// Asks the server about every app that the user was sent to; each reward found is posted, told to the
-    /// delegate and then forgotten.
+    /// Checks every URL of VIRLOAppRequestStore at the server; each reward is posted and passed to the
+    /// delegate, and then its URL is removed.
     void checkAvailableCurrency();
     /// The same, `interval` seconds from now.
     void checkAvailableCurrencyAfterTimeInterval(double interval);
 
-    /// Where the user is in the host's flow: the last one set in this run. Setting it also reports it to the
-    /// server.
+    /// The last placement set in this run. Setting it also reports it to the server.
     [[nodiscard]] std::optional<std::string> currentPlacement() const;
     void setCurrentPlacement(const std::string& placement);
 
@@ -111,7 +111,7 @@ public:
     [[nodiscard]] std::shared_ptr<VIRLOAdServerAPI> api() const;
     [[nodiscard]] std::shared_ptr<VIRLOTrackingManager> trackingManager() const;
 
-    /// What the app's notifications call; a host without them may call these itself.
+    /// Called by the app's notifications; a host that posts none calls these itself.
     void applicationDidEnterForeground();
     void applicationDidEnterBackground();
     void applicationWillTerminate();

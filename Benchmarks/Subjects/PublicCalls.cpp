@@ -42,11 +42,10 @@ public:
         return m_disk.read(path, limit);
     }
 
-    virlo::OptionalError writeAtomically(const std::string& path, std::string_view content,
-                                         Durability durability) override
+    virlo::OptionalError writeAtomically(const std::string& path, std::string_view content) override
     {
         std::this_thread::sleep_for(m_delay.load());
-        return m_disk.writeAtomically(path, content, durability);
+        return m_disk.writeAtomically(path, content);
     }
 
     /// What is left to write is written at once.

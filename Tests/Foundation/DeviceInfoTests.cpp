@@ -1,5 +1,6 @@
 #include "DeviceInfo.h"
 
+#include "AdvertisingIdentifier.h"
 #include "FaultyFileSystem.h"
 #include "Folders.h"
 #include "LogCapture.h"
@@ -150,7 +151,7 @@ TEST(AdvertisingIdentifier, IsNoneUntilGivenAndOnlyAUUID)
     AdvertisingIdentifier::set("00000000-0000-0000-0000-000000000000");
     EXPECT_EQ(AdvertisingIdentifier::current(), std::nullopt);
     AdvertisingIdentifier::set(given);
-    expectLog("The advertising identifier given is no UUID");
+    expectLog("The advertising identifier is not a UUID");
     AdvertisingIdentifier::set("my-device\r\nX-Header: 1");
     EXPECT_EQ(AdvertisingIdentifier::current(), std::nullopt);
     AdvertisingIdentifier::withhold();

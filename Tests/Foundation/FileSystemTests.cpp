@@ -1,6 +1,7 @@
 #include "FileSystem.h"
 
 #include "Bundle.h"
+#include "DiskFileSystem.h"
 #include "Exception.h"
 #include "Folders.h"
 #include "TemporaryFolder.h"
@@ -13,7 +14,9 @@
 #include <filesystem>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 namespace virlo::test
 {
@@ -81,11 +84,9 @@ TEST_F(DiskTest, ReadsWholeRegularFilesWithinTheLimitOnly)
 TEST_F(DiskTest, WritingReplacesTheFileAndLeavesNothingBeside)
 {
     const auto longest = std::string(255, 'n');
-    for (const auto durability : {FileSystem::Durability::PowerLoss, FileSystem::Durability::Rebuildable}) {
-        EXPECT_EQ(m_disk.writeAtomically(m_folder.path(longest), "old", durability), std::nullopt);
-        EXPECT_EQ(m_disk.writeAtomically(m_folder.path(longest), "new", durability), std::nullopt);
-        EXPECT_EQ(m_folder.read(longest), "new");
-    }
+    EXPECT_EQ(m_disk.writeAtomically(m_folder.path(longest), "old"), std::nullopt);
+    EXPECT_EQ(m_disk.writeAtomically(m_folder.path(longest), "new"), std::nullopt);
+    EXPECT_EQ(m_folder.read(longest), "new");
     EXPECT_THAT(m_folder.files(), ElementsAre(longest));
 
     struct stat found {
@@ -125,7 +126,7 @@ TEST_F(DiskTest, ReadersSeeTheOldContentOrTheNewNeverAPart)
     std::atomic<bool> done = false;
     std::jthread writer([&] {
         for (int round = 0; round < 100; ++round)
-            m_disk.writeAtomically(path, contents[round % 2], FileSystem::Durability::Rebuildable);
+            m_disk.writeAtomically(path, contents[round % 2]);
         done = true;
     });
     int parts = 0;
@@ -134,6 +135,24 @@ TEST_F(DiskTest, ReadersSeeTheOldContentOrTheNewNeverAPart)
         parts += seen == contents[0] || seen == contents[1] ? 0 : 1;
     }
     EXPECT_EQ(parts, 0);
+}
+
+TEST_F(DiskTest, TemporaryFilesOfEndedProcessesAreRemoved)
+{
+    const pid_t ended = ::fork();
+    if (ended == 0)
+        ::_exit(0);
+    ASSERT_EQ(::waitpid(ended, nullptr, 0), ended);
+    const auto running = ".virlo-" + std::to_string(::getppid()) + "-0A1B2C3D-aaaaaa";
+    m_folder.write(running, "");
+    m_folder.write("a/image", "kept");
+    m_folder.write(".virlo-" + std::to_string(ended) + "-0A1B2C3D-aaaaaa", "");
+    m_folder.write("a/b/.virlo-" + std::to_string(ended) + "-0A1B2C3D-bbbbbb", "");
+    m_folder.write("a/b/.virlo-" + std::to_string(::getpid()) + "-0A1B2C3D-cccccc", "as in a container");
+    m_folder.write("a/b/.virlo-XXXXXX", "of an earlier version");
+    DiskFileSystem::removeAbandonedTemporaryFiles(m_folder.path());
+    EXPECT_THAT(m_folder.files(), testing::UnorderedElementsAre(running, "a/image"));
+    DiskFileSystem::removeAbandonedTemporaryFiles(m_folder.path("missing"));
 }
 
 TEST(FileSystem, FileNamesThatCannotLeaveTheirFolder)

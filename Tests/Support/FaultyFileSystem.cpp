@@ -134,12 +134,10 @@ std::optional<std::string> FaultyFileSystem::read(const std::string& path, std::
     return call.code() == 0 ? m_real.read(path, limit) : std::nullopt;
 }
 
-OptionalError FaultyFileSystem::writeAtomically(const std::string& path, std::string_view content,
-                                                Durability durability)
+OptionalError FaultyFileSystem::writeAtomically(const std::string& path, std::string_view content)
 {
     const Call call(*this, Operation::Write);
-    return call.code() == 0 ? m_real.writeAtomically(path, content, durability)
-                            : errorWithCode(call.code(), path);
+    return call.code() == 0 ? m_real.writeAtomically(path, content) : errorWithCode(call.code(), path);
 }
 
 } // namespace virlo::test

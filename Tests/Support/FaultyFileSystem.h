@@ -41,8 +41,7 @@ public:
     [[nodiscard]] bool isDirectory(const std::string& path) const override;
     OptionalError createDirectories(const std::string& path) override;
     [[nodiscard]] std::optional<std::string> read(const std::string& path, std::size_t limit) const override;
-    OptionalError writeAtomically(const std::string& path, std::string_view content,
-                                  Durability durability = Durability::PowerLoss) override;
+    OptionalError writeAtomically(const std::string& path, std::string_view content) override;
 
 private:
     struct Faults {

@@ -1,3 +1,4 @@
+#include "AdvertisingIdentifier.h"
 #include "Bundle.h"
 #include "DeviceInfo.h"
 #include "StringFormat.h"

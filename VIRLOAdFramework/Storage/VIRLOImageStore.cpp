@@ -106,6 +106,5 @@ bool VIRLOImageStore::writeFile(const std::string& directory, const Key& key, st
 {
     if (directory.empty() || !key || !FileSystem::isFileName(*key))
         return false;
-    return !FileSystem::shared().writeAtomically(pathOf(directory, *key), bytes,
-                                                 FileSystem::Durability::Rebuildable);
+    return !FileSystem::shared().writeAtomically(pathOf(directory, *key), bytes);
 }

@@ -13,7 +13,7 @@ namespace
 
 using Bytes = std::array<unsigned char, 16>;
 
-bool isHyphenPlace(std::size_t index)
+bool isHyphenPosition(std::size_t index)
 {
     return index == 8 || index == 13 || index == 18 || index == 23;
 }
@@ -23,7 +23,7 @@ Bytes randomBytes()
     Bytes bytes{};
     if (getrandom(bytes.data(), bytes.size(), 0) == static_cast<ssize_t>(bytes.size()))
         return bytes;
-    std::random_device device; // a kernel or sandbox without the call
+    std::random_device device; // the kernel or sandbox lacks the call
     for (auto& byte : bytes)
         byte = static_cast<unsigned char>(device());
     return bytes;
@@ -39,7 +39,7 @@ std::string random()
     constexpr const char* digits = "0123456789ABCDEF";
     std::string text;
     for (const auto byte : bytes) {
-        if (isHyphenPlace(text.size()))
+        if (isHyphenPosition(text.size()))
             text += '-';
         text += digits[byte >> 4];
         text += digits[byte & 0x0F];
@@ -53,7 +53,7 @@ bool isValid(std::string_view text)
         return false;
     for (std::size_t index = 0; index < text.size(); ++index) {
         const auto character = static_cast<unsigned char>(text[index]);
-        if (isHyphenPlace(index) ? character != '-' : std::isxdigit(character) == 0)
+        if (isHyphenPosition(index) ? character != '-' : std::isxdigit(character) == 0)
             return false;
     }
     return true;

@@ -1,4 +1,4 @@
-#include "DeviceInfo.h"
+#include "AdvertisingIdentifier.h"
 
 #include "SystemLog.h"
 #include "UUID.h"
@@ -19,7 +19,7 @@ struct Holder {
 
 Holder& holder()
 {
-    static auto* const instance = new Holder; // asked for by threads that may outlive `main`
+    static auto* const instance = new Holder; // never destroyed: workers may outlive `main`
     return *instance;
 }
 
@@ -44,10 +44,10 @@ void set(std::string uuid)
 {
     if (!UUID::isValid(uuid)) {
         withhold();
-        systemLog("The advertising identifier given is no UUID; none is sent.");
+        systemLog("The advertising identifier is not a UUID; none is sent.");
         return;
     }
-    // Zeros throughout are how platforms say that the user wants none.
+    // Platforms report a user who wants none by a UUID of zeros.
     if (uuid.find_first_not_of("0-") == std::string::npos)
         withhold();
     else

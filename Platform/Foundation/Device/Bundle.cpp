@@ -22,7 +22,7 @@ struct Registry {
 
 Registry& registry()
 {
-    static auto* const instance = new Registry; // asked for by threads that may outlive `main`
+    static auto* const instance = new Registry; // never destroyed: workers may outlive `main`
     return *instance;
 }
 

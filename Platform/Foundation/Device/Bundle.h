@@ -9,7 +9,7 @@
 namespace virlo
 {
 
-/// The facts that a program or library states about itself, under the keys "CFBundleName",
+/// Name, identifier and version of a program or library, under the keys "CFBundleName",
 /// "CFBundleIdentifier", "CFBundleShortVersionString", "DTPlatformName" ("linux") and "DTPlatformVersion"
 /// (the kernel's release). Values; any thread.
 class VIRLO_EXPORT Bundle
@@ -23,15 +23,15 @@ public:
     [[nodiscard]] std::optional<std::string> info(const std::string& key) const;
     [[nodiscard]] std::string identifier() const;
 
-    /// The host app's: what it set, and where it set nothing the program's file name as name and identifier.
+    /// The host app's; without `setMainBundle` the program's file name is its name and identifier.
     [[nodiscard]] static Bundle mainBundle();
-    /// Called by a host once, before it takes anything of the library. `identifier` names its folders on
-    /// disk, so it must be one file name; anything else raises an Exception.
+    /// Called once by a host, before it uses anything else of the library. `identifier` names its folders on
+    /// disk; an identifier that cannot be a file name raises an Exception.
     static void setMainBundle(const std::string& identifier, const std::string& name,
                               const std::string& version);
     /// The bundle registered under the identifier, or nothing.
     [[nodiscard]] static std::optional<Bundle> bundleWithIdentifier(const std::string& identifier);
-    /// Makes `bundle` findable by its identifier; the two platform keys are added where it lacks them.
+    /// Makes `bundle` available by its identifier and adds the two platform keys where they are missing.
     static void registerBundle(Bundle bundle);
 
 private:

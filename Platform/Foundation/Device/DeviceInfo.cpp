@@ -1,5 +1,6 @@
 #include "DeviceInfo.h"
 
+#include "ASCII.h"
 #include "FileSystem.h"
 #include "Folders.h"
 #include "HostTimeZone.h"
@@ -22,7 +23,7 @@ namespace
 constexpr std::size_t longestFact = 128;
 constexpr std::size_t longestFile = std::size_t{64} << 10;
 
-/// One line of printable characters: device trees end their texts with NUL, firmware pads them with blanks.
+/// One line of printable characters: texts of a device tree end with NUL, those of firmware with blanks.
 std::string cleaned(std::string text)
 {
     std::erase_if(text, [](unsigned char byte) { return byte < ' ' || byte == 0x7F; });
@@ -46,7 +47,7 @@ std::string fileText(const char* path)
     return FileSystem::shared().read(path, longestFile).value_or("");
 }
 
-/// The value of a line `KEY=value` or `KEY="value"`, with the shell's escapes undone.
+/// The value of a line `KEY=value` or `KEY="value"`, without the shell's escapes.
 std::string releaseField(std::string_view release, std::string_view key)
 {
     for (std::size_t start = 0; start < release.size();) {
@@ -103,7 +104,7 @@ std::string storedVendorIdentifier(const std::string& folder)
 }
 
 /// The BCP 47 tag of a locale name such as "de_AT.UTF-8@euro" or "sr_RS@latin"; empty for "C", "POSIX" and
-/// what is none.
+/// other text.
 std::string languageTag(std::string_view locale)
 {
     const auto isAlphabetic = [](std::string_view part) {
@@ -114,9 +115,7 @@ std::string languageTag(std::string_view locale)
     const auto language = name.substr(0, name.find('_'));
     if (language.size() < 2 || language.size() > 3 || !isAlphabetic(language))
         return {};
-    std::string tag(language);
-    std::transform(tag.begin(), tag.end(), tag.begin(),
-                   [](unsigned char byte) { return std::tolower(byte); });
+    auto tag = ASCII::lowercase(language);
     if (locale.ends_with("@latin"))
         tag += "-Latn";
     else if (locale.ends_with("@cyrillic"))
@@ -169,7 +168,7 @@ std::string DeviceInfo::preferredLanguage()
 {
     const auto locale = firstOf({environment("LC_ALL"), environment("LC_MESSAGES"), environment("LANG")});
     auto fromLocale = languageTag(locale);
-    // The list counts only beside a locale that is more than "C".
+    // As in gettext, the list is ignored where the locale is "C".
     if (!fromLocale.empty()) {
         const auto list = environment("LANGUAGE");
         if (auto first = languageTag(list.substr(0, list.find(':'))); !first.empty())

@@ -1,9 +1,13 @@
 #include "DiskFileSystem.h"
 
-#include <algorithm>
+#include "LeadingNumber.h"
+#include "UUID.h"
+
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -28,7 +32,7 @@ public:
 
     [[nodiscard]] int get() const { return m_descriptor; }
 
-    /// A full disk may show only here.
+    /// False on failure; some file systems report a full disk only here.
     bool close() { return m_descriptor < 0 || ::close(std::exchange(m_descriptor, -1)) == 0; }
 
 private:
@@ -48,10 +52,31 @@ bool writeAll(int descriptor, std::string_view content)
     return true;
 }
 
-/// Some file systems cannot flush and say so by EINVAL.
+/// EINVAL is a file system that has nothing to flush.
 bool flush(int descriptor)
 {
     return ::fdatasync(descriptor) == 0 || errno == EINVAL;
+}
+
+constexpr std::string_view temporaryMark = ".virlo-";
+
+/// Names of this process's temporary files begin with it. The process identifier alone does not do: in a
+/// container, the next process may have the same.
+const std::string& temporaryPrefix()
+{
+    static const auto* const prefix = new std::string(
+        std::string(temporaryMark) + std::to_string(::getpid()) + '-' + UUID::random().substr(0, 8) + '-');
+    return *prefix;
+}
+
+/// Whether it is the name of a temporary file of a process that has ended.
+bool isAbandoned(const std::string& name)
+{
+    if (!name.starts_with(temporaryMark) || name.starts_with(temporaryPrefix()))
+        return false;
+    const auto process =
+        static_cast<pid_t>(LeadingNumber::integer(std::string_view(name).substr(temporaryMark.size())));
+    return process <= 0 || process == ::getpid() || (::kill(process, 0) != 0 && errno == ESRCH);
 }
 
 OptionalError createDirectory(const std::string& path)
@@ -98,7 +123,7 @@ OptionalError DiskFileSystem::createDirectories(const std::string& path)
 
 std::optional<std::string> DiskFileSystem::read(const std::string& path, std::size_t limit) const
 {
-    // Not blocking: a pipe in the file's place would otherwise hold the caller until somebody writes to it.
+    // O_NONBLOCK: opening a pipe at this path would otherwise block until somebody writes to it.
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
 
     struct stat found {
@@ -106,7 +131,7 @@ std::optional<std::string> DiskFileSystem::read(const std::string& path, std::si
 
     if (file.get() < 0 || ::fstat(file.get(), &found) != 0 || !S_ISREG(found.st_mode))
         return std::nullopt;
-    // The size is a hint alone: the kernel's own files say 0, and a file may grow meanwhile.
+    // The size is only a hint: the kernel's own files have size 0, and a file may grow meanwhile.
     if (std::cmp_greater(found.st_size, limit))
         return std::nullopt;
     constexpr std::size_t step = 4096;
@@ -130,24 +155,33 @@ std::optional<std::string> DiskFileSystem::read(const std::string& path, std::si
     }
 }
 
-OptionalError DiskFileSystem::writeAtomically(const std::string& path, std::string_view content,
-                                              Durability durability)
+OptionalError DiskFileSystem::writeAtomically(const std::string& path, std::string_view content)
 {
-    // Its name is short and not made from the file's, which may already be as long as a name may be.
+    // Not named after the file, whose name may have the maximum length already.
     const auto slash = path.rfind('/');
-    std::string temporary =
-        (slash == std::string::npos ? std::string() : path.substr(0, slash + 1)) + ".virlo-XXXXXX";
+    std::string temporary = (slash == std::string::npos ? std::string() : path.substr(0, slash + 1)) +
+                            temporaryPrefix() + "XXXXXX";
     Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
     if (file.get() < 0)
         return errorWithCode(errno, path);
-    const bool written = writeAll(file.get(), content) &&
-                         (durability != Durability::PowerLoss || flush(file.get())) && file.close() &&
+    const bool written = writeAll(file.get(), content) && flush(file.get()) && file.close() &&
                          ::rename(temporary.c_str(), path.c_str()) == 0;
     if (written)
         return std::nullopt;
     const int code = errno;
     ::unlink(temporary.c_str());
     return errorWithCode(code, path);
+}
+
+void DiskFileSystem::removeAbandonedTemporaryFiles(const std::string& folder)
+{
+    namespace fs = std::filesystem;
+    std::error_code error;
+    fs::recursive_directory_iterator file(folder, fs::directory_options::skip_permission_denied, error);
+    for (; !error && file != fs::recursive_directory_iterator(); file.increment(error)) {
+        if (isAbandoned(file->path().filename().string()))
+            ::unlink(file->path().c_str());
+    }
 }
 
 } // namespace virlo

@@ -11,21 +11,21 @@ namespace virlo
 namespace
 {
 
-constinit std::atomic<FileSystem*> fileSystemInForce = nullptr;
+constinit std::atomic<FileSystem*> sharedFileSystem = nullptr;
 
 } // namespace
 
 FileSystem& FileSystem::shared()
 {
-    if (FileSystem* const fileSystem = fileSystemInForce.load(std::memory_order_acquire))
+    if (FileSystem* const fileSystem = sharedFileSystem.load(std::memory_order_acquire))
         return *fileSystem;
-    static auto* const disk = new DiskFileSystem; // workers may write to the process's very end
+    static auto* const disk = new DiskFileSystem; // never destroyed: workers write until the process ends
     return *disk;
 }
 
 void FileSystem::setShared(FileSystem* fileSystem)
 {
-    fileSystemInForce.store(fileSystem, std::memory_order_release);
+    sharedFileSystem.store(fileSystem, std::memory_order_release);
 }
 
 bool FileSystem::isFileName(std::string_view name)

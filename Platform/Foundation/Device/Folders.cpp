@@ -11,7 +11,7 @@ namespace virlo
 namespace
 {
 
-/// A relative path in one of these variables is to be passed over.
+/// Relative paths in these variables are to be ignored.
 std::string absolutePath(const char* variable)
 {
     const char* const value = std::getenv(variable);

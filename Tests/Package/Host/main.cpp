@@ -1,9 +1,9 @@
 // host: uses the installed library in each way that a linker must serve: functions, a class to derive from,
 // templates, constants, exceptions. Exits 0 where all of it answers, without any network.
 
+#include <VIRLOAdFramework/AdvertisingIdentifier.h>
 #include <VIRLOAdFramework/Application.h>
 #include <VIRLOAdFramework/Bundle.h>
-#include <VIRLOAdFramework/DeviceInfo.h>
 #include <VIRLOAdFramework/Exception.h>
 #include <VIRLOAdFramework/NetworkFlags.h>
 #include <VIRLOAdFramework/SystemLog.h>
