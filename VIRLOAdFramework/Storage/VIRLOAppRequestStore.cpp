@@ -13,20 +13,25 @@ const char* const VIRLOAppRequestStore::kSyncQueue = "com.virlohq.VIRLOAppReques
 
 namespace
 {
-constexpr std::chrono::seconds lifeOfEntry{86400};
+constexpr std::chrono::seconds timeToLive{86400};
 } // namespace
 
 VIRLOAppRequestStore::VIRLOAppRequestStore(std::string directoryPath)
     : m_directoryPath(std::move(directoryPath))
     , m_filepath(m_directoryPath.empty() ? std::string() : m_directoryPath + "/requestedItems.store")
-    , m_diskQueue("com.virlohq.VIRLOAppRequestStore.disk")
     , m_syncQueue(kSyncQueue)
+    , m_diskQueue("com.virlohq.VIRLOAppRequestStore.disk")
 {
+    if (m_directoryPath.empty())
+        return;
+    prepareDirectory();
+    if (const auto xml = FileSystem::shared().read(m_filepath))
+        m_appEntries = virlo::PropertyList::datesFromXML(*xml).value_or(Entries());
 }
 
 std::shared_ptr<VIRLOAppRequestStore> VIRLOAppRequestStore::sharedStore()
 {
-    // Never destroyed: workers may still use it while the process ends.
+    // Never destroyed: workers use it until the process ends.
     static const auto& shared = *new std::shared_ptr<VIRLOAppRequestStore>(initPrivate());
     return shared;
 }
@@ -39,32 +44,7 @@ std::shared_ptr<VIRLOAppRequestStore> VIRLOAppRequestStore::initPrivate()
 
 std::shared_ptr<VIRLOAppRequestStore> VIRLOAppRequestStore::storeWithDirectoryPath(std::string directoryPath)
 {
-    std::shared_ptr<VIRLOAppRequestStore> store(new VIRLOAppRequestStore(std::move(directoryPath)));
-    store->m_diskQueue.async([store] { store->load(); });
-    return store;
-}
-
-void VIRLOAppRequestStore::load()
-{
-    std::optional<std::map<std::string, virlo::Date>> entries;
-    if (!m_directoryPath.empty()) {
-        prepareDirectory();
-        if (const auto data = FileSystem::shared().read(m_filepath))
-            entries = virlo::PropertyList::datesFromData(*data);
-    }
-    m_syncQueue.sync([&] {
-        // What happened since the store was made is newer than the file.
-        for (const std::string& removed : m_removedBeforeLoading) {
-            if (entries)
-                entries->erase(removed);
-        }
-        if (entries)
-            m_appEntries.merge(*entries);
-        m_removedBeforeLoading.clear();
-        for (const auto& work : std::exchange(m_afterLoading, {}))
-            work();
-        m_loaded = true;
-    });
+    return std::shared_ptr<VIRLOAppRequestStore>(new VIRLOAppRequestStore(std::move(directoryPath)));
 }
 
 void VIRLOAppRequestStore::prepareDirectory() const
@@ -84,25 +64,16 @@ void VIRLOAppRequestStore::prepareDirectory() const
 
 void VIRLOAppRequestStore::addItem(const virlo::URL& url)
 {
-    m_syncQueue.sync([&] {
-        m_appEntries[url.absoluteString()] = virlo::Clock::shared().date();
-        m_removedBeforeLoading.erase(url.absoluteString());
-    });
+    m_syncQueue.sync([&] { m_appEntries[url.absoluteString()] = virlo::Clock::shared().date(); });
 }
 
 void VIRLOAppRequestStore::removeItem(const virlo::URL& url)
 {
-    m_syncQueue.sync([&] {
-        m_appEntries.erase(url.absoluteString());
-        if (!m_loaded)
-            m_removedBeforeLoading.insert(url.absoluteString());
-    });
+    m_syncQueue.sync([&] { m_appEntries.erase(url.absoluteString()); });
 }
 
 std::vector<virlo::URL> VIRLOAppRequestStore::items()
 {
-    if (!m_loaded)
-        m_diskQueue.sync([] {});
     return m_syncQueue.read([this] {
         std::vector<virlo::URL> urls;
         for (const auto& [text, date] : m_appEntries) {
@@ -115,9 +86,9 @@ std::vector<virlo::URL> VIRLOAppRequestStore::items()
 
 void VIRLOAppRequestStore::removeExpiredItems()
 {
-    onceLoaded([this] {
-        const virlo::Date limit = virlo::Clock::shared().date() - lifeOfEntry;
-        std::erase_if(m_appEntries, [limit](const auto& entry) {
+    m_syncQueue.async([self = shared_from_this()] {
+        const virlo::Date limit = virlo::Clock::shared().date() - timeToLive;
+        std::erase_if(self->m_appEntries, [limit](const auto& entry) {
             if (entry.second >= limit)
                 return false;
             VIRLOAdFrameworkLogger::logInfoWithFormat("Delete entry: %@ (%@)", entry.first, entry.second);
@@ -128,27 +99,14 @@ void VIRLOAppRequestStore::removeExpiredItems()
 
 void VIRLOAppRequestStore::save()
 {
-    onceLoaded([this] {
-        virlo::JSON shown = virlo::JSON::object();
-        for (const auto& [text, date] : m_appEntries)
-            shown[text] = virlo::describe(date);
-        VIRLOAdFrameworkLogger::logInfoWithFormat("Save entries: %@", shown);
-        if (m_filepath.empty())
+    m_syncQueue.async([self = shared_from_this()] {
+        VIRLOAdFrameworkLogger::logInfoWithFormat("Save entries: %@", self->m_appEntries);
+        if (self->m_filepath.empty())
             return;
-        m_diskQueue.async([path = m_filepath, entries = m_appEntries] {
-            // What cannot be written now is written with the next save.
+        self->m_diskQueue.async([path = self->m_filepath, entries = self->m_appEntries] {
+            // A failed write is made up for by the next save.
             static_cast<void>(
                 FileSystem::shared().writeAtomically(path, virlo::PropertyList::xmlFromDates(entries)));
         });
-    });
-}
-
-void VIRLOAppRequestStore::onceLoaded(std::function<void()> work)
-{
-    m_syncQueue.async([self = shared_from_this(), work = std::move(work)]() mutable {
-        if (self->m_loaded)
-            work();
-        else
-            self->m_afterLoading.push_back(std::move(work));
     });
 }

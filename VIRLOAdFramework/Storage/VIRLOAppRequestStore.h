@@ -4,64 +4,56 @@
 #include "SerialQueue.h"
 #include "URL.h"
 
-#include <atomic>
-#include <functional>
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
-/// The addresses at which the server is asked whether an app that the user was sent to has earned a reward,
-/// kept across launches for a day each.
+/// The currency-check URLs (`activationCheckURL`) of the items that the user acted on, kept across launches
+/// for a day each. At each URL the server tells whether the user has earned a reward.
 ///
 /// File: "Preferences/VIRLOAppRequestStore/requestedItems.store" in the library folder, an XML property list
-/// of URL to date, written whole at each `save`. A missing or damaged file reads as an empty store; a write
-/// that fails is ignored.
+/// of URL to date, written whole at each `save`. A missing or damaged file reads as an empty store; a failed
+/// write is ignored.
 ///
-/// Any thread. The file is read on a queue of the store's own, begun when the store is made; only `items`
-/// waits for that reading, so it is not for the main thread. What is added or removed before the reading ends
-/// holds against the file.
+/// Any thread. Creating a store reads the file, so `sharedStore` is first called on a worker; the operations
+/// never wait for the disk.
 class VIRLOAppRequestStore : public std::enable_shared_from_this<VIRLOAppRequestStore>
 {
 public:
     static const char* const kSyncQueue;
 
-    /// The one store of the process, made on first use.
+    /// The process's store, created on first use.
     [[nodiscard]] static std::shared_ptr<VIRLOAppRequestStore> sharedStore();
-    /// A store on a folder of the caller's; an empty path keeps everything in memory.
+    /// A store in another folder; with an empty path, in memory only.
     [[nodiscard]] static std::shared_ptr<VIRLOAppRequestStore>
     storeWithDirectoryPath(std::string directoryPath);
 
     VIRLOAppRequestStore(const VIRLOAppRequestStore&) = delete;
     VIRLOAppRequestStore& operator=(const VIRLOAppRequestStore&) = delete;
 
-    /// Dated now, also where it is there already.
+    /// Dated now, even if the store has the URL already.
     void addItem(const virlo::URL& url);
     void removeItem(const virlo::URL& url);
     /// In no given order.
     [[nodiscard]] std::vector<virlo::URL> items();
-    /// Forgets what was added more than a day ago; an `items` called after it sees it done.
+    /// Removes URLs added more than a day ago; later calls of `items` see the result.
     void removeExpiredItems();
     void save();
 
     [[nodiscard]] const std::string& filepath() const noexcept { return m_filepath; }
 
 private:
+    using Entries = std::map<std::string, virlo::Date>;
+
     explicit VIRLOAppRequestStore(std::string directoryPath);
     static std::shared_ptr<VIRLOAppRequestStore> initPrivate();
 
-    void load();
     void prepareDirectory() const;
-    /// Runs `work` on the sync queue, once the file has been read.
-    void onceLoaded(std::function<void()> work);
 
     const std::string m_directoryPath;
     const std::string m_filepath;
-    virlo::SerialQueue m_diskQueue;
-    virlo::SerialQueue m_syncQueue; ///< guards the rest
-    std::map<std::string, virlo::Date> m_appEntries;
-    std::set<std::string> m_removedBeforeLoading;
-    std::vector<std::function<void()>> m_afterLoading;
-    std::atomic<bool> m_loaded{false};
+    virlo::SerialQueue m_syncQueue; ///< guards `m_appEntries`
+    Entries m_appEntries;
+    virlo::SerialQueue m_diskQueue; ///< writes, one after another
 };
