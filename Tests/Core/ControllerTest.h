@@ -22,7 +22,7 @@ protected:
     void start()
     {
         markTrackingInitiated();
-        transport->expect("POST", startPath, sessionAnswer());
+        transport->expect("POST", startPath, sessionResponse());
         transport->expect("PUT", sessionPath);
         controller->startWithAppIdentifier("host");
         settleAll();

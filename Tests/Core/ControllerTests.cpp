@@ -1,5 +1,4 @@
 #include "ControllerTest.h"
-#include "Exception.h"
 #include "NotificationCenter.h"
 #include "VIRLOAdScreens.h"
 #include "VIRLOAdvertisement.h"
@@ -15,20 +14,10 @@ namespace
 
 using Controller = ControllerTest;
 
-TEST_F(Controller, IsNotToBeMadeByInit)
-{
-    try {
-        VIRLOAdController::init();
-    } catch (const Exception& exception) {
-        EXPECT_EQ(exception.name(), "Singleton");
-        EXPECT_EQ(exception.reason(), "Use +[VIRLOAdController sharedAdController]");
-    }
-}
-
-TEST_F(Controller, FirstStartRegistersTheInstallThenMarksItAndOpensTheSession)
+TEST_F(Controller, FirstStartRegistersTheInstallAndOpensTheSession)
 {
     transport->expect("POST", installPath);
-    transport->expect("POST", startPath, sessionAnswer());
+    transport->expect("POST", startPath, sessionResponse());
     transport->expect("PUT", sessionPath);
     controller->startWithAppIdentifier("host");
     settleAll();
@@ -37,10 +26,10 @@ TEST_F(Controller, FirstStartRegistersTheInstallThenMarksItAndOpensTheSession)
     EXPECT_EQ(transport->lastRequest("PUT", sessionPath).body, R"({"currentPlacement":"AppLaunch"})");
 }
 
-TEST_F(Controller, FailedInstallOpensNoSessionAndIsTriedAtTheNextStart)
+TEST_F(Controller, FailedInstallOpensNoSessionAndIsRetriedAtTheNextStart)
 {
     expectLog("Cannot register application install. ERROR: ");
-    transport->expect("POST", installPath, noAnswer());
+    transport->expect("POST", installPath, noResponse());
     controller->startWithAppIdentifier("host");
     settleAll();
     EXPECT_FALSE(trackingManager->isTrackingInitiated());
@@ -52,7 +41,7 @@ TEST_F(Controller, FailedInstallOpensNoSessionAndIsTriedAtTheNextStart)
     controller->startWithAppIdentifier("host");
     controller->startWithAppIdentifier("host");
     settleAll();
-    transport->expect("POST", startPath, sessionAnswer());
+    transport->expect("POST", startPath, sessionResponse());
     transport->expect("PUT", sessionPath);
     transport->release("POST", installPath);
     transport->release("POST", installPath);
@@ -60,14 +49,7 @@ TEST_F(Controller, FailedInstallOpensNoSessionAndIsTriedAtTheNextStart)
     EXPECT_TRUE(trackingManager->isTrackingInitiated());
 }
 
-TEST_F(Controller, LaterStartOpensTheSessionWithoutInstall)
-{
-    start();
-    EXPECT_TRUE(api->serverSession());
-    EXPECT_EQ(controller->currentPlacement(), "AppLaunch");
-}
-
-TEST_F(Controller, LifecycleReportsSavesAndEnds)
+TEST_F(Controller, FollowsTheAppsLifeCycle)
 {
     start();
     transport->expect("PUT", sessionPath);
@@ -84,12 +66,12 @@ TEST_F(Controller, LifecycleReportsSavesAndEnds)
                 testing::HasSubstr("https://ads.example/poll"));
     EXPECT_THAT(folder.read(trackingFile).value(), testing::StartsWith("bplist"));
 
-    transport->expect("DELETE", sessionPath, {204, "", true, {}});
+    transport->expect("DELETE", sessionPath, {204, ""});
     NotificationCenter::defaultCenter().post(ApplicationWillTerminateNotification);
     settleAll();
 }
 
-/// Stands for the layer that draws. In force from its making to its end.
+/// Installed for its lifetime.
 class FakeScreens : public VIRLOAdScreens
 {
 public:
@@ -104,14 +86,14 @@ public:
                                                  std::shared_ptr<VIRLOAdServerAPI>,
                                                  Completion completion) override
     {
-        asked = std::move(advertisement);
+        requested = std::move(advertisement);
         if (neverReady)
             return [this] { return std::exchange(neverReady, false); };
         completion(error ? nullptr : screen, error);
         return {};
     }
 
-    std::shared_ptr<VIRLOAdvertisement> asked;
+    std::shared_ptr<VIRLOAdvertisement> requested;
     std::shared_ptr<VIRLOAdViewController> screen;
     OptionalError error;
     bool neverReady = false;
@@ -141,10 +123,10 @@ protected:
 
     std::mutex mutex;
     std::vector<Outcome> outcomes;
-    const Answer engagement{200, R"({"txid":"t","type":"engagement"})", true, {}};
+    const FakeResponse engagement{200, R"({"txid":"t","type":"engagement"})"};
 };
 
-TEST_F(AdScreen, IsTheOneMadeForTheAnswer)
+TEST_F(AdScreen, IsMadeForTheResponse)
 {
     FakeScreens screens;
     screens.screen = someScreen();
@@ -157,12 +139,12 @@ TEST_F(AdScreen, IsTheOneMadeForTheAnswer)
     ASSERT_EQ(outcomes.size(), 1U);
     EXPECT_EQ(outcomes[0].screen, screens.screen);
     EXPECT_FALSE(outcomes[0].error);
-    EXPECT_EQ(screens.asked->type(), VIRLOAdvertisementType::Engagement);
+    EXPECT_EQ(screens.requested->type(), VIRLOAdvertisementType::Engagement);
     EXPECT_THAT(transport->lastRequest("GET", "/ad/req").url.absoluteString(),
                 testing::EndsWith("?app=host&placement=LevelUp"));
 }
 
-TEST_F(AdScreen, IsDroppedWhereItsPreloadingFails)
+TEST_F(AdScreen, IsReplacedByTheErrorOfItsPreloading)
 {
     FakeScreens screens;
     screens.screen = someScreen();
@@ -192,38 +174,38 @@ TEST_F(AdScreen, IsGivenUpAfterTheTimeLimit)
     ASSERT_EQ(outcomes.size(), 1U);
     EXPECT_FALSE(outcomes[0].screen);
     EXPECT_EQ(outcomes[0].error.value().domain, VIRLOAdController::preloadTimeLimitErrorDomain);
-    EXPECT_FALSE(screens.neverReady) << "the screen was let go";
+    EXPECT_FALSE(screens.neverReady) << "the screen was dropped";
 }
 
-TEST_F(AdScreen, IsNeitherScreenNorErrorForAKindWithoutOne)
+TEST_F(AdScreen, IsNeitherScreenNorErrorForATypeWithoutOne)
 {
     start();
-    transport->expect("GET", "/ad/req", {200, R"({"type":"featured"})", true, {}});
+    transport->expect("GET", "/ad/req", {200, R"({"type":"featured"})"});
     controller->adViewControllerOfTypeWithCompletion(5, collect());
     settleAll();
     {
         FakeScreens screens;
-        transport->expect("GET", "/ad/req", {200, "[]", true, {}});
+        transport->expect("GET", "/ad/req", {200, "[]"});
         controller->adViewControllerOfTypeWithCompletion(0, collect());
         settleAll();
-        EXPECT_EQ(screens.asked->type(), VIRLOAdvertisementType::Any);
+        EXPECT_EQ(screens.requested->type(), VIRLOAdvertisementType::Any);
     }
     ASSERT_EQ(outcomes.size(), 2U);
     for (const Outcome& outcome : outcomes)
         EXPECT_TRUE(!outcome.screen && !outcome.error);
 }
 
-TEST_F(AdScreen, RetrievalErrorIsHandedOnUnchanged)
+TEST_F(AdScreen, IsReplacedByTheErrorOfTheRequest)
 {
     start();
-    transport->expect("GET", "/ad/req", {404, R"({"error":"NO_FILL"})", true, {}});
+    transport->expect("GET", "/ad/req", {404, R"({"error":"NO_FILL"})"});
     controller->adViewControllerOfTypeWithCompletion(3, collect());
     settleAll();
     ASSERT_EQ(outcomes.size(), 1U);
     EXPECT_EQ(outcomes[0].error, (Error{VIRLOAdServerAPI::httpErrorDomain, 404, {{"error", "NO_FILL"}}}));
 }
 
-TEST_F(AdScreen, AskedBeforeTheStartComesOnceTheSessionIsThere)
+TEST_F(AdScreen, RequestedBeforeTheStartWaitsForTheSession)
 {
     controller->adViewControllerOfTypeWithCompletion(0, collect());
     controller->adViewControllerOfTypeWithCompletion(0, {});
@@ -235,10 +217,10 @@ TEST_F(AdScreen, AskedBeforeTheStartComesOnceTheSessionIsThere)
     EXPECT_EQ(outcomes.size(), 1U);
 }
 
-TEST_F(Controller, UserIdIsToldOnceWhateverTheHostHandsIn)
+TEST_F(Controller, UserIdIsSentOnceWhateverItsBytes)
 {
     start();
-    transport->expect("PUT", sessionPath, {400, "", true, {}});
+    transport->expect("PUT", sessionPath, {400, ""});
     std::atomic<int> calls{0};
     controller->registerThirdPartyUserIdWithCompletion("caf\xe9", [&](const OptionalError& error) {
         ++calls;
@@ -256,11 +238,8 @@ TEST_F(Controller, NoPublicCallWaitsForTheDisk)
     for (const auto operation :
          {Operation::Read, Operation::Write, Operation::CreateDirectories, Operation::IsDirectory})
         disk.hold(operation);
-    const auto slowStore = VIRLOAppRequestStore::storeWithDirectoryPath(folder.path("slow"));
-    const auto slow = VIRLOAdController::controllerWithCollaborators(api, trackingManager, slowStore);
-    transport->expect("POST", startPath, sessionAnswer());
-    for (int report = 0; report < 6;
-         ++report) // two of them "AppResume": both controllers hear of the app's life
+    transport->expect("POST", startPath, sessionResponse());
+    for (int report = 0; report < 4; ++report)
         transport->expect("PUT", sessionPath);
     for (int check = 0; check < 3; ++check)
         transport->expect("GET", "/poll");
@@ -272,16 +251,15 @@ TEST_F(Controller, NoPublicCallWaitsForTheDisk)
         ADD_FAILURE() << "A public call waits for the disk";
         disk.release();
     });
-    slow->startWithAppIdentifier("host");
+    store->addItem(*URL::fromString("https://ads.example/poll"));
+    controller->startWithAppIdentifier("host");
     NotificationCenter::defaultCenter().post(ApplicationDidBecomeActiveNotification);
-    slow->setCurrentPlacement("Pause");
-    slow->checkAvailableCurrency();
-    slow->checkAvailableCurrencyAfterTimeInterval(0);
-    slow->registerThirdPartyUserIdWithCompletion("me", [](const OptionalError&) {});
-    slowStore->addItem(*URL::fromString("https://ads.example/poll"));
-    slow->applicationDidEnterBackground();
+    controller->checkAvailableCurrency();
+    controller->checkAvailableCurrencyAfterTimeInterval(0);
+    controller->registerThirdPartyUserIdWithCompletion("me", [](const OptionalError&) {});
+    controller->applicationDidEnterBackground();
     trackingManager->initiateTracking();
-    EXPECT_TRUE(slow->currentPlacement());
+    EXPECT_TRUE(controller->currentPlacement());
     returned.set_value();
     watchdog.join();
 

@@ -23,18 +23,18 @@ Date CoreTest::freshDate()
     return date += std::chrono::hours(1);
 }
 
-Answer CoreTest::sessionAnswer(const std::string& more, const std::string& state)
+FakeResponse CoreTest::sessionResponse(const std::string& more, const std::string& state)
 {
     std::string body =
         R"({"sessionId":"s-1","status":")" + state + R"(","timestamp":"2016-03-01T10:20:30.123Z")";
     if (!more.empty())
         body += "," + more;
-    return {.status = 200, .body = body + "}", .arrives = true, .finalURL = {}};
+    return {200, body + "}"};
 }
 
 void CoreTest::startSession()
 {
-    transport->expect("POST", startPath, sessionAnswer());
+    transport->expect("POST", startPath, sessionResponse());
     api->startSession();
     settleAll();
 }

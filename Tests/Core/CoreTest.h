@@ -22,7 +22,7 @@
 namespace virlo::test
 {
 
-/// A network that the test turns on and off. In force from its making to its end.
+/// A network that the test turns on and off, installed for its lifetime.
 class TestNetwork : public NetworkFlagsSource
 {
 public:
@@ -35,11 +35,11 @@ public:
 
     void setReachable(bool reachable) { m_reachable = reachable; }
 
-    /// Runs `work` once, when the next question has found its answer and before it gives it.
-    void afterNextQuestion(std::function<void()> work)
+    /// Runs `work` once, after the next query has read the flags and before it returns them.
+    void duringNextQuery(std::function<void()> work)
     {
         const std::lock_guard lock(m_mutex);
-        m_afterQuestion = std::move(work);
+        m_duringQuery = std::move(work);
     }
 
     [[nodiscard]] std::optional<std::uint32_t> flagsForAddress(std::uint32_t) const override
@@ -48,7 +48,7 @@ public:
         std::function<void()> work;
         {
             const std::lock_guard lock(m_mutex);
-            work.swap(m_afterQuestion);
+            work.swap(m_duringQuery);
         }
         if (work)
             work();
@@ -65,7 +65,7 @@ public:
 private:
     std::atomic<bool> m_reachable{true};
     mutable std::mutex m_mutex;
-    mutable std::function<void()> m_afterQuestion;
+    mutable std::function<void()> m_duringQuery;
 };
 
 /// Names the rows of a parameterised test by their `name`.
@@ -74,8 +74,8 @@ private:
     return [](const auto& row) { return std::string(row.param.name); };
 }
 
-/// A server object on a scripted transport, with a clock that stands still, a network that is there, and a
-/// disk of the test's own.
+/// A server object with a scripted transport, a clock that the test advances, a reachable network and a disk
+/// of its own.
 class CoreTest : public testing::Test
 {
 protected:
@@ -85,13 +85,13 @@ protected:
     CoreTest();
     ~CoreTest() override;
 
-    /// What the server answers to a session's start and pings.
-    [[nodiscard]] static Answer sessionAnswer(const std::string& more = R"("pingInterval":30)",
-                                              const std::string& state = "SESSION_ACTIVE");
+    /// The server's response to a session's start and pings.
+    [[nodiscard]] static FakeResponse sessionResponse(const std::string& more = R"("pingInterval":30)",
+                                                      const std::string& state = "SESSION_ACTIVE");
     /// Opens the session "s-1".
     void startSession();
 
-    /// Each test begins an hour after the one before: what is measured stays in the process.
+    /// Each test begins an hour after the previous one, because measurements stay in the process.
     [[nodiscard]] static Date freshDate();
 
     TemporaryFolder folder;

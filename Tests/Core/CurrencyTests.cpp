@@ -15,10 +15,6 @@ struct Delegate : VIRLOAdControllerDelegate {
     std::vector<JSON> rewards;
 };
 
-/// A delegate that leaves the optional operation out.
-struct SilentDelegate : VIRLOAdControllerDelegate {
-};
-
 class Currency : public ControllerTest
 {
 protected:
@@ -41,20 +37,27 @@ protected:
     std::vector<JSON> posted;
 };
 
-TEST_F(Currency, RewardIsPostedToldAndForgotten)
+TEST_F(Currency, RewardIsPostedDelegatedAndItsURLRemoved)
 {
-    transport->expect("GET", "/poll", {200, reward.dump(), true, {}});
+    transport->expect("GET", "/poll", {200, reward.dump()});
     controller->checkAvailableCurrency();
     settleAll();
     EXPECT_EQ(posted, std::vector{reward});
     EXPECT_EQ(delegate->rewards, std::vector{reward});
     EXPECT_TRUE(store->items().empty());
+
+    delegate = nullptr; // held weakly
+    store->addItem(poll);
+    transport->expect("GET", "/poll", {200, reward.dump()});
+    controller->checkAvailableCurrency();
+    settleAll();
+    EXPECT_EQ(posted.size(), 2U);
 }
 
-TEST_F(Currency, NoRewardAndFailureKeepTheAddressForTheNextCheck)
+TEST_F(Currency, NoRewardAndFailureKeepTheURL)
 {
-    transport->expect("GET", "/poll", {200, R"({"status":false})", true, {}});
-    transport->expect("GET", "/poll", noAnswer());
+    transport->expect("GET", "/poll", {200, R"({"status":false})"});
+    transport->expect("GET", "/poll", noResponse());
     for (int check = 0; check < 2; ++check) {
         controller->checkAvailableCurrency();
         settleAll();
@@ -63,52 +66,33 @@ TEST_F(Currency, NoRewardAndFailureKeepTheAddressForTheNextCheck)
     EXPECT_EQ(store->items(), std::vector{poll});
 }
 
-TEST_F(Currency, AddressesOfADayAgoAreAskedOnceMoreAndThenForgotten)
+TEST_F(Currency, URLsOfADayAgoAreCheckedOnceMoreAndRemoved)
 {
     transport->expectHeld("PUT", sessionPath); // the session's ping
     clock.advance(Seconds(86401));
-    transport->expect("GET", "/poll", {200, R"({"status":false})", true, {}});
+    transport->expect("GET", "/poll", {200, R"({"status":false})"});
     controller->checkAvailableCurrency();
     settleAll();
     EXPECT_TRUE(store->items().empty());
 }
 
-TEST_F(Currency, ChecksComeAfterTheirDelays)
+TEST_F(Currency, ChecksRunAtActivationAndAfterTheirDelays)
 {
+    transport->expect("PUT", sessionPath);
+    transport->expect("GET", "/poll", {200, R"({"status":false})"});
+    NotificationCenter::defaultCenter().post(ApplicationDidBecomeActiveNotification);
+    clock.advance(Seconds(0));
+    EXPECT_EQ(transport->requests("GET", "/poll").size(), 1U);
+
     controller->checkAvailableCurrencyAfterTimeInterval(5);
     controller->checkAvailableCurrencyAfterTimeInterval(29);
     clock.advance(Seconds(4.9));
-    transport->expect("GET", "/poll", {200, R"({"status":false})", true, {}});
+    transport->expect("GET", "/poll", {200, R"({"status":false})"});
     clock.advance(Seconds(0.1));
-    EXPECT_EQ(transport->requests("GET", "/poll").size(), 1U);
-    transport->expect("GET", "/poll", {200, reward.dump(), true, {}});
+    EXPECT_EQ(transport->requests("GET", "/poll").size(), 2U);
+    transport->expect("GET", "/poll", {200, reward.dump()});
     clock.advance(Seconds(24));
     EXPECT_EQ(posted, std::vector{reward});
-}
-
-TEST_F(Currency, RegainedActivityChecksAtOnce)
-{
-    transport->expect("PUT", sessionPath);
-    transport->expect("GET", "/poll", {200, reward.dump(), true, {}});
-    NotificationCenter::defaultCenter().post(ApplicationDidBecomeActiveNotification);
-    clock.advance(Seconds(0));
-    EXPECT_EQ(posted, std::vector{reward});
-}
-
-TEST_F(Currency, DelegateIsHeldWeaklyAndMayBeSilent)
-{
-    delegate = nullptr;
-    transport->expect("GET", "/poll", {200, reward.dump(), true, {}});
-    controller->checkAvailableCurrency();
-    settleAll();
-
-    const auto silent = std::make_shared<SilentDelegate>();
-    controller->setDelegate(silent);
-    store->addItem(poll);
-    transport->expect("GET", "/poll", {200, reward.dump(), true, {}});
-    controller->checkAvailableCurrency();
-    settleAll();
-    EXPECT_EQ(posted.size(), 2U);
 }
 
 } // namespace

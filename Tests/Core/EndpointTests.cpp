@@ -42,75 +42,45 @@ protected:
     std::vector<std::tuple<int, std::size_t, std::size_t, bool>> more;
 };
 
-struct AdQuery {
-    const char* name;
-    VIRLOAdvertisementType type;
-    const char* query;
-};
-
-class AdRequest : public Endpoints, public testing::WithParamInterface<AdQuery>
-{
-};
-
-TEST_P(AdRequest, AsksByAppPlacementAndType)
+TEST_F(Endpoints, AdRequestHasAppPlacementAndType)
 {
     startSession();
-    transport->expect("GET", "/ad/req", {200, R"({"txid":"t"})", true, {}});
-    std::shared_ptr<VIRLOAdvertisement> advertisement;
-    api->retrieveAdvertisementForPlacementOfTypeWithCompletion("Level Up&more", GetParam().type,
-                                                               [&](auto found, const OptionalError& error) {
-                                                                   advertisement = std::move(found);
-                                                                   EXPECT_FALSE(error);
-                                                               });
-    settleAll();
-    EXPECT_EQ(transport->lastRequest("GET", "/ad/req").url.absoluteString(),
-              std::string("https://ads.example/ad/req?app=host&placement=Level%20Up%26more") +
-                  GetParam().query);
-    ASSERT_TRUE(advertisement);
-    EXPECT_EQ(advertisement->txId(), "t");
+    const std::initializer_list<std::pair<VIRLOAdvertisementType, std::string>> rows = {
+        {VIRLOAdvertisementType::Any, ""},
+        {VIRLOAdvertisementType::DiscoveryAlternative, "&type=discovery"},
+        {VIRLOAdvertisementType::Engagement, "&type=engagement"},
+        {VIRLOAdvertisementType{99}, "&type="}};
+    for (const auto& [type, query] : rows) {
+        transport->expect("GET", "/ad/req", {200, R"({"txid":"t"})"});
+        std::optional<std::string> txId;
+        api->retrieveAdvertisementForPlacementOfTypeWithCompletion(
+            "Level Up&more", type, [&](auto advertisement, const OptionalError&) {
+                txId = advertisement ? advertisement->txId() : std::nullopt;
+            });
+        settleAll();
+        EXPECT_EQ(transport->lastRequest("GET", "/ad/req").url.absoluteString(),
+                  "https://ads.example/ad/req?app=host&placement=Level%20Up%26more" + query);
+        EXPECT_EQ(txId, "t");
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Types, AdRequest,
-    testing::Values(AdQuery{"Any", VIRLOAdvertisementType::Any, ""},
-                    AdQuery{"SecondDiscovery", VIRLOAdvertisementType::DiscoveryAlternative,
-                            "&type=discovery"},
-                    AdQuery{"Engagement", VIRLOAdvertisementType::Engagement, "&type=engagement"},
-                    AdQuery{"Unknown", VIRLOAdvertisementType{99}, "&type="}),
-    rowName());
-
-struct Identifier {
-    const char* name;
-    const char* identifier;
-    const char* path;
-};
-
-class AppIdentifier : public CoreTest, public testing::WithParamInterface<Identifier>
+TEST_F(Endpoints, AppIdentifierIsOneSegmentOfThePath)
 {
-};
-
-TEST_P(AppIdentifier, StaysOneSegmentOfThePath)
-{
-    api->setAppIdentifier(GetParam().identifier);
-    transport->expect("POST", GetParam().path);
-    int calls = 0;
-    api->registerAppWithCompletion([&](const OptionalError&) { ++calls; });
-    settleAll();
-    EXPECT_EQ(calls, 1);
-    EXPECT_TRUE(
-        JSON::parse(transport->lastRequest("POST", GetParam().path).body.value()).contains("sdkVersion"));
+    const std::initializer_list<std::pair<const char*, const char*>> rows = {
+        {"tv.host-1", "/app/inst/tv.host-1"}, {"../../x", "/app/inst/..%2F..%2Fx"},
+        {"..", "/app/inst/%2E%2E"},           {"a?b=c#d", "/app/inst/a%3Fb%3Dc%23d"},
+        {"\xff\n%", "/app/inst/%FF%0A%25"},   {"", "/app/inst/"}};
+    for (const auto& [identifier, path] : rows) {
+        api->setAppIdentifier(identifier);
+        transport->expect("POST", path);
+        api->registerAppWithCompletion(collectError());
+        settleAll();
+        EXPECT_TRUE(JSON::parse(transport->lastRequest("POST", path).body.value()).contains("sdkVersion"));
+    }
+    EXPECT_EQ(errors, std::vector<OptionalError>(rows.size()));
 }
 
-INSTANTIATE_TEST_SUITE_P(Identifiers, AppIdentifier,
-                         testing::Values(Identifier{"Plain", "tv.host-1", "/app/inst/tv.host-1"},
-                                         Identifier{"Slashes", "../../x", "/app/inst/..%2F..%2Fx"},
-                                         Identifier{"Dots", "..", "/app/inst/%2E%2E"},
-                                         Identifier{"Query", "a?b=c#d", "/app/inst/a%3Fb%3Dc%23d"},
-                                         Identifier{"Bytes", "\xff\n%", "/app/inst/%FF%0A%25"},
-                                         Identifier{"Empty", "", "/app/inst/"}),
-                         rowName());
-
-TEST_F(Endpoints, ReportsGoToTheItemsOwnAddresses)
+TEST_F(Endpoints, ReportsGoToTheItemsURLs)
 {
     for (const char* path : {"/imp", "/click", "/click", "/form"})
         transport->expect("POST", path);
@@ -128,7 +98,7 @@ TEST_F(Endpoints, ReportsGoToTheItemsOwnAddresses)
     EXPECT_EQ(errors, std::vector<OptionalError>(3));
 }
 
-TEST_F(Endpoints, ItemWithoutAddressesFailsItsReports)
+TEST_F(Endpoints, ReportsOfAnItemWithoutURLsFail)
 {
     const auto bare = VIRLOAdItem::initWithDictionary({});
     api->registerImpressionForItemWithCompletion(*bare, collectError());
@@ -138,7 +108,7 @@ TEST_F(Endpoints, ItemWithoutAddressesFailsItsReports)
     EXPECT_TRUE(errors[0] && errors[1]);
 }
 
-TEST_F(Endpoints, PlacementAndUserWaitForTheSessionAndCarryIt)
+TEST_F(Endpoints, PlacementAndUserWaitForTheSession)
 {
     api->reportCurrentPlacement("LevelUp");
     settleAll();
@@ -150,7 +120,7 @@ TEST_F(Endpoints, PlacementAndUserWaitForTheSessionAndCarryIt)
     EXPECT_EQ(request.body, R"({"currentPlacement":"LevelUp"})");
     EXPECT_EQ(request.headers.at("VRL-SessionId"), "s-1");
 
-    transport->expect("PUT", sessionPath, {409, R"({"error":"TAKEN"})", true, {}});
+    transport->expect("PUT", sessionPath, {409, R"({"error":"TAKEN"})"});
     api->registerUsernameForVirtualCurrencyWithCompletion("me", collectError());
     settleAll();
     EXPECT_EQ(transport->lastRequest("PUT", sessionPath).body, R"({"thirdPartyUserId":"me"})");
@@ -158,10 +128,10 @@ TEST_F(Endpoints, PlacementAndUserWaitForTheSessionAndCarryIt)
     EXPECT_EQ(errors[0]->userInfo["error"], "TAKEN");
 }
 
-TEST_F(Endpoints, CurrencyAnswerWithoutRewardIsNoError)
+TEST_F(Endpoints, CurrencyCheckWithoutRewardIsNoError)
 {
     startSession();
-    transport->expect("GET", "/poll", {200, R"({"status":false,"x":1})", true, {}});
+    transport->expect("GET", "/poll", {200, R"({"status":false,"x":1})"});
     int calls = 0;
     api->checkAvailableCurrencyForURLWithCompletion(
         *URL::fromString("https://ads.example/poll"),
@@ -175,9 +145,9 @@ TEST_F(Endpoints, CurrencyAnswerWithoutRewardIsNoError)
     EXPECT_EQ(calls, 1);
 }
 
-TEST_F(Endpoints, DownloadGivesWhereTheLinkEndedAlsoBesideAnError)
+TEST_F(Endpoints, DownloadGivesTheFinalURLEvenWithAnError)
 {
-    transport->expect("GET", "/go", {200, "<html>", true, "https://store.example/app"});
+    transport->expect("GET", "/go", {200, "<html>", "https://store.example/app"});
     int calls = 0;
     api->initiateAppDownloadByURLWithCompletion(
         URL::fromString("https://ads.example/go"),
@@ -207,14 +177,14 @@ protected:
     }
 };
 
-TEST_F(MoreItems, CallersWhileARequestIsUnderWayShareItsAnswer)
+TEST_F(MoreItems, SimultaneousCallsShareOneRequest)
 {
     const auto ad = advertisement();
     transport->expectHeld("GET", "/more");
     for (int caller = 0; caller < 3; ++caller)
         api->retrieveAdditionalItemsForAdWithCompletion(ad, collectMore(caller));
     settleAll();
-    transport->release("GET", "/more", {200, R"({"ads":[{"cid":"2"},"no item",{"cid":"3"}]})", true, {}});
+    transport->release("GET", "/more", {200, R"({"ads":[{"cid":"2"},"no item",{"cid":"3"}]})"});
     settleAll();
     EXPECT_THAT(more, testing::ElementsAre(std::tuple(0, 1U, 3U, false), std::tuple(1, 1U, 3U, false),
                                            std::tuple(2, 1U, 3U, false)));
@@ -223,37 +193,29 @@ TEST_F(MoreItems, CallersWhileARequestIsUnderWayShareItsAnswer)
     EXPECT_TRUE(api->completionHandlersForAdvertisementUpdate(*ad).empty());
 }
 
-TEST_F(MoreItems, FailureLeavesTheAdvertisementAndTheNextCallAsksAgain)
+TEST_F(MoreItems, FailureChangesNothingAndACallFromACompletionRequestsTheNextPage)
 {
     const auto ad = advertisement();
-    transport->expect("GET", "/more", noAnswer());
-    transport->expect("GET", "/more", {200, R"({"ads":[{"cid":"2"}]})", true, {}});
+    transport->expect("GET", "/more", noResponse());
     api->retrieveAdditionalItemsForAdWithCompletion(ad, collectMore(0));
     settleAll();
-    EXPECT_EQ(ad->numberOfItems(), 1U);
     EXPECT_TRUE(ad->moreItemsURL());
-    api->retrieveAdditionalItemsForAdWithCompletion(ad, collectMore(1));
-    settleAll();
-    EXPECT_THAT(more, testing::ElementsAre(std::tuple(0, 0U, 0U, true), std::tuple(1, 1U, 1U, false)));
-}
-
-TEST_F(MoreItems, CallFromInsideACompletionIsAnsweredToo)
-{
-    const auto ad = advertisement();
-    transport->expect("GET", "/more", {200, "{}", true, {}});
+    transport->expect("GET", "/more",
+                      {200, R"({"moreAdsUrl":"https://ads.example/next","ads":[{"cid":"2"}]})"});
+    transport->expect("GET", "/next", {200, R"({"ads":[{"cid":"3"},{"cid":"4"}]})"});
     api->retrieveAdditionalItemsForAdWithCompletion(ad, [&](std::size_t, std::size_t, const OptionalError&) {
         api->retrieveAdditionalItemsForAdWithCompletion(ad, collectMore(1));
     });
     settleAll();
-    EXPECT_EQ(more.size(), 1U);
+    EXPECT_THAT(more, testing::ElementsAre(std::tuple(0, 0U, 0U, true), std::tuple(1, 2U, 2U, false)));
 }
 
-TEST_F(MoreItems, AdvertisementsWithoutTransactionDoNotShare)
+TEST_F(MoreItems, AdvertisementsWithoutTransactionShareNothing)
 {
     const auto first = advertisement("");
     const auto second = advertisement("");
-    transport->expect("GET", "/more", {200, R"({"ads":[{"cid":"2"}]})", true, {}});
-    transport->expect("GET", "/more", {200, R"({"ads":[{"cid":"2"}]})", true, {}});
+    transport->expect("GET", "/more", {200, R"({"ads":[{"cid":"2"}]})"});
+    transport->expect("GET", "/more", {200, R"({"ads":[{"cid":"2"}]})"});
     api->retrieveAdditionalItemsForAdWithCompletion(first, collectMore(1));
     api->retrieveAdditionalItemsForAdWithCompletion(second, collectMore(2));
     settleAll();

@@ -15,9 +15,11 @@ URLRequest noRequest()
 }
 } // namespace
 
-Answer noAnswer()
+FakeResponse noResponse()
 {
-    return {.status = 0, .body = {}, .arrives = false, .finalURL = {}};
+    FakeResponse response(0, "");
+    response.arrives = false;
+    return response;
 }
 
 class FakeTask : public URLSessionTask
@@ -30,7 +32,7 @@ public:
     {
     }
 
-    void resume() override { m_transport->exchange(std::move(m_request), std::move(m_completion)); }
+    void resume() override { m_transport->send(std::move(m_request), std::move(m_completion)); }
 
     void cancel() override {}
 
@@ -75,8 +77,8 @@ FakeTransport::FakeTransport() : m_queue("fake transport") {}
 
 FakeTransport::~FakeTransport()
 {
-    for (const auto& [key, answers] : m_expected)
-        EXPECT_TRUE(answers.empty()) << "Never asked: " << key.first << " " << key.second;
+    for (const auto& [key, responses] : m_expected)
+        EXPECT_TRUE(responses.empty()) << "Request not made: " << key.first << " " << key.second;
 }
 
 std::shared_ptr<URLSession> FakeTransport::session(URLSessionConfiguration configuration)
@@ -84,10 +86,10 @@ std::shared_ptr<URLSession> FakeTransport::session(URLSessionConfiguration confi
     return std::make_shared<FakeSession>(shared_from_this(), std::move(configuration));
 }
 
-void FakeTransport::expect(const std::string& method, const std::string& path, Answer answer)
+void FakeTransport::expect(const std::string& method, const std::string& path, FakeResponse fake)
 {
     const std::lock_guard lock(m_mutex);
-    m_expected[{method, path}].push_back(std::move(answer));
+    m_expected[{method, path}].push_back(std::move(fake));
 }
 
 void FakeTransport::expectHeld(const std::string& method, const std::string& path)
@@ -96,30 +98,30 @@ void FakeTransport::expectHeld(const std::string& method, const std::string& pat
     m_expected[{method, path}].push_back(std::nullopt);
 }
 
-void FakeTransport::exchange(URLRequest request, URLSession::Completion completion)
+void FakeTransport::send(URLRequest request, URLSession::Completion completion)
 {
     const Key key(request.method, request.url.path());
-    std::optional<Answer> answer;
+    std::optional<FakeResponse> fake;
     {
         const std::lock_guard lock(m_mutex);
         m_requests.push_back(request);
         auto& expected = m_expected[key];
         if (expected.empty()) {
-            ADD_FAILURE() << "Nobody expected " << request.method << " " << request.url.absoluteString();
-            answer = noAnswer();
+            ADD_FAILURE() << "Unexpected request: " << request.method << " " << request.url.absoluteString();
+            fake = noResponse();
         } else {
-            answer = std::move(expected.front());
+            fake = std::move(expected.front());
             expected.pop_front();
         }
-        if (!answer) {
+        if (!fake) {
             m_held[key].push_back({std::move(request), std::move(completion)});
             return;
         }
     }
-    complete(request, *answer, std::move(completion));
+    complete(request, *fake, std::move(completion));
 }
 
-void FakeTransport::release(const std::string& method, const std::string& path, const Answer& answer)
+void FakeTransport::release(const std::string& method, const std::string& path, const FakeResponse& fake)
 {
     Held held{noRequest(), {}};
     {
@@ -132,20 +134,20 @@ void FakeTransport::release(const std::string& method, const std::string& path, 
         held = std::move(waiting.front());
         waiting.pop_front();
     }
-    complete(held.request, answer, std::move(held.completion));
+    complete(held.request, fake, std::move(held.completion));
 }
 
-void FakeTransport::complete(const URLRequest& request, const Answer& answer,
+void FakeTransport::complete(const URLRequest& request, const FakeResponse& fake,
                              URLSession::Completion completion)
 {
     std::optional<HTTPURLResponse> response;
     OptionalError error;
-    if (answer.arrives)
+    if (fake.arrives)
         response = HTTPURLResponse{
-            URL::fromString(answer.finalURL.value_or("")).value_or(request.url), answer.status, {}};
+            URL::fromString(fake.finalURL.value_or("")).value_or(request.url), fake.status, {}};
     else
-        error = Error{URLSession::errorDomain, URLSession::failed, {{"Reason", "The line is dead."}}};
-    m_queue.async([completion = std::move(completion), body = answer.body, response, error] {
+        error = Error{URLSession::errorDomain, URLSession::failed, {{"Reason", "Connection failed."}}};
+    m_queue.async([completion = std::move(completion), body = fake.body, response, error] {
         completion(body, response, error);
     });
 }
@@ -168,7 +170,7 @@ URLRequest FakeTransport::lastRequest(const std::string& method, const std::stri
 {
     const auto found = requests(method, path);
     if (found.empty()) {
-        ADD_FAILURE() << "Nobody asked for " << method << " " << path;
+        ADD_FAILURE() << "Request not made: " << method << " " << path;
         return noRequest();
     }
     return found.back();

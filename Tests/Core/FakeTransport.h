@@ -15,19 +15,25 @@
 namespace virlo::test
 {
 
-/// What the server says to one request.
-struct Answer {
-    long status = 200;
-    std::string body = "{}";
-    bool arrives = true;                 ///< false: the exchange fails without an HTTP answer
+/// The server's response to one request.
+struct FakeResponse {
+    FakeResponse(long code = 200, std::string content = "{}", std::optional<std::string> url = std::nullopt)
+        : status(code)
+        , body(std::move(content))
+        , finalURL(std::move(url))
+    {
+    }
+
+    long status;
+    std::string body;
     std::optional<std::string> finalURL; ///< where redirects ended
+    bool arrives = true;                 ///< false: the transfer fails without a response
 };
 
-[[nodiscard]] Answer noAnswer();
+[[nodiscard]] FakeResponse noResponse();
 
-/// HTTP sessions that answer by a script. Each expected exchange is used once, those of one method and path
-/// in the order announced; a request that nobody expected fails the test, and so does an expectation that is
-/// left at the end.
+/// HTTP sessions with scripted responses. Each expected request is used once, those of one method and path in
+/// the given order; an unexpected request fails the test, and so does an expectation left at the end.
 class FakeTransport : public std::enable_shared_from_this<FakeTransport>
 {
 public:
@@ -40,11 +46,11 @@ public:
 
     [[nodiscard]] std::shared_ptr<URLSession> session(URLSessionConfiguration configuration = {});
 
-    void expect(const std::string& method, const std::string& path, Answer answer = {});
-    /// The answer waits for `release`.
+    void expect(const std::string& method, const std::string& path, FakeResponse response = {});
+    /// The response waits for `release`.
     void expectHeld(const std::string& method, const std::string& path);
-    /// Answers the oldest held request of that method and path.
-    void release(const std::string& method, const std::string& path, const Answer& answer = {});
+    /// Responds to the oldest held request of that method and path.
+    void release(const std::string& method, const std::string& path, const FakeResponse& response = {});
 
     /// All so far, in order, with the configuration's headers added.
     [[nodiscard]] std::vector<URLRequest> requests() const;
@@ -63,12 +69,12 @@ private:
         URLSession::Completion completion;
     };
 
-    void exchange(URLRequest request, URLSession::Completion completion);
-    void complete(const URLRequest& request, const Answer& answer, URLSession::Completion completion);
+    void send(URLRequest request, URLSession::Completion completion);
+    void complete(const URLRequest& request, const FakeResponse& response, URLSession::Completion completion);
 
     SerialQueue m_queue;
     mutable std::mutex m_mutex;
-    std::map<Key, std::deque<std::optional<Answer>>> m_expected;
+    std::map<Key, std::deque<std::optional<FakeResponse>>> m_expected;
     std::map<Key, std::deque<Held>> m_held;
     std::vector<URLRequest> m_requests;
 };

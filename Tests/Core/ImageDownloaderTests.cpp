@@ -50,7 +50,8 @@ protected:
     {
         return [this, caller](const OptionalError& error) {
             const std::lock_guard lock(mutex);
-            heard.push_back(caller + (error ? "!" : "") + " after " + std::to_string(store->stored.size()));
+            completed.push_back(caller + (error ? "!" : "") + " after " +
+                                std::to_string(store->stored.size()));
         };
     }
 
@@ -62,58 +63,58 @@ protected:
     }
 
     std::mutex mutex;
-    std::vector<std::string> heard;
+    std::vector<std::string> completed;
     std::shared_ptr<FakeStore> store = std::make_shared<FakeStore>();
     std::shared_ptr<VIRLOAdServerApiImageDownloader> downloader =
         VIRLOAdServerApiImageDownloader::initWithSession(transport->session());
 };
 
-TEST_F(ImageDownloader, CallersOfOnePictureShareItsDownload)
+TEST_F(ImageDownloader, SimultaneousCallsShareOneDownload)
 {
     transport->expectHeld("GET", "/b.jpg");
     for (const char* caller : {"a", "b", "c"})
         downloader->retrieveImageForItemWithCompletion(item(), collect(caller));
-    transport->release("GET", "/b.jpg", {200, "bytes", true, {}});
+    transport->release("GET", "/b.jpg", {200, "bytes"});
     settleAll();
     EXPECT_EQ(store->stored, std::vector<std::string>{"i:bytes"});
-    EXPECT_EQ(heard, (std::vector<std::string>{"a after 1", "b after 1", "c after 1"})) << "stored first";
+    EXPECT_EQ(completed, (std::vector<std::string>{"a after 1", "b after 1", "c after 1"})) << "stored first";
     const auto request = transport->lastRequest("GET", "/b.jpg");
     EXPECT_EQ(request.cachePolicy, CachePolicy::ReloadIgnoringLocalCacheData);
     EXPECT_EQ(request.timeout, Seconds(60));
     EXPECT_TRUE(request.headers.empty());
 
-    transport->expect("GET", "/b.jpg", {200, "again", true, {}});
+    transport->expect("GET", "/b.jpg", {200, "again"});
     downloader->retrieveImageForItemWithCompletion(item(), collect("d"));
     settleAll();
-    EXPECT_EQ(heard.back(), "d after 2") << "the next caller downloads anew";
+    EXPECT_EQ(completed.back(), "d after 2") << "a later call downloads again";
 }
 
-TEST_F(ImageDownloader, CallerFromInsideACompletionIsHeardToo)
+TEST_F(ImageDownloader, CallFromACompletionIsCompletedToo)
 {
-    transport->expect("GET", "/b.jpg", {200, "bytes", true, {}});
+    transport->expect("GET", "/b.jpg", {200, "bytes"});
     downloader->retrieveImageForItemWithCompletion(item(), [&](const OptionalError&) {
         downloader->retrieveImageForItemWithCompletion(item(), collect("again"));
     });
     settleAll();
-    EXPECT_EQ(heard, std::vector<std::string>{"again after 1"});
+    EXPECT_EQ(completed, std::vector<std::string>{"again after 1"});
 }
 
-TEST_F(ImageDownloader, FailureStoresNothingAndARefusalsBodyIsAPictureLikeAnyOther)
+TEST_F(ImageDownloader, FailureStoresNothingAndTheBodyOfA404IsStored)
 {
     const auto monitor = VIRLOConnectionQualityMonitor::sharedMonitor();
-    transport->expect("GET", "/b.jpg", noAnswer());
+    transport->expect("GET", "/b.jpg", noResponse());
     downloader->retrieveImageForItemWithCompletion(item(), collect("a"));
     settleAll();
     EXPECT_TRUE(monitor->measurementsDownload().back()->errorOccured());
-    transport->expect("GET", "/b.jpg", {404, "gone", true, {}});
+    transport->expect("GET", "/b.jpg", {404, "gone"});
     downloader->retrieveImageForItemWithCompletion(item(), collect("b"));
     settleAll();
     EXPECT_EQ(monitor->measurementsDownload().back()->bitsTransmitted(), 32U);
-    EXPECT_EQ(heard, (std::vector<std::string>{"a! after 0", "b after 1"}));
+    EXPECT_EQ(completed, (std::vector<std::string>{"a! after 0", "b after 1"}));
     EXPECT_EQ(store->stored, std::vector<std::string>{"i:gone"});
 }
 
-TEST_F(ImageDownloader, WithoutAnAddressFailsAndNotOnTheCallersStack)
+TEST_F(ImageDownloader, WithoutURLFailsOnAWorker)
 {
     std::optional<std::thread::id> thread;
     downloader->retrieveImageForItemWithCompletion(VIRLOAdItem::initWithDictionary({{"cid", "i"}}),
@@ -126,45 +127,27 @@ TEST_F(ImageDownloader, WithoutAnAddressFailsAndNotOnTheCallersStack)
     settleAll();
     ASSERT_TRUE(thread);
     EXPECT_NE(*thread, std::this_thread::get_id());
-    EXPECT_THAT(heard, testing::UnorderedElementsAre("beyond! after 0", "before! after 0"));
+    EXPECT_THAT(completed, testing::UnorderedElementsAre("beyond! after 0", "before! after 0"));
 }
 
-TEST_F(ImageDownloader, ItemsWithoutIdentifierDoNotShare)
+TEST_F(ImageDownloader, ScreenshotsAreNotSharedAndOutliveTheDownloader)
 {
     transport->expectHeld("GET", "/b.jpg");
-    transport->expectHeld("GET", "/b.jpg");
-    downloader->retrieveImageForItemWithCompletion(item(""), collect("a"));
-    downloader->retrieveImageForItemWithCompletion(item(""), collect("b"));
-    transport->release("GET", "/b.jpg", {200, "1", true, {}});
-    transport->release("GET", "/b.jpg", {200, "2", true, {}});
-    settleAll();
-    EXPECT_EQ(store->stored, (std::vector<std::string>{"?:1", "?:2"}));
-}
-
-TEST_F(ImageDownloader, ScreenshotsAreFetchedByRowAndEachForItself)
-{
-    transport->expect("GET", "/1", {200, "x", true, {}});
-    transport->expect("GET", "/1", {200, "y", true, {}});
-    downloader->retrieveScreenshotForItemAtIndexPathWithCompletion(item(), {3, 1}, collect("a"));
-    downloader->retrieveScreenshotForItemAtIndexPathWithCompletion(item(), {3, 1}, collect("b"));
-    settleAll();
-    EXPECT_EQ(store->stored, (std::vector<std::string>{"3/1:x", "3/1:y"}));
-}
-
-TEST_F(ImageDownloader, OnceItIsGoneOnlyScreenshotsAreHeardOf)
-{
-    transport->expectHeld("GET", "/b.jpg");
-    transport->expectHeld("GET", "/0");
+    transport->expectHeld("GET", "/1");
+    transport->expect("GET", "/1", {200, "early"});
     downloader->retrieveImageForItemWithCompletion(item(), collect("image"));
-    downloader->retrieveScreenshotForItemAtIndexPathWithCompletion(item(), {0, 0}, collect("screenshot"));
+    downloader->retrieveScreenshotForItemAtIndexPathWithCompletion(item(), {3, 1}, collect("screenshot"));
+    downloader->retrieveScreenshotForItemAtIndexPathWithCompletion(item(), {3, 1}, collect("unshared"));
+    settleAll();
     downloader->endSession();
     const std::weak_ptr<VIRLOAdServerApiImageDownloader> weak = downloader;
     downloader = nullptr;
     EXPECT_TRUE(weak.expired());
-    transport->release("GET", "/b.jpg", {200, "bytes", true, {}});
-    transport->release("GET", "/0", {200, "bytes", true, {}});
+    transport->release("GET", "/b.jpg", {200, "bytes"});
+    transport->release("GET", "/1", {200, "bytes"});
     settleAll();
-    EXPECT_EQ(heard, std::vector<std::string>{"screenshot after 0"});
+    EXPECT_EQ(completed, (std::vector<std::string>{"unshared after 1", "screenshot after 1"}));
+    EXPECT_EQ(store->stored, std::vector<std::string>{"3/1:early"});
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "Bundle.h"
 #include "CoreTest.h"
+#include "JSONSerialization.h"
 #include "NotificationCenter.h"
 #include "VIRLOReachability.h"
 
@@ -29,10 +30,10 @@ protected:
         };
     }
 
-    /// The one outcome of a GET that is answered so.
-    [[nodiscard]] Outcome get(const Answer& answer)
+    /// The outcome of a GET with this response.
+    [[nodiscard]] Outcome get(const FakeResponse& response)
     {
-        transport->expect("GET", "/x", answer);
+        transport->expect("GET", "/x", response);
         api->sessionGETtoURLWithCompletionHandler(URL::fromString("https://ads.example/x"), collect());
         settleAll();
         EXPECT_EQ(outcomes.size(), 1U);
@@ -48,64 +49,53 @@ constexpr const char* httpDomain = "com.virlohq.error.ServerRespondedWithHTTPErr
 constexpr const char* unexpectedDomain = "com.virlohq.error.unexpectedServerResponse";
 constexpr const char* noPayloadDomain = "com.virlohq.error.noPayload";
 
-struct Sorted {
+struct Row {
     const char* name;
-    Answer answer;
+    FakeResponse response;
     std::optional<JSON> object;
-    OptionalError error; ///< of a JSON error only the domain is looked at
+    OptionalError error; ///< of a JSON error only the domain is compared
 };
 
-class AnswerSorting : public Request, public testing::WithParamInterface<Sorted>
+class ResponseSorting : public Request, public testing::WithParamInterface<Row>
 {
 };
 
-TEST_P(AnswerSorting, GivesObjectOrError)
+TEST_P(ResponseSorting, GivesObjectOrError)
 {
-    const Sorted& row = GetParam();
-    const Outcome outcome = get(row.answer);
+    const Row& row = GetParam();
+    const Outcome outcome = get(row.response);
     EXPECT_EQ(outcome.object, row.object);
     ASSERT_EQ(outcome.error.has_value(), row.error.has_value());
     if (row.error && row.error->domain == JSONSerialization::errorDomain)
         EXPECT_EQ(outcome.error->domain, row.error->domain);
     else
         EXPECT_EQ(outcome.error, row.error);
-    EXPECT_EQ(outcome.response.has_value(), row.answer.arrives);
+    EXPECT_EQ(outcome.response.has_value(), row.response.arrives);
 }
 
-Answer answer(long status, const std::string& body)
-{
-    return {.status = status, .body = body, .arrives = true, .finalURL = {}};
-}
+const Error noJSON{JSONSerialization::errorDomain, 0, {}};
 
 INSTANTIATE_TEST_SUITE_P(
-    Table, AnswerSorting,
+    Table, ResponseSorting,
     testing::Values(
-        Sorted{"Object", answer(200, R"({"a":1})"), JSON{{"a", 1}}, {}},
-        Sorted{"RedirectCountsAsSuccess", answer(304, R"({"a":1})"), JSON{{"a", 1}}, {}},
-        Sorted{"ArrayIsHandedOn", answer(200, "[1]"), JSON::array({1}), {}},
-        Sorted{"NoContent", answer(204, ""), {}, {}},
-        Sorted{"NoContentWithContent", answer(204, R"({"a":1})"), {}, {}},
-        Sorted{"NothingCame",
-               answer(200, ""),
-               {},
-               Error{noPayloadDomain, 0, {{"Reason", "Server response does not contain payload."}}}},
-        Sorted{"NoJSON", answer(200, "<html>"), {}, Error{JSONSerialization::errorDomain, 0, {}}},
-        Sorted{"CutJSON", answer(200, R"({"a":)"), {}, Error{JSONSerialization::errorDomain, 0, {}}},
-        Sorted{"NoUTF8", answer(200, "{\"a\":\"\xff\"}"), {}, Error{JSONSerialization::errorDomain, 0, {}}},
-        Sorted{"TooDeep",
-               answer(200, std::string(100'000, '[')),
-               {},
-               Error{JSONSerialization::errorDomain, 0, {}}},
-        Sorted{
-            "RefusalWithCode", answer(404, R"({"error":"X"})"), {}, Error{httpDomain, 404, {{"error", "X"}}}},
-        Sorted{"RefusalWithPage", answer(500, "<html>"), {}, Error{httpDomain, 500, unexpected}},
-        Sorted{"RefusalWithNothing", answer(400, ""), {}, Error{httpDomain, 400, unexpected}},
-        Sorted{"RefusalWithArray", answer(403, "[1]"), {}, Error{httpDomain, 403, unexpected}},
-        Sorted{"BelowSuccess", answer(199, "{}"), {}, Error{httpDomain, 199, JSON::object()}},
-        Sorted{"NoAnswer", noAnswer(), {}, Error{unexpectedDomain, 0, unexpected}}),
+        Row{"Object", {200, R"({"a":1})"}, JSON{{"a", 1}}, {}},
+        Row{"RedirectCountsAsSuccess", {304, R"({"a":1})"}, JSON{{"a", 1}}, {}},
+        Row{"Array", {200, "[1]"}, JSON::array({1}), {}}, Row{"NumberIsNoJSON", {200, "1"}, {}, noJSON},
+        Row{"NoContentWithContent", {204, R"({"a":1})"}, {}, {}},
+        Row{"NoPayload",
+            {200, ""},
+            {},
+            Error{noPayloadDomain, 0, {{"Reason", "Server response does not contain payload."}}}},
+        Row{"NoJSON", {200, "<html>"}, {}, noJSON},
+        Row{"CodeOfARefusal", {404, R"({"error":"X"})"}, {}, Error{httpDomain, 404, {{"error", "X"}}}},
+        Row{"PageOfARefusal", {500, "<html>"}, {}, Error{httpDomain, 500, unexpected}},
+        Row{"RefusalWithoutBody", {400, ""}, {}, Error{httpDomain, 400, unexpected}},
+        Row{"ArrayOfARefusal", {403, "[1]"}, {}, Error{httpDomain, 403, unexpected}},
+        Row{"BelowSuccess", {199, "{}"}, {}, Error{httpDomain, 199, JSON::object()}},
+        Row{"NoResponse", noResponse(), {}, Error{unexpectedDomain, 0, unexpected}}),
     rowName());
 
-TEST_F(Request, CarriesTheCommonHeadersAndTheSessionOnceThereIsOne)
+TEST_F(Request, HasTheCommonHeadersAndTheSessions)
 {
     (void)get({});
     auto request = transport->lastRequest("GET", "/x");
@@ -114,6 +104,9 @@ TEST_F(Request, CarriesTheCommonHeadersAndTheSessionOnceThereIsOne)
     EXPECT_THAT(request.headers.at("User-Agent"), testing::StartsWith("VIRLOAdFramework 1.3.1 / linux "));
     EXPECT_FALSE(request.headers.contains("VRL-SessionId"));
     EXPECT_FALSE(request.body);
+    EXPECT_EQ(VIRLOAdServerAPI::generateUserAgentFromBundle(
+                  Bundle({{"CFBundleName", "N"}, {"DTPlatformName", "P"}})),
+              "N (null) / P (null)");
 
     startSession();
     transport->expect("PUT", "/x");
@@ -125,7 +118,7 @@ TEST_F(Request, CarriesTheCommonHeadersAndTheSessionOnceThereIsOne)
     EXPECT_EQ(request.body, R"({"k":"v"})");
 }
 
-TEST_F(Request, BodyThatCannotBeWrittenIsToldAndTheRequestStillGoesOut)
+TEST_F(Request, RequestWhoseBodyCannotBeEncodedIsStillSent)
 {
     transport->expectHeld("POST", "/x");
     api->sessionPOSTwithDicitonaryToURLWithCompletionHandler(
@@ -139,7 +132,7 @@ TEST_F(Request, BodyThatCannotBeWrittenIsToldAndTheRequestStillGoesOut)
     EXPECT_FALSE(transport->lastRequest("POST", "/x").body);
 }
 
-TEST_F(Request, WithoutURLFailsAsUnansweredAndNotOnTheCallersStack)
+TEST_F(Request, WithoutURLFailsAsWithoutResponseOnAWorker)
 {
     std::optional<std::thread::id> thread;
     api->sessionGETtoURLWithCompletionHandler(
@@ -153,13 +146,6 @@ TEST_F(Request, WithoutURLFailsAsUnansweredAndNotOnTheCallersStack)
     EXPECT_NE(*thread, std::this_thread::get_id());
 }
 
-TEST_F(Request, UserAgentNamesWhatTheBundleSays)
-{
-    EXPECT_EQ(VIRLOAdServerAPI::generateUserAgentFromBundle(
-                  Bundle({{"CFBundleName", "N"}, {"DTPlatformName", "P"}})),
-              "N (null) / P (null)");
-}
-
 class Parking : public CoreTest
 {
 protected:
@@ -171,14 +157,6 @@ protected:
     std::atomic<int> ran{0};
 };
 
-TEST_F(Parking, RunsAtOnceOnTheCallersThreadWithSessionAndNetwork)
-{
-    startSession();
-    std::thread::id thread;
-    api->checkSessionAndDo([&] { thread = std::this_thread::get_id(); });
-    EXPECT_EQ(thread, std::this_thread::get_id());
-}
-
 TEST_F(Parking, WaitsForAnActiveSession)
 {
     park();
@@ -186,7 +164,7 @@ TEST_F(Parking, WaitsForAnActiveSession)
     settleAll();
     EXPECT_EQ(ran, 0);
 
-    transport->expect("POST", startPath, sessionAnswer("", "SESSION_PENDING"));
+    transport->expect("POST", startPath, sessionResponse("", "SESSION_PENDING"));
     api->startSession();
     settleAll();
     EXPECT_EQ(ran, 0) << "a session in another state releases nothing";
@@ -194,10 +172,10 @@ TEST_F(Parking, WaitsForAnActiveSession)
     startSession();
     EXPECT_EQ(ran, 2);
     park();
-    EXPECT_EQ(ran, 3);
+    EXPECT_EQ(ran, 3) << "at once, on the caller's thread";
 }
 
-TEST_F(Parking, WaitsForTheNetworkUntilItIsSaidToBeBack)
+TEST_F(Parking, WaitsForTheNetwork)
 {
     startSession();
     network.setReachable(false);
@@ -205,31 +183,23 @@ TEST_F(Parking, WaitsForTheNetworkUntilItIsSaidToBeBack)
     const auto reachability = VIRLOReachability::reachabilityForInternetConnection();
     NotificationCenter::defaultCenter().post(kVIRLOReachabilityChangedNotification, reachability.get());
     settleAll();
-    EXPECT_EQ(ran, 0) << "another object's notice, and still offline";
+    EXPECT_EQ(ran, 0) << "another object's notification, and still offline";
 
     network.setReachable(true);
     startSession();
     EXPECT_EQ(ran, 1);
 }
 
-TEST_F(Parking, ReleaseBetweenTheLookAndTheParkingIsNotMissed)
+TEST_F(Parking, ReleaseBetweenCheckAndParkingIsNotMissed)
 {
     startSession();
     network.setReachable(false);
-    network.afterNextQuestion([this] {
+    network.duringNextQuery([this] {
         network.setReachable(true);
         api->retryQueuedRequests();
     });
     park();
     EXPECT_EQ(ran, 1);
-}
-
-TEST_F(Parking, ParkedWorkDoesNotKeepTheServerObject)
-{
-    api->reportCurrentPlacement("LevelUp");
-    const std::weak_ptr<VIRLOAdServerAPI> weak = api;
-    api = nullptr;
-    EXPECT_TRUE(weak.expired());
 }
 
 } // namespace

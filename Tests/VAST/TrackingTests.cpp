@@ -34,7 +34,7 @@ protected:
 TEST_F(TrackingTest, PingsImpressionsInListOrderAndSkipsThoseWithoutAURL)
 {
     for (const char* path : {"/c", "/a", "/b"})
-        transport->expect("GET", path, {.status = 204, .body = {}, .arrives = true, .finalURL = {}});
+        transport->expect("GET", path, {204, ""});
     manager->reportImpressionForAd(
         *recordsOf(vast(inlineAd("1", impression("http://t/c") + impression(" ") + impression("http://t/a") +
                                           impression("http://t/b"))))
@@ -92,7 +92,7 @@ TEST_F(TrackingTest, LogsPingsThatWereNotDelivered)
             expectLog(testing::StrEq("Failed to report event at URL " + url +
                                      ", status: " + std::to_string(row.status) + ", error: (null)"));
     }
-    transport->expect("GET", "/dead", noAnswer());
+    transport->expect("GET", "/dead", noResponse());
     manager->reportAtURL(*URL::fromString("http://t/dead"));
     expectLog(testing::StartsWith(
         "Failed to report event at URL http://t/dead, status: 0, error: Error Domain=com.virlohq.error.url"));

@@ -1,3 +1,5 @@
+#include "ASCII.h"
+#include "JSONReading.h"
 #include "VIRLOAdFrameworkLogger.h"
 #include "VIRLOAdItem.h"
 #include "VIRLOAdServerAPI.h"
@@ -22,24 +24,18 @@ VIRLOAdServerAPI::RequestCompletion passingError(VIRLOAdServerAPI::ErrorCompleti
 
 std::string percentEncoded(const std::string& text)
 {
-    constexpr const char* digits = "0123456789ABCDEF";
     const bool onlyDots = std::ranges::all_of(text, [](char each) { return each == '.'; });
     std::string result;
-    for (const char each : text) {
-        const auto byte = static_cast<unsigned char>(each);
-        const bool isPlain = (each >= 'a' && each <= 'z') || (each >= 'A' && each <= 'Z') ||
-                             (each >= '0' && each <= '9') || each == '-' || each == '_' || each == '~' ||
-                             (each == '.' && !onlyDots);
-        if (isPlain)
-            result += each;
-        else
-            result.append({'%', digits[byte >> 4], digits[byte & 0xF]});
-    }
+    virlo::ASCII::appendPercentEncoded(result, text, [onlyDots](char each) {
+        const char lower = virlo::ASCII::lowercase(each);
+        return (lower >= 'a' && lower <= 'z') || (each >= '0' && each <= '9') || each == '-' || each == '_' ||
+               each == '~' || (each == '.' && !onlyDots);
+    });
     return result;
 }
 } // namespace
 
-// An identifier is one segment whatever it holds: a slash or dots in it must not lead to another path.
+// The identifier is one path segment: a slash or dots in it must not lead to another path.
 virlo::URL VIRLOAdServerAPI::identifiedURL(const std::string& path, const std::string& identifier) const
 {
     const virlo::URL parent = m_entryPoint.appendingPathComponent(path);
@@ -67,9 +63,9 @@ void VIRLOAdServerAPI::retrieveAdvertisementForPlacementOfTypeWithCompletion(
         VIRLOAdFrameworkLogger::logInfoWithFormat("Request Ad with URL: %@", url);
         self->sessionGETtoURLWithCompletionHandler(
             url,
-            [completion](const std::optional<JSON>& answer, const OptionalError& error, const Response&) {
-                if (answer)
-                    completion(VIRLOAdvertisement::initWithDictionary(*answer), std::nullopt);
+            [completion](const std::optional<JSON>& payload, const OptionalError& error, const Response&) {
+                if (payload)
+                    completion(VIRLOAdvertisement::initWithDictionary(*payload), std::nullopt);
                 else
                     completion(nullptr, error);
             });
@@ -84,20 +80,21 @@ void VIRLOAdServerAPI::retrieveAdditionalItemsForAdWithCompletion(
     const auto url = advertisement->moreItemsURL();
     sessionGETtoURLWithCompletionHandler(
         url, [self = shared_from_this(), advertisement = std::move(advertisement)](
-                 const std::optional<JSON>& answer, const OptionalError& error, const Response&) {
+                 const std::optional<JSON>& payload, const OptionalError& error, const Response&) {
             std::size_t start = 0;
             std::size_t count = 0;
-            if (answer) {
+            if (payload) {
                 start = advertisement->numberOfItems();
-                count = virlo::JSONReading::array(*answer, "ads").size();
-                advertisement->updateWithDictionary(*answer);
+                count = virlo::JSONReading::array(*payload, "ads").size();
+                advertisement->updateWithDictionary(*payload);
             }
+            // Removed before they are called, so that a completion may request the next page.
             auto& table = self->m_completionHandlersForAdvertisementUpdate;
-            table.finish(table.key(advertisement->txId(), advertisement.get()),
-                         [&](const MoreItemsCompletion& handler) {
-                             if (handler)
-                                 handler(start, count, answer ? std::nullopt : error);
-                         });
+            for (const MoreItemsCompletion& handler :
+                 table.remove(table.key(advertisement->txId(), advertisement.get()))) {
+                if (handler)
+                    handler(start, count, payload ? std::nullopt : error);
+            }
         });
 }
 
@@ -153,9 +150,9 @@ void VIRLOAdServerAPI::checkAvailableCurrencyForURLWithCompletion(const virlo::U
             return;
         self->sessionGETtoURLWithCompletionHandler(
             url,
-            [completion](const std::optional<JSON>& answer, const OptionalError& error, const Response&) {
-                if (answer)
-                    completion(virlo::JSONReading::boolean(*answer, "status"), answer, std::nullopt);
+            [completion](const std::optional<JSON>& payload, const OptionalError& error, const Response&) {
+                if (payload)
+                    completion(virlo::JSONReading::boolean(*payload, "status"), payload, std::nullopt);
                 else
                     completion(false, std::nullopt, error);
             });

@@ -1,3 +1,4 @@
+#include "JSONSerialization.h"
 #include "VIRLOAdServerAPI.h"
 #include "VIRLOSession.h"
 
@@ -8,8 +9,8 @@ using virlo::JSON;
 
 namespace
 {
-// Answers are some kilobytes; only what is passed on unparsed, such as pictures, needs more.
-constexpr std::size_t longestAnswer = std::size_t{16} << 20;
+// The server's responses are a few kilobytes.
+constexpr std::size_t longestBody = std::size_t{16} << 20;
 
 constexpr const char* unexpectedResponseReason = "Unexpected server response.";
 
@@ -27,8 +28,8 @@ Error httpError(long status, const std::string& data)
     return {VIRLOAdServerAPI::httpErrorDomain, status, *parsed};
 }
 
-void completeWithAnswer(const VIRLOAdServerAPI::RequestCompletion& completion, const std::string& data,
-                        const VIRLOAdServerAPI::Response& response)
+void completeWithResponse(const VIRLOAdServerAPI::RequestCompletion& completion, const std::string& data,
+                          const VIRLOAdServerAPI::Response& response)
 {
     if (!response) {
         completion(
@@ -62,15 +63,15 @@ void VIRLOAdServerAPI::sessionRequestOfTypeToURLWithDictionaryAndCompletionHandl
         completion = [](const std::optional<JSON>&, const virlo::OptionalError&, const Response&) {};
     if (!url) {
         m_session->queue().async(
-            [completion = std::move(completion)] { completeWithAnswer(completion, {}, std::nullopt); });
+            [completion = std::move(completion)] { completeWithResponse(completion, {}, std::nullopt); });
         return;
     }
 
     virlo::URLRequest request{.url = *url, .method = method, .headers = {}, .body = std::nullopt};
-    request.maximumBodySize = longestAnswer;
+    request.maximumBodySize = longestBody;
     if (dictionary) {
         auto encoded = virlo::JSONSerialization::dataWithObject(*dictionary);
-        // The request goes out all the same, without a body, so the completion hears twice.
+        // Deliberate: the request is still sent, without a body, so the completion is called a second time.
         if (auto* error = std::get_if<Error>(&encoded))
             completion(std::nullopt, *error, std::nullopt);
         else
@@ -79,12 +80,12 @@ void VIRLOAdServerAPI::sessionRequestOfTypeToURLWithDictionaryAndCompletionHandl
     if (const auto session = serverSession())
         request.headers = {{"VRL-SessionId", session->identifier()}};
 
-    // What the transport says of its failure is not looked at: no answer is no answer.
+    // The transport's own error is not passed on: every failure without a response is the same error.
     m_session
         ->dataTask(std::move(request),
                    [completion = std::move(completion)](const std::string& data, const Response& response,
                                                         const virlo::OptionalError&) {
-                       completeWithAnswer(completion, data, response);
+                       completeWithResponse(completion, data, response);
                    })
         ->resume();
 }

@@ -1,4 +1,5 @@
 #include "GlobalQueue.h"
+#include "JSONReading.h"
 #include "MainLoop.h"
 #include "VIRLOAdFrameworkLogger.h"
 #include "VIRLOAdServerAPI.h"
@@ -6,7 +7,6 @@
 #include "VIRLOSession.h"
 #include "VIRLOUserProfile.h"
 
-#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -16,9 +16,12 @@ using virlo::OptionalError;
 namespace
 {
 constexpr double retryInterval = 60;
-// Beyond a day an interval of the server's is a mistake of its.
-constexpr double longestInterval = 86400;
 constexpr std::size_t requestsForAverageSpeed = 10;
+
+// A server that sends no interval, or a very short one, is pinged so a few times in a row, then once a
+// second.
+constexpr int mostShortIntervals = 5;
+constexpr double intervalAfterShortOnes = 1;
 
 void onWorker(std::function<void()> work)
 {
@@ -55,20 +58,20 @@ void VIRLOAdServerAPI::sendSessionStart()
     VIRLOAdFrameworkLogger::logInfoWithFormat("Start session with dictionary: %@", deviceData);
     sessionPOSTwithDicitonaryToURLWithCompletionHandler(
         deviceData, identifiedURL("app/sess", appIdentifier()).appendingQueryItems({{"state", "start"}}),
-        [weak = weak_from_this()](const std::optional<JSON>& answer, const OptionalError& error,
+        [weak = weak_from_this()](const std::optional<JSON>& payload, const OptionalError& error,
                                   const Response&) {
             if (const auto self = weak.lock())
-                self->sessionStartDidEnd(answer, error);
+                self->sessionStartDidEnd(payload, error);
         });
 }
 
-void VIRLOAdServerAPI::sessionStartDidEnd(const std::optional<JSON>& answer, const OptionalError& error)
+void VIRLOAdServerAPI::sessionStartDidEnd(const std::optional<JSON>& payload, const OptionalError& error)
 {
-    const auto session = answer ? VIRLOSession::initWithDictionary(*answer) : nullptr;
+    const auto session = payload ? VIRLOSession::initWithDictionary(*payload) : nullptr;
     setServerSession(session);
     if (!error && session) {
         VIRLOAdFrameworkLogger::logInfoWithFormat("Session started: %@", session);
-        scheduleSessionTimer(session->pingInterval(), &VIRLOAdServerAPI::keepUpSession);
+        scheduleKeepUp(session->pingInterval());
     } else {
         VIRLOAdFrameworkLogger::logErrorWithFormat("Cannot initiate session: %@", error);
         scheduleSessionTimer(retryInterval, &VIRLOAdServerAPI::restartSession);
@@ -95,28 +98,28 @@ void VIRLOAdServerAPI::sendSessionPing()
 {
     const auto session = serverSession();
     const auto monitor = VIRLOConnectionQualityMonitor::sharedMonitor();
-    // The interval's average only decides whether a speed is told at all; the one told is that of the last
-    // requests.
+    // Deliberate: the interval's average only decides whether a speed is sent; the speed is the average of
+    // the last requests.
     float speed = monitor->averageDownloadSpeedKOverLastInterval(session ? session->pingInterval() : 0);
     if (!std::isnan(speed))
         speed = monitor->averageDownloadSpeedKDuringLastRequests(requestsForAverageSpeed);
 
     JSON body = JSON::object();
-    if (std::isfinite(speed)) { // JSON has no infinity, which transfers too short to be timed give
+    if (std::isfinite(speed)) { // transfers too short to be timed give infinity, which JSON lacks
         body["connectionSpeed"] = speed;
         VIRLOAdFrameworkLogger::logInfoWithFormat("AVG download speed: %f kbps", speed);
     }
     body["user"] = VIRLOUserProfile::sharedProfile()->profileDictionary();
     sessionPUTwithDicitonaryToURLWithCompletionHandler(
         body, sessionURL(),
-        [weak = weak_from_this()](const std::optional<JSON>& answer, const OptionalError& error,
+        [weak = weak_from_this()](const std::optional<JSON>& payload, const OptionalError& error,
                                   const Response&) {
             if (const auto self = weak.lock())
-                self->pingDidEnd(answer, error);
+                self->pingDidEnd(payload, error);
         });
 }
 
-void VIRLOAdServerAPI::pingDidEnd(const std::optional<JSON>& answer, const OptionalError& error)
+void VIRLOAdServerAPI::pingDidEnd(const std::optional<JSON>& payload, const OptionalError& error)
 {
     double delay = 0;
     if (error) {
@@ -129,10 +132,10 @@ void VIRLOAdServerAPI::pingDidEnd(const std::optional<JSON>& answer, const Optio
         }
         delay = retryInterval;
     } else if (const auto session = serverSession()) {
-        session->updateWithDictionary(answer.value_or(JSON()));
+        session->updateWithDictionary(payload.value_or(JSON()));
         delay = session->pingInterval();
     }
-    scheduleSessionTimer(delay, &VIRLOAdServerAPI::keepUpSession);
+    scheduleKeepUp(delay);
 }
 
 void VIRLOAdServerAPI::endSession()
@@ -150,10 +153,22 @@ void VIRLOAdServerAPI::endSession()
     m_sessionKeepUpTimer = nullptr;
 }
 
+void VIRLOAdServerAPI::scheduleKeepUp(double interval)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_shortIntervals = interval < intervalAfterShortOnes ? m_shortIntervals + 1 : 0;
+        if (m_shortIntervals > mostShortIntervals) {
+            m_shortIntervals = mostShortIntervals;
+            interval = intervalAfterShortOnes;
+        }
+    }
+    scheduleSessionTimer(interval, &VIRLOAdServerAPI::keepUpSession);
+}
+
 void VIRLOAdServerAPI::scheduleSessionTimer(double seconds, void (VIRLOAdServerAPI::*work)())
 {
-    const virlo::Seconds delay(std::clamp(seconds, 0.0, longestInterval));
-    auto timer = virlo::Timer::once(delay, [weak = weak_from_this(), work] {
+    auto timer = virlo::Timer::once(virlo::Seconds(seconds), [weak = weak_from_this(), work] {
         const auto self = weak.lock();
         if (!self)
             return;
@@ -164,7 +179,7 @@ void VIRLOAdServerAPI::scheduleSessionTimer(double seconds, void (VIRLOAdServerA
         }
         (self.get()->*work)();
     });
-    // The one before is let go of, and so ends, outside the lock.
+    // The previous timer is released, and thereby invalidated, after the lock.
     const std::lock_guard lock(m_mutex);
     if (!m_sessionEnded)
         m_sessionKeepUpTimer.swap(timer);

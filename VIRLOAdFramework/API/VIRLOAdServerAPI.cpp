@@ -32,7 +32,7 @@ std::shared_ptr<VIRLOAdServerAPI> VIRLOAdServerAPI::initWithBaseURLMakingSession
                                                                                  const SessionMaker& maker)
 {
     std::shared_ptr<VIRLOAdServerAPI> api(new VIRLOAdServerAPI(url, maker));
-    // Nothing here starts the notifier: changes are heard of only while someone else has it running.
+    // Deliberate: the notifier is not started here, so changes are only posted while someone else runs it.
     api->m_reachabilityObservation = virlo::NotificationCenter::defaultCenter().addObserver(
         kVIRLOReachabilityChangedNotification,
         [weak = std::weak_ptr(api)](const virlo::Notification&) {
@@ -90,8 +90,7 @@ void VIRLOAdServerAPI::checkSessionAndDo(std::function<void()> work)
             work();
             return;
         }
-        // A session that came or a release that went by since the look above would never come again for this
-        // work.
+        // Checked again: a session set or a release done since the check above would not release this work.
         const bool parked = m_sessionSyncQueue.read([&] {
             if (m_serverSession != session || m_releases != releases)
                 return false;

@@ -11,6 +11,7 @@
 using virlo::OptionalError;
 using virlo::URLSession;
 
+// The label's prefix differs from the others' on purpose.
 const char* const VIRLOAdServerApiImageDownloader::kImagesRetrieveQueue =
     "com.kastvel.KSTVImagesRetrieveQueue";
 
@@ -62,7 +63,7 @@ void VIRLOAdServerApiImageDownloader::retrieveImageForItemWithCompletion(std::sh
         const auto self = weak.lock();
         if (!self)
             return;
-        // Stored first, so that whoever is called finds the picture; a body is stored also beside an error.
+        // Stored first, so that the completions find the image; a body is stored even with an error.
         const auto store = self->imagesStore();
         if (!bytes.empty() && store)
             store->setImageForItem(std::move(bytes), *item);

@@ -15,20 +15,20 @@ class VIRLOAdItem;
 class VIRLOConnectionMeasurement;
 class VIRLOImageStoreProtocol;
 
-/// Fetches the pictures of ad items into an image store and measures each download. Belongs to one screen,
-/// which calls `endSession` when it goes. Callers who want one item's picture at the same time share one
-/// download. Any thread; nothing is tried again.
+/// Downloads the images of ad items into an image store and measures each download. Belongs to one screen,
+/// which calls `endSession` when it is destroyed. Simultaneous calls for one item's image share one download.
+/// Any thread; nothing is retried.
 class VIRLOAdServerApiImageDownloader : public std::enable_shared_from_this<VIRLOAdServerApiImageDownloader>
 {
 public:
     static const char* const kImagesRetrieveQueue;
 
-    /// Nothing on success: the picture is then in the store. A body that came is stored also beside an error,
-    /// and also where the server answered with a failure.
+    /// Nothing on success: the image is then in the store. A body is stored even with an error and whatever
+    /// the HTTP status.
     using Completion = std::function<void(const virlo::OptionalError&)>;
 
     [[nodiscard]] static std::shared_ptr<VIRLOAdServerApiImageDownloader> init();
-    /// On a transport of the caller's.
+    /// With the caller's HTTP session.
     [[nodiscard]] static std::shared_ptr<VIRLOAdServerApiImageDownloader>
     initWithSession(std::shared_ptr<virlo::URLSession> session);
 
@@ -38,19 +38,19 @@ public:
     [[nodiscard]] std::shared_ptr<VIRLOImageStoreProtocol> imagesStore() const;
     void setImagesStore(std::shared_ptr<VIRLOImageStoreProtocol> store);
 
-    /// Downloads under way finish; new ones fail.
+    /// Running downloads finish; new ones fail.
     void endSession();
 
-    /// Fetches the item's `backgroundURL`. The completion runs on the HTTP session's queue, those of one
-    /// download in the order asked; not at all where the downloader has gone by then.
+    /// Downloads the item's `backgroundURL`. Completions run on the HTTP session's queue, those of one
+    /// download in the order of the calls. None is called after the downloader has been destroyed.
     void retrieveImageForItemWithCompletion(std::shared_ptr<VIRLOAdItem> item, Completion completion);
-    /// Fetches the screenshot at the index path's row (the section only names its place in the store); a row
-    /// that the item lacks fails. Not shared. The completion runs also where the downloader has gone.
+    /// Downloads the screenshot at the index path's row (the section only selects its key in the store); a
+    /// row out of range fails. Not shared. The completion runs even after the downloader has been destroyed.
     void retrieveScreenshotForItemAtIndexPathWithCompletion(std::shared_ptr<VIRLOAdItem> item,
                                                             virlo::IndexPath indexPath,
                                                             Completion completion);
 
-    /// True where nobody waits for this item's picture yet: the caller must start the download.
+    /// True if no other handler waits for this item's image: the caller must start the download.
     [[nodiscard]] bool addCompletionHandlerForImageOfItem(Completion handler, const VIRLOAdItem& item);
     [[nodiscard]] std::vector<Completion> completionHandlersForImagesOfItem(const VIRLOAdItem& item);
     void removeCompletionHandlersForImageOfItem(const VIRLOAdItem& item);

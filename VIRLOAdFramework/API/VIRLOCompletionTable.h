@@ -9,22 +9,22 @@
 #include <utility>
 #include <vector>
 
-/// Who waits for which answer, so that several callers who want one thing share one request. A table on a
-/// labelled queue of its own; any thread, but not from work on that queue.
+/// Completions waiting for a response, by key, so that several callers for the same object share one request.
+/// Guarded by a queue of its own; any thread, but not from a block running on that queue.
 template <typename Handler>
 class VIRLOCompletionTable
 {
 public:
     explicit VIRLOCompletionTable(const char* label) : m_queue(label) {}
 
-    /// What stands for a thing in the table: its identifier, or for a thing without one that very object.
+    /// An object's key: its identifier, or its address if it has none.
     [[nodiscard]] static std::string key(const std::optional<std::string>& identifier, const void* object)
     {
         return identifier ? "=" + *identifier
                           : "@" + std::to_string(reinterpret_cast<std::uintptr_t>(object));
     }
 
-    /// True where nobody waited for `key` yet: the caller makes the request.
+    /// True if `handler` is the first one for `key`: the caller makes the request.
     [[nodiscard]] bool add(const std::string& key, Handler handler)
     {
         return m_queue.read([&] {
@@ -34,7 +34,7 @@ public:
         });
     }
 
-    /// Those who wait, in the order added.
+    /// In the order added.
     [[nodiscard]] std::vector<Handler> handlers(const std::string& key)
     {
         return m_queue.read([&] {
@@ -43,26 +43,26 @@ public:
         });
     }
 
-    void remove(const std::string& key)
+    /// Removes the entry and returns its handlers. A caller that comes later makes a new request.
+    std::vector<Handler> remove(const std::string& key)
     {
-        m_queue.sync([&] { m_handlers.erase(key); });
+        return m_queue.read([&] {
+            auto node = m_handlers.extract(key);
+            return node ? std::move(node.mapped()) : std::vector<Handler>();
+        });
     }
 
-    /// Calls each who waits in the order added, then removes the entry. One who came while the calls ran is
-    /// called after the removal, so nobody is lost and one who asks again from inside such a call makes a new
-    /// request.
+    /// Calls the handlers in the order added, then removes the entry. A handler added during these calls is
+    /// called after the removal, so that none is lost.
     template <typename Call>
     void finish(const std::string& key, const Call& call)
     {
         const std::vector<Handler> waiting = handlers(key);
         for (const Handler& handler : waiting)
             call(handler);
-        std::vector<Handler> rest = m_queue.read([&] {
-            auto node = m_handlers.extract(key);
-            return node ? std::move(node.mapped()) : std::vector<Handler>();
-        });
-        for (std::size_t index = waiting.size(); index < rest.size(); ++index)
-            call(rest[index]);
+        const std::vector<Handler> all = remove(key);
+        for (std::size_t index = waiting.size(); index < all.size(); ++index)
+            call(all[index]);
     }
 
 private:

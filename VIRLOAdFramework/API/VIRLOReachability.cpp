@@ -16,8 +16,7 @@ namespace
 {
 constexpr std::uint32_t linkLocalNetwork = 0xA9FE0000; // 169.254.0.0
 
-// Printed with every status query, whatever the logger's level: whoever reads a device's log sees what the
-// system said.
+// Deliberate: printed at every status query, whatever the logger's level.
 void printReachabilityFlags(std::uint32_t flags, const char* caller)
 {
     const auto mark = [flags](virlo::NetworkFlag flag, char letter) {

@@ -15,33 +15,31 @@ struct sockaddr;
 inline constexpr const char* kVIRLOReachabilityChangedNotification =
     "kVIRLONetworkReachabilityChangedNotification";
 
-/// Whether a destination is usable over the network, and, while its notifier runs, announcements of changes.
-/// Owned by whoever asks; the flags come from `virlo::NetworkFlagsSource::shared()` at the time of each
-/// question. Questions are answered at once from what the system knows, on any thread, and each that could
-/// read flags writes one line to the system's log. Nothing is sent to the destination.
+/// Whether a destination is reachable over the network, and, while its notifier runs, notifications of
+/// changes. Owned by its user. Each query reads the flags from `virlo::NetworkFlagsSource::shared()`, without
+/// sending anything to the destination, and on success writes one line to the system log; any thread.
 class VIRLOReachability : public std::enable_shared_from_this<VIRLOReachability>
 {
 public:
     enum NetworkStatus { NotReachable = 0, ReachableViaWiFi = 1, ReachableViaWWAN = 2 };
 
-    /// Nothing where the name is empty.
+    /// Null for an empty name.
     [[nodiscard]] static std::shared_ptr<VIRLOReachability>
     reachabilityWithHostName(const std::string& hostName);
-    /// Nothing where the address is none of IPv4.
+    /// Null for an address other than IPv4.
     [[nodiscard]] static std::shared_ptr<VIRLOReachability> reachabilityWithAddress(const sockaddr& address);
     [[nodiscard]] static std::shared_ptr<VIRLOReachability> reachabilityForInternetConnection();
-    /// Asks for the link-local network 169.254.0.0 and judges by `localWiFiStatusForFlags`.
+    /// The link-local network 169.254.0.0, evaluated by `localWiFiStatusForFlags`.
     [[nodiscard]] static std::shared_ptr<VIRLOReachability> reachabilityForLocalWiFi();
 
     ~VIRLOReachability();
     VIRLOReachability(const VIRLOReachability&) = delete;
     VIRLOReachability& operator=(const VIRLOReachability&) = delete;
 
-    /// From here on every change of this destination's flags posts the notification on the main thread, by
-    /// the main loop, the only run loop there is. False where the system cannot be watched. A second start is
-    /// no second watch.
+    /// From now on every change of the flags posts the notification on the main thread. False if the system
+    /// cannot be watched. Starting twice is starting once.
     bool startNotifier();
-    /// Once it has returned on the main thread nothing is posted any more.
+    /// After it has returned on the main thread nothing is posted any more.
     void stopNotifier();
 
     /// `NotReachable` where the flags cannot be read.
