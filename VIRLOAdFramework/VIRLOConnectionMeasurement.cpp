@@ -1,16 +1,15 @@
 #include "VIRLOConnectionMeasurement.h"
 
+#include "ReferenceDate.h"
 #include "StringFormat.h"
 
 using virlo::Clock;
 
 namespace
 {
-constexpr std::chrono::seconds referenceDate{978307200}; // 2001-01-01 00:00 UTC
-
 double secondsSinceReferenceDate()
 {
-    return virlo::Seconds(Clock::shared().date().time_since_epoch() - referenceDate).count();
+    return virlo::ReferenceDate::secondsFromDate(Clock::shared().date());
 }
 } // namespace
 
@@ -63,7 +62,7 @@ void VIRLOConnectionMeasurement::setStartTime(double startTime)
     const std::lock_guard lock(m_mutex);
     const virlo::Seconds ago(secondsSinceReferenceDate() - startTime);
     m_startTime = startTime;
-    m_startInstant = Clock::shared().now() - std::chrono::duration_cast<Clock::Instant::duration>(ago);
+    m_startInstant = Clock::shared().now() - Clock::ticks(ago);
 }
 
 bool VIRLOConnectionMeasurement::completed() const

@@ -7,8 +7,8 @@
 #include <optional>
 #include <string>
 
-/// One timed transfer. Made by VIRLOConnectionQualityMonitor, which keeps it; the one who transfers reports
-/// its end. Any thread.
+/// One timed transfer. Created and kept by VIRLOConnectionQualityMonitor; whoever transfers reports the end.
+/// Any thread.
 class VIRLOConnectionMeasurement
 {
 public:
@@ -24,10 +24,11 @@ public:
     void registerNumberOfBytesWithDuration(std::uint64_t bytes, double duration);
     void registerError();
 
-    /// Seconds since 2001-01-01 00:00 UTC.
+    /// Seconds since 2001-01-01 00:00 UTC. A start time in the future counts as now.
     [[nodiscard]] double startTime() const;
     void setStartTime(double startTime);
     [[nodiscard]] bool completed() const;
+    /// The name keeps its spelling.
     [[nodiscard]] bool errorOccured() const;
     /// Bits per second, and in units of 1024, 1024² and 1024³ bits per second. 0 until completed.
     [[nodiscard]] float speed() const;
@@ -45,7 +46,7 @@ public:
 private:
     mutable std::mutex m_mutex;
     double m_startTime = 0;
-    /// The same moment on the clock that never jumps, which durations are measured by.
+    /// The same moment on the monotonic clock, by which durations are measured.
     virlo::Clock::Instant m_startInstant;
     bool m_completed = false;
     bool m_errorOccured = false;

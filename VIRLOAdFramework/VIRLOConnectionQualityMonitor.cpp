@@ -1,5 +1,7 @@
 #include "VIRLOConnectionQualityMonitor.h"
 
+#include "ReferenceDate.h"
+
 #include <algorithm>
 #include <iterator>
 #include <limits>
@@ -20,9 +22,13 @@ VIRLOConnectionQualityMonitor::VIRLOConnectionQualityMonitor() : m_syncQueue(kSy
 
 std::shared_ptr<VIRLOConnectionQualityMonitor> VIRLOConnectionQualityMonitor::sharedMonitor()
 {
-    static const auto& shared = *new std::shared_ptr<VIRLOConnectionQualityMonitor>(
-        std::make_shared<VIRLOConnectionQualityMonitor>());
+    static const auto& shared = *new std::shared_ptr<VIRLOConnectionQualityMonitor>(initPrivate());
     return shared;
+}
+
+std::shared_ptr<VIRLOConnectionQualityMonitor> VIRLOConnectionQualityMonitor::initPrivate()
+{
+    return std::shared_ptr<VIRLOConnectionQualityMonitor>(new VIRLOConnectionQualityMonitor);
 }
 
 std::shared_ptr<VIRLOConnectionMeasurement> VIRLOConnectionQualityMonitor::probeDownload()
@@ -103,11 +109,12 @@ float VIRLOConnectionQualityMonitor::averageDownloadSpeedOverLastIntervalForMeas
     double seconds, const Measurements& measurements)
 {
     const Predicate isValid = validProbePredicate();
-    const virlo::Date now = Clock::shared().date();
+    // In floating point: the device's clock may be set to any date between two measurements.
+    const double now = virlo::ReferenceDate::secondsFromDate(Clock::shared().date());
     Measurements recent;
     std::ranges::copy_if(measurements, std::back_inserter(recent), [&](const auto& each) {
         return isValid(*each) &&
-               virlo::Seconds(now - each->time().value_or(virlo::Date())).count() <= seconds;
+               now - virlo::ReferenceDate::secondsFromDate(each->time().value_or(virlo::Date())) <= seconds;
     });
     return averageSpeedForValidMeasurements(recent);
 }

@@ -10,11 +10,12 @@
 #include <vector>
 
 /// Estimates the network's speed from the library's own traffic: every image download is a probe, and each
-/// session ping tells the server the average. Probes that failed, have not ended, or are smaller than
-/// `minimumUsableProbeSize` do not count. Probes are kept for the life of the process. Any thread.
+/// session ping reports the average to the server. A probe is valid if it has completed without an error and
+/// has at least `minimumUsableProbeSize`; only valid ones count. Probes are kept until the process ends. Any
+/// thread.
 ///
-/// Averages weigh by time (all bits by all seconds). Plain ones are bits per second; K, M and G ones are in
-/// units of 1024, 1024² and 1024³ bits per second. Without a probe that counts, an average is NaN.
+/// Averages are time-weighted (all bits divided by all seconds). Plain ones are in bits per second; K, M and
+/// G are units of 1024, 1024² and 1024³ bits per second. Without a valid probe an average is NaN.
 class VIRLOConnectionQualityMonitor
 {
 public:
@@ -27,11 +28,10 @@ public:
 
     [[nodiscard]] static std::shared_ptr<VIRLOConnectionQualityMonitor> sharedMonitor();
 
-    VIRLOConnectionQualityMonitor();
     VIRLOConnectionQualityMonitor(const VIRLOConnectionQualityMonitor&) = delete;
     VIRLOConnectionQualityMonitor& operator=(const VIRLOConnectionQualityMonitor&) = delete;
 
-    /// A new probe, started now. The caller reports its end to it.
+    /// A new probe, started now. The caller reports the transfer's end to it.
     [[nodiscard]] std::shared_ptr<VIRLOConnectionMeasurement> probeDownload();
     [[nodiscard]] std::shared_ptr<VIRLOConnectionMeasurement> probeUpload();
     void addDownloadMeasurement(std::shared_ptr<VIRLOConnectionMeasurement> measurement);
@@ -49,7 +49,7 @@ public:
     [[nodiscard]] float averageUploadSpeedM() const;
     [[nodiscard]] float averageUploadSpeedG() const;
 
-    /// Over the last `count` probes that count, or as many as there are.
+    /// Over the last `count` valid probes, or as many as there are.
     [[nodiscard]] float averageDownloadSpeedDuringLastRequests(std::size_t count) const;
     [[nodiscard]] float averageDownloadSpeedKDuringLastRequests(std::size_t count) const;
     [[nodiscard]] float averageDownloadSpeedMDuringLastRequests(std::size_t count) const;
@@ -59,7 +59,7 @@ public:
     [[nodiscard]] float averageUploadSpeedMDuringLastRequests(std::size_t count) const;
     [[nodiscard]] float averageUploadSpeedGDuringLastRequests(std::size_t count) const;
 
-    /// Over the probes that ended in the last `seconds`.
+    /// Over the valid probes that completed in the last `seconds`.
     [[nodiscard]] float averageDownloadSpeedOverLastInterval(double seconds) const;
     [[nodiscard]] float averageDownloadSpeedKOverLastInterval(double seconds) const;
     [[nodiscard]] float averageDownloadSpeedMOverLastInterval(double seconds) const;
@@ -69,12 +69,12 @@ public:
     [[nodiscard]] float averageUploadSpeedMOverLastInterval(double seconds) const;
     [[nodiscard]] float averageUploadSpeedGOverLastInterval(double seconds) const;
 
-    /// Of those in the list that count.
+    /// Over the valid probes of the list.
     [[nodiscard]] static float averageSpeedFromArray(const Measurements& measurements);
-    /// Of all in the list.
+    /// Over all probes of the list.
     [[nodiscard]] static float averageSpeedForValidMeasurements(const Measurements& measurements);
     [[nodiscard]] static Predicate validProbePredicate();
-    /// Uploads use these two as well.
+    /// Named after downloads, used for uploads as well.
     [[nodiscard]] static float
     averageDownloadSpeedDuringLastRequestsForMeasurements(std::size_t count,
                                                           const Measurements& measurements);
@@ -82,6 +82,9 @@ public:
     averageDownloadSpeedOverLastIntervalForMeasurements(double seconds, const Measurements& measurements);
 
 private:
+    VIRLOConnectionQualityMonitor();
+    static std::shared_ptr<VIRLOConnectionQualityMonitor> initPrivate();
+
     mutable virlo::SerialQueue m_syncQueue;
     Measurements m_measurementsDownload;
     Measurements m_measurementsUpload;

@@ -4,85 +4,105 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <optional>
 
 namespace virlo::test
 {
 namespace
 {
 
+using Monitor = VIRLOConnectionQualityMonitor;
+
 constexpr std::uint64_t megabit = 1'000'000;
 
 class ConnectionQuality : public testing::Test
 {
 protected:
-    /// A probe of so many bits that took so many seconds and ends now.
-    void probe(std::uint64_t bits, double seconds)
+    std::shared_ptr<VIRLOConnectionMeasurement> add()
     {
-        monitor.probeDownload()->registerNumberOfBytesWithDuration(bits / 8, seconds);
+        probes.push_back(std::make_shared<VIRLOConnectionMeasurement>());
+        return probes.back();
     }
 
-    TestClock clock;
-    VIRLOConnectionQualityMonitor monitor;
+    /// A probe of so many bits that took so many seconds and completes now.
+    void add(std::uint64_t bits, double seconds)
+    {
+        add()->registerNumberOfBytesWithDuration(bits / 8, seconds);
+    }
+
+    [[nodiscard]] float average() const { return Monitor::averageSpeedFromArray(probes); }
+
+    [[nodiscard]] float last(std::size_t count) const
+    {
+        return Monitor::averageDownloadSpeedDuringLastRequestsForMeasurements(count, probes);
+    }
+
+    [[nodiscard]] float during(double seconds) const
+    {
+        return Monitor::averageDownloadSpeedOverLastIntervalForMeasurements(seconds, probes);
+    }
+
+    std::optional<TestClock> clock{std::in_place};
+    Monitor::Measurements probes;
 };
 
-TEST_F(ConnectionQuality, WithoutAProbeThatCountsEveryAverageIsNaN)
+TEST_F(ConnectionQuality, AverageIsNaNWithoutAValidProbe)
 {
-    probe(204799 * 8, 1);
-    monitor.probeDownload()->start(); // never ends
-    const auto failed = monitor.probeDownload();
+    add(204799 * 8, 1);
+    add()->start(); // does not complete
+    const auto failed = add();
     failed->registerNumberOfBytes(1'000'000);
     failed->registerError();
-    for (const float average :
-         {monitor.averageDownloadSpeed(), monitor.averageDownloadSpeedKDuringLastRequests(10),
-          monitor.averageDownloadSpeedMOverLastInterval(60), monitor.averageUploadSpeedG()})
-        EXPECT_TRUE(std::isnan(average));
-
-    probe(204800 * 8, 2);
-    EXPECT_EQ(monitor.averageDownloadSpeed(), 819200);
-    EXPECT_EQ(monitor.averageDownloadSpeedK(), 800);
-    EXPECT_EQ(monitor.averageDownloadSpeedM(), 0.78125);
-    EXPECT_TRUE(std::isnan(monitor.averageUploadSpeed())) << "uploads count apart";
+    EXPECT_TRUE(std::isnan(average()) && std::isnan(last(10)) && std::isnan(during(60)));
+    add(204800 * 8, 2);
+    EXPECT_EQ(average(), 819200);
 }
 
-TEST_F(ConnectionQuality, AveragesWeighByTime)
+TEST_F(ConnectionQuality, AveragesAreWeightedByTime)
 {
-    probe(2 * megabit, 1);
-    probe(6 * megabit, 3);
-    EXPECT_FLOAT_EQ(monitor.averageDownloadSpeed(), 2 * megabit);
-    probe(8 * megabit, 12);
-    EXPECT_FLOAT_EQ(monitor.averageDownloadSpeed(), megabit);
+    add(2 * megabit, 1);
+    add(6 * megabit, 3);
+    EXPECT_FLOAT_EQ(average(), 2 * megabit);
+    add(8 * megabit, 12);
+    EXPECT_FLOAT_EQ(average(), megabit);
 }
 
-TEST_F(ConnectionQuality, LastRequestsAreTheLastThatCount)
+TEST_F(ConnectionQuality, LastRequestsAreTheLastValidOnes)
 {
-    probe(100 * megabit, 1);
-    probe(2 * megabit, 1);
-    probe(8, 1); // too small to count
-    probe(4 * megabit, 1);
-    EXPECT_FLOAT_EQ(monitor.averageDownloadSpeedDuringLastRequests(2), 3 * megabit);
-    EXPECT_FLOAT_EQ(monitor.averageDownloadSpeedDuringLastRequests(10), 106 * megabit / 3.0F);
-    EXPECT_TRUE(std::isnan(monitor.averageDownloadSpeedDuringLastRequests(0)));
+    add(100 * megabit, 1);
+    add(2 * megabit, 1);
+    add(8, 1); // too small
+    add(4 * megabit, 1);
+    EXPECT_FLOAT_EQ(last(2), 3 * megabit);
+    EXPECT_FLOAT_EQ(last(10), 106 * megabit / 3.0F);
+    EXPECT_TRUE(std::isnan(last(0)));
 }
 
-TEST_F(ConnectionQuality, IntervalCountsByTheMomentOfTheEnd)
+TEST_F(ConnectionQuality, IntervalCountsFromTheCompletion)
 {
-    const auto early = monitor.probeDownload();
-    clock.advance(Seconds(4));
+    const auto early = add();
+    clock->advance(Seconds(4));
     early->registerNumberOfBytes(megabit);
     EXPECT_DOUBLE_EQ(early->timeInterval(), 4);
-    EXPECT_FLOAT_EQ(early->speed(), 2 * megabit);
-    clock.advance(Seconds(10));
-    probe(8 * megabit, 1);
-    EXPECT_FLOAT_EQ(monitor.averageDownloadSpeedOverLastInterval(9.9), 8 * megabit);
-    EXPECT_FLOAT_EQ(monitor.averageDownloadSpeedOverLastInterval(10), 16 * megabit / 5.0F);
+    EXPECT_FLOAT_EQ(early->speedK(), 2 * megabit / 1024.0F);
+    EXPECT_EQ(early->description(), "<VIRLOConnectionMeasurement:, bitsTransmitted=8000000, "
+                                    "time=2016-03-01 10:20:34 +0000, startTime=478520430.000000>");
+    clock->advance(Seconds(10));
+    add(8 * megabit, 1);
+    EXPECT_FLOAT_EQ(during(9.9), 8 * megabit);
+    EXPECT_FLOAT_EQ(during(10), 16 * megabit / 5.0F);
 }
 
-TEST_F(ConnectionQuality, MeasurementDescribesItself)
+TEST_F(ConnectionQuality, ClockSetToTheEndsOfTimeOverflowsNothing)
 {
-    const auto measurement = monitor.probeDownload();
-    measurement->registerNumberOfBytes(2);
-    EXPECT_EQ(measurement->description(), "<VIRLOConnectionMeasurement:, bitsTransmitted=16, "
-                                          "time=2016-03-01 10:20:30 +0000, startTime=478520430.000000>");
+    add(2 * megabit, 1);
+    clock.emplace(Date::max());
+    add(2 * megabit, 1);
+    add()->setStartTime(-1e300);
+    clock.emplace(Date::min());
+    add(4 * megabit, 1);
+    add()->setStartTime(1e300);
+    EXPECT_FLOAT_EQ(during(60), 8 * megabit / 3.0F) << "probes dated in the future count";
 }
 
 } // namespace
