@@ -14,7 +14,7 @@ constinit std::atomic<std::int64_t> debugLevel{2};
 
 virlo::SerialQueue& logQueue()
 {
-    // Never destroyed: workers may still log while the process ends.
+    // Never destroyed: workers log until the process ends.
     static auto& queue = *new virlo::SerialQueue(VIRLOAdFrameworkLogger::kLogQueue);
     return queue;
 }
@@ -25,12 +25,8 @@ void VIRLOAdFrameworkLogger::setDebugLevel(std::int64_t level)
     debugLevel = level;
 }
 
-bool VIRLOAdFrameworkLogger::isWritten(std::int64_t smallestLevel)
+void VIRLOAdFrameworkLogger::log(std::int64_t smallestLevel, std::string message)
 {
-    return debugLevel >= smallestLevel;
-}
-
-void VIRLOAdFrameworkLogger::log(std::string message)
-{
-    logQueue().async([message = std::move(message)] { virlo::systemLog(message); });
+    if (debugLevel >= smallestLevel)
+        logQueue().async([message = std::move(message)] { virlo::systemLog(message); });
 }

@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 namespace virlo::test
 {
 namespace
@@ -17,35 +19,33 @@ void logAtEveryLevel()
     VIRLOAdFrameworkLogger::logInfoWithFormat("info");
 }
 
-struct Level {
-    std::int64_t level;
-    std::size_t lines;
-};
-
-class Logger : public testing::TestWithParam<Level>
-{
-protected:
-    ~Logger() override { VIRLOAdFrameworkLogger::setDebugLevel(2); }
-};
-
-TEST_P(Logger, WritesWhatItsLevelLetsThroughInOrder)
+TEST(Logger, WritesTheMessagesOfItsLevelInOrder)
 {
     const std::vector<std::string> all{"error %@ %d", "warning 2", "notice", "info"};
     for (const std::string& line : all)
         allowLog(line);
-    VIRLOAdFrameworkLogger::setDebugLevel(GetParam().level);
-    logAtEveryLevel();
-    EXPECT_EQ(settledLogLines(),
-              std::vector(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(GetParam().lines)));
+    for (const std::int64_t level : {-1, 0, 1, 2, 3, 4, 99}) {
+        const auto before = settledLogLines().size();
+        VIRLOAdFrameworkLogger::setDebugLevel(level);
+        logAtEveryLevel();
+        auto written = settledLogLines();
+        written.erase(written.begin(), written.begin() + static_cast<std::ptrdiff_t>(before));
+        EXPECT_EQ(written, std::vector(all.begin(), all.begin() + std::clamp<std::int64_t>(level, 0, 4)));
+    }
+    VIRLOAdFrameworkLogger::setDebugLevel(2);
 }
 
-INSTANTIATE_TEST_SUITE_P(Levels, Logger,
-                         testing::Values(Level{-1, 0}, Level{0, 0}, Level{1, 1}, Level{2, 2}, Level{3, 3},
-                                         Level{4, 4}, Level{99, 4}),
-                         [](const auto& row) { return "Level" + std::to_string(row.param.level + 1); });
-
-TEST(DefaultLevel, WritesErrorsAndWarnings)
+TEST(DefaultLevel, WritesErrorsAndWarningsAndFormatsEverything)
 {
+    struct Described {
+        [[nodiscard]] std::string description() const { return std::to_string(++*formatted); }
+
+        int* formatted;
+    };
+
+    int formatted = 0;
+    VIRLOAdFrameworkLogger::logInfoWithFormat("%@", Described{&formatted});
+    EXPECT_EQ(formatted, 1) << "on the caller's thread, at any level";
     expectLog("error");
     expectLog("warning");
     logAtEveryLevel();
