@@ -9,12 +9,12 @@ class VIRLOAdServerAPI;
 class VIRLOAdViewController;
 class VIRLOAdvertisement;
 
-/// Where screens come from. The core knows no screen: the layer that draws installs its maker when it is
-/// loaded, and a program without that layer has none. Any thread.
+/// Creates screens. The core has none: the presentation layer installs its factory, and a program without
+/// that layer has no screens. Any thread.
 class VIRLOAdScreens
 {
 public:
-    /// Neither screen nor error where the advertisement's type has no screen; never both.
+    /// Neither screen nor error if the advertisement's type has no screen; never both.
     using Completion =
         std::function<void(std::shared_ptr<VIRLOAdViewController>, const virlo::OptionalError&)>;
 
@@ -32,7 +32,7 @@ public:
                                                          std::shared_ptr<VIRLOAdServerAPI> api,
                                                          Completion completion) = 0;
 
-    /// Not owned: it must live as long as the process, or until another (or null) takes its place. May be
+    /// Not owned: it must live as long as the process, or until `install` is called again. May be
     /// called from a static initialiser.
     static void install(VIRLOAdScreens* screens);
     [[nodiscard]] static VIRLOAdScreens* installed();

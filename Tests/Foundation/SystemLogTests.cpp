@@ -70,7 +70,7 @@ TEST_F(SystemLogDeathTest, LinesOfManyThreadsNeverMix)
         ExitedWithCode(0), testing::Truly(whole));
 }
 
-TEST_F(SystemLogDeathTest, ReaderOfStandardErrorThatHasGoneDoesNotEndTheHost)
+TEST_F(SystemLogDeathTest, ClosedPipeOnStandardErrorDoesNotEndTheHost)
 {
     EXPECT_EXIT(
         {
@@ -89,7 +89,7 @@ TEST_F(SystemLogDeathTest, ReaderOfStandardErrorThatHasGoneDoesNotEndTheHost)
         ExitedWithCode(0), "still here");
 }
 
-TEST_F(SystemLogDeathTest, ReaderThatStandsStillDoesNotHoldTheHostForEver)
+TEST_F(SystemLogDeathTest, ReaderThatStoppedReadingDoesNotBlockTheHostForEver)
 {
     EXPECT_EXIT(
         {
@@ -103,7 +103,7 @@ TEST_F(SystemLogDeathTest, ReaderThatStandsStillDoesNotHoldTheHostForEver)
         ExitedWithCode(0), "");
 }
 
-TEST_F(SystemLogDeathTest, SinkThatLogsOrThrowsIsBorne)
+TEST_F(SystemLogDeathTest, SinkMayLogAndThrow)
 {
     EXPECT_EXIT(
         {

@@ -5,8 +5,8 @@
 namespace VIRLOFrameworkBundle
 {
 
-/// The library's own bundle, by `VIRLOAdFrameworkBundleIdentifier`: the one that a host has registered, else
-/// one that says the library's name and version. Any thread.
+/// The bundle registered under `VIRLOAdFrameworkBundleIdentifier`, by default one with the library's name and
+/// version. Any thread.
 [[nodiscard]] virlo::Bundle bundle();
 
 } // namespace VIRLOFrameworkBundle

@@ -2,10 +2,10 @@
 
 #include <string>
 
-/// Text that the host hands in. Any thread.
+/// Text passed in by the host. Any thread.
 namespace VIRLOHostText
 {
-/// `text` with every byte that is no UTF-8 replaced by U+FFFD: one such byte would make a whole request body
-/// impossible to write.
+/// `text` with every invalid UTF-8 byte replaced by U+FFFD; with such a byte, a request body could not be
+/// encoded.
 [[nodiscard]] std::string wellFormed(const std::string& text);
 } // namespace VIRLOHostText

@@ -3,9 +3,9 @@
 #include <string>
 #include <string_view>
 
-/// A kind of content guessed from its first byte alone.
+/// A MIME type derived from the first byte alone.
 namespace VIRLOMimeType
 {
-/// "application/octet-stream" where the byte is none of the known ones, and for no bytes at all.
+/// "application/octet-stream" for an unknown first byte and for empty data.
 [[nodiscard]] std::string mimeType(std::string_view bytes);
 } // namespace VIRLOMimeType

@@ -9,7 +9,8 @@
 namespace virlo
 {
 
-/// An expected failure, handed to a completion as a value and never thrown. `code` means what `domain` says.
+/// An expected failure, passed to a completion as a value and never thrown. `domain` gives `code` its
+/// meaning.
 struct Error {
     std::string domain;
     long code = 0;
@@ -18,7 +19,7 @@ struct Error {
     friend bool operator==(const Error&, const Error&) = default;
 };
 
-/// A completion's last argument: nothing means success.
+/// The last argument of a completion; nothing means success.
 using OptionalError = std::optional<Error>;
 
 /// One line: `Error Domain=… Code=… UserInfo=…`.

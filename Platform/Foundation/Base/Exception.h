@@ -8,8 +8,8 @@
 namespace virlo
 {
 
-/// A host's misuse of the library, such as making a second instance of a singleton. Bad data from outside
-/// never raises one.
+/// Misuse of the library by its host, such as creating a second instance of a singleton. Never raised for bad
+/// data.
 class VIRLO_EXPORT Exception : public std::runtime_error
 {
 public:
@@ -19,7 +19,7 @@ public:
 
     [[nodiscard]] std::string reason() const { return what(); }
 
-    /// The name for a class used in a way that its contract forbids.
+    /// The name used when a call violates the contract of its class.
     static constexpr const char* internalInconsistency = "NSInternalInconsistencyException";
 
 private:

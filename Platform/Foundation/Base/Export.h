@@ -1,4 +1,4 @@
 #pragma once
 
-/// Marks what a host may link against; everything else of the shared library stays hidden.
+/// Exports a symbol from the shared library; all others are hidden.
 #define VIRLO_EXPORT __attribute__((visibility("default")))

@@ -3,7 +3,7 @@
 namespace virlo
 {
 
-/// A place in a list of sections.
+/// The position of an element in a list of sections.
 struct IndexPath {
     long section = 0;
     long row = 0;

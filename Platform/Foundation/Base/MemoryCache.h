@@ -11,8 +11,8 @@
 namespace virlo
 {
 
-/// Values kept while they fit: beyond `countLimit` entries or `costLimit` in total the least recently used go
-/// first; an entry that alone exceeds the cost limit is not kept. 0 means no limit. Values are handed out as
+/// A cache bounded by a number of entries and by a total cost; the least recently used entries are removed
+/// first. An entry that alone exceeds the cost limit is not kept. 0 means no limit. Values are returned as
 /// copies, so `Value` is best a shared pointer. Any thread.
 template <typename Key, typename Value, typename Hash = std::hash<Key>>
 class MemoryCache
@@ -20,31 +20,31 @@ class MemoryCache
 public:
     void setCountLimit(std::size_t limit)
     {
-        Entries gone;
+        Entries removed;
         const std::lock_guard lock(m_mutex);
         m_countLimit = limit;
-        trim(gone);
+        trim(removed);
     }
 
     void setCostLimit(std::size_t limit)
     {
-        Entries gone;
+        Entries removed;
         const std::lock_guard lock(m_mutex);
         m_costLimit = limit;
-        trim(gone);
+        trim(removed);
     }
 
     void set(const Key& key, Value value, std::size_t cost)
     {
-        Entries gone;
+        Entries removed;
         const std::lock_guard lock(m_mutex);
-        take(key, gone);
+        remove(key, removed);
         if (m_costLimit != 0 && cost > m_costLimit)
             return;
         m_entries.push_front({key, std::move(value), cost});
         m_index[key] = m_entries.begin();
         m_totalCost += cost;
-        trim(gone);
+        trim(removed);
     }
 
     [[nodiscard]] std::optional<Value> get(const Key& key)
@@ -59,30 +59,9 @@ public:
 
     void remove(const Key& key)
     {
-        Entries gone;
+        Entries removed;
         const std::lock_guard lock(m_mutex);
-        take(key, gone);
-    }
-
-    void removeAll()
-    {
-        Entries gone;
-        const std::lock_guard lock(m_mutex);
-        m_index.clear();
-        gone.swap(m_entries);
-        m_totalCost = 0;
-    }
-
-    [[nodiscard]] std::size_t count() const
-    {
-        const std::lock_guard lock(m_mutex);
-        return m_entries.size();
-    }
-
-    [[nodiscard]] std::size_t totalCost() const
-    {
-        const std::lock_guard lock(m_mutex);
-        return m_totalCost;
+        remove(key, removed);
     }
 
 private:
@@ -94,23 +73,23 @@ private:
 
     using Entries = std::list<Entry>;
 
-    // What goes is handed to a list that outlives the lock: freeing pictures takes time, and a value may use
-    // the cache.
-    void take(const Key& key, Entries& gone)
+    // Removed entries are destroyed after the lock is released: freeing images takes time, and a value's
+    // destructor may use the cache.
+    void remove(const Key& key, Entries& removed)
     {
         const auto found = m_index.find(key);
         if (found == m_index.end())
             return;
         m_totalCost -= found->second->cost;
-        gone.splice(gone.end(), m_entries, found->second);
+        removed.splice(removed.end(), m_entries, found->second);
         m_index.erase(found);
     }
 
-    void trim(Entries& gone)
+    void trim(Entries& removed)
     {
         while (!m_entries.empty() && ((m_countLimit != 0 && m_entries.size() > m_countLimit) ||
                                       (m_costLimit != 0 && m_totalCost > m_costLimit)))
-            take(m_entries.back().key, gone);
+            remove(m_entries.back().key, removed);
     }
 
     mutable std::mutex m_mutex;

@@ -14,52 +14,26 @@ namespace virlo
 namespace
 {
 
-/// A directive's parts between the percent sign and the letter that ends it.
 struct Directive {
-    bool left = false;
-    bool zeros = false;
-    bool plus = false;
-    std::size_t width = 0;
-    std::optional<int> precision;
+    int precision = 6;
     char conversion = '\0';
     std::size_t length = 0; ///< of the whole, percent sign included
 };
 
-constexpr int largestField = 512;
-
-int takeDigits(std::string_view pattern, std::size_t& index)
-{
-    int value = 0;
-    for (; index < pattern.size() && pattern[index] >= '0' && pattern[index] <= '9'; ++index)
-        value = std::min(value * 10 + (pattern[index] - '0'), largestField);
-    return value;
-}
-
-/// The directive at the beginning of `pattern`, which starts with a percent sign; nothing where none is
-/// understood.
+/// The directive at the beginning of `pattern`, which starts with a percent sign; nothing for an unknown one.
 std::optional<Directive> directiveAt(std::string_view pattern)
 {
+    constexpr int mostDecimals = 64;
     Directive directive;
     std::size_t index = 1;
-    for (; index < pattern.size(); ++index) {
-        if (pattern[index] == '-')
-            directive.left = true;
-        else if (pattern[index] == '0')
-            directive.zeros = true;
-        else if (pattern[index] == '+')
-            directive.plus = true;
-        else
-            break;
-    }
-    directive.width = static_cast<std::size_t>(takeDigits(pattern, index));
     if (index < pattern.size() && pattern[index] == '.') {
-        ++index;
-        directive.precision = takeDigits(pattern, index);
+        directive.precision = 0;
+        for (++index; index < pattern.size() && pattern[index] >= '0' && pattern[index] <= '9'; ++index)
+            directive.precision = std::min(directive.precision * 10 + (pattern[index] - '0'), mostDecimals);
     }
-    while (index < pattern.size() && std::string_view("lhqzL").find(pattern[index]) != std::string_view::npos)
+    while (index < pattern.size() && pattern[index] == 'l')
         ++index;
-    if (index == pattern.size() ||
-        std::string_view("@diuxXfcs%").find(pattern[index]) == std::string_view::npos)
+    if (index == pattern.size() || std::string_view("@dufcs%").find(pattern[index]) == std::string_view::npos)
         return std::nullopt;
     directive.conversion = pattern[index];
     directive.length = index + 1;
@@ -69,57 +43,22 @@ std::optional<Directive> directiveAt(std::string_view pattern)
 template <typename Number, typename... Format>
 std::string digits(Number value, Format... format)
 {
-    std::array<char, 1024> buffer{};
+    std::array<char, 512> buffer{}; // the longest double with `mostDecimals`
     const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, format...);
     return {buffer.data(), result.ptr};
-}
-
-std::string inField(const Directive& directive, std::string text, bool isNumber)
-{
-    if (isNumber && directive.plus && !text.starts_with('-'))
-        text.insert(0, 1, '+');
-    if (text.size() >= directive.width)
-        return text;
-    const auto missing = directive.width - text.size();
-    if (directive.left)
-        text.append(missing, ' ');
-    else if (directive.zeros && isNumber)
-        text.insert(text.find_first_not_of("+-"), missing, '0');
-    else
-        text.insert(0, missing, ' ');
-    return text;
 }
 
 std::string filled(const Directive& directive, const FormatArgument& argument)
 {
     switch (directive.conversion) {
     case 'd':
-    case 'i':
-        return inField(directive, digits(argument.asInteger()), true);
     case 'u':
-        return inField(directive, digits(argument.asUnsignedInteger()), true);
-    case 'x':
-        return inField(directive, digits(argument.asUnsignedInteger(), 16), true);
-    case 'X': {
-        auto text = digits(argument.asUnsignedInteger(), 16);
-        std::transform(text.begin(), text.end(), text.begin(), [](char digit) {
-            return digit >= 'a' ? static_cast<char>(digit - 'a' + 'A') : digit;
-        });
-        return inField(directive, std::move(text), true);
-    }
-    case 'f': // not by printf, which writes a comma under some locales
-        return inField(directive,
-                       digits(argument.asNumber(), std::chars_format::fixed, directive.precision.value_or(6)),
-                       true);
-    case 'c':
-        return inField(directive, argument.asCharacter(), false);
+        return argument.asInteger();
+    case 'f':
+        return argument.asDecimal(directive.precision);
     default:
-        break;
+        return argument.asText();
     }
-    auto text = argument.asText();
-    if (directive.precision && directive.conversion == 's')
-        text.resize(std::min(text.size(), static_cast<std::size_t>(*directive.precision)));
-    return inField(directive, std::move(text), false);
 }
 
 } // namespace
@@ -160,69 +99,36 @@ std::string describe(const JSON& value)
 
 std::string FormatArgument::asText() const
 {
-    struct Writer {
-        std::string operator()(const std::string& text) const { return text; }
-
-        std::string operator()(std::int64_t value) const { return digits(value); }
-
-        std::string operator()(std::uint64_t value) const { return digits(value); }
-
-        std::string operator()(double value) const { return digits(value); }
-
-        std::string operator()(char value) const { return {value}; }
-    };
-
-    return std::visit(Writer(), m_value);
+    return std::visit(
+        [](const auto& value) -> std::string {
+            if constexpr (std::is_arithmetic_v<std::remove_cvref_t<decltype(value)>>)
+                return digits(value);
+            else
+                return value;
+        },
+        m_value);
 }
 
-std::int64_t FormatArgument::asInteger() const
+std::string FormatArgument::asInteger() const
 {
-    struct Reader {
-        std::int64_t operator()(const std::string& text) const { return LeadingNumber::integer(text); }
-
-        std::int64_t operator()(std::int64_t value) const { return value; }
-
-        std::int64_t operator()(std::uint64_t value) const { return static_cast<std::int64_t>(value); }
-
-        std::int64_t operator()(double value) const { return LeadingNumber::integer(value); }
-
-        std::int64_t operator()(char value) const { return value; }
-    };
-
-    return std::visit(Reader(), m_value);
-}
-
-std::uint64_t FormatArgument::asUnsignedInteger() const
-{
-    if (const auto* const text = std::get_if<std::string>(&m_value))
-        return LeadingNumber::unsignedInteger(*text);
     if (const auto* const number = std::get_if<double>(&m_value))
-        return LeadingNumber::unsignedInteger(*number);
-    return static_cast<std::uint64_t>(asInteger());
+        return digits(LeadingNumber::integer(*number));
+    return asText();
 }
 
-double FormatArgument::asNumber() const
+std::string FormatArgument::asDecimal(int precision) const
 {
-    struct Reader {
-        double operator()(const std::string& text) const { return LeadingNumber::decimal(text); }
-
-        double operator()(std::int64_t value) const { return static_cast<double>(value); }
-
-        double operator()(std::uint64_t value) const { return static_cast<double>(value); }
-
-        double operator()(double value) const { return value; }
-
-        double operator()(char value) const { return value; }
+    // By to_chars: printf writes the decimal point of the locale.
+    const auto decimal = [precision](double value) {
+        return digits(value, std::chars_format::fixed, precision);
     };
-
-    return std::visit(Reader(), m_value);
-}
-
-std::string FormatArgument::asCharacter() const
-{
-    if (std::holds_alternative<std::string>(m_value))
-        return std::get<std::string>(m_value).substr(0, 1);
-    return {static_cast<char>(asInteger())};
+    if (const auto* const number = std::get_if<double>(&m_value))
+        return decimal(*number);
+    if (const auto* const number = std::get_if<std::int64_t>(&m_value))
+        return decimal(static_cast<double>(*number));
+    if (const auto* const number = std::get_if<std::uint64_t>(&m_value))
+        return decimal(static_cast<double>(*number));
+    return asText();
 }
 
 std::string formatArguments(std::string_view pattern, const std::vector<FormatArgument>& arguments)

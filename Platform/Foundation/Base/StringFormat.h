@@ -60,14 +60,13 @@ public:
     }
 
     [[nodiscard]] std::string asText() const;
-    [[nodiscard]] std::int64_t asInteger() const;
-    /// A negative number as its two's complement, as "%u" writes it.
-    [[nodiscard]] std::uint64_t asUnsignedInteger() const;
-    [[nodiscard]] double asNumber() const;
-    [[nodiscard]] std::string asCharacter() const;
+    /// A floating-point number without its fraction; anything else as `asText`.
+    [[nodiscard]] std::string asInteger() const;
+    /// A number with that many decimals; anything else as `asText`.
+    [[nodiscard]] std::string asDecimal(int precision) const;
 
 private:
-    using Stored = std::variant<std::string, std::int64_t, std::uint64_t, double, char>;
+    using Stored = std::variant<std::string, std::int64_t, std::uint64_t, double>;
 
     template <typename Value>
     struct IsOptional : std::false_type {
@@ -98,7 +97,7 @@ private:
         else if constexpr (IsOptional<Plain>::value || IsPointer<Plain>::value)
             return value ? convert(*value) : Stored(std::string("(null)"));
         else if constexpr (std::is_same_v<Plain, char>)
-            return value;
+            return std::string(1, value);
         else if constexpr (std::floating_point<Plain>)
             return static_cast<double>(value);
         else if constexpr (std::unsigned_integral<Plain>)
@@ -112,12 +111,11 @@ private:
     Stored m_value;
 };
 
-/// Fills `pattern`: "%@" takes a description, "%d %i %u %x %X" (also with "l", "ll", "h", "q" or "z") a whole
-/// number,
-/// "%f %lf" (with an optional precision, as in "%.2f"; "%.f" means none) a decimal one, "%c" a character,
-/// "%s" text, "%%" a percent sign. A width and the flags "-", "0" and "+" do what they do in C. A missing
-/// argument leaves its directive as it stands, and so does a directive that is none of these. Arguments are
-/// never read as patterns; the locale changes nothing.
+/// Fills `pattern`: "%@", "%s" and "%c" take a description, "%d" and "%u" a whole number, "%f" a decimal one
+/// (six decimals; "%.2f" writes two, "%.f" none), "%%" is a percent sign; "l" before the letter is skipped.
+/// Any other directive, and one without an argument, stays as it is. An argument of another type than its
+/// directive's is written by its description. Arguments are never read as patterns; independent of the
+/// locale.
 [[nodiscard]] VIRLO_EXPORT std::string formatArguments(std::string_view pattern,
                                                        const std::vector<FormatArgument>& arguments);
 

@@ -23,13 +23,13 @@ using Sink = std::function<void(std::string_view)>;
 
 struct Output {
     std::mutex standardError;
-    std::recursive_mutex sinkCalls; // a sink may log or put another in its place
+    std::recursive_mutex sinkCalls; // a sink may log or set another sink
     std::shared_ptr<const Sink> sink;
 };
 
 Output& output()
 {
-    static auto* const instance = new Output; // threads may log to the process's very end
+    static auto* const instance = new Output; // never destroyed: threads log until the process ends
     return *instance;
 }
 
@@ -58,7 +58,7 @@ std::size_t characterLength(std::string_view text)
     return overlong || noCharacter ? 0 : length;
 }
 
-/// Controls beyond ASCII, and the separators that some viewers take for line ends.
+/// Control characters beyond ASCII, and the separators that some viewers show as line ends.
 bool isControl(std::string_view character)
 {
     const auto byte = [character](std::size_t index) { return static_cast<unsigned char>(character[index]); };
@@ -105,62 +105,40 @@ std::string prefix()
     return text.data() + std::string(program_invocation_short_name) + '[' + std::to_string(getpid()) + "] ";
 }
 
-/// A reader of our standard error that has gone must not end the host, so the signal it would send is taken
-/// back.
-class BrokenPipeGuard
+/// `write`, without the SIGPIPE that ends the host if nobody reads the pipe any more.
+ssize_t writeWithoutSignal(std::string_view text)
 {
-public:
-    BrokenPipeGuard()
-    {
-        sigemptyset(&m_pipe);
-        sigaddset(&m_pipe, SIGPIPE);
-        sigset_t pending;
-        sigpending(&pending);
-        m_wasPending = sigismember(&pending, SIGPIPE) == 1;
-        pthread_sigmask(SIG_BLOCK, &m_pipe, &m_before);
+    sigset_t pipe;
+    sigset_t before;
+    sigemptyset(&pipe);
+    sigaddset(&pipe, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &pipe, &before);
+    const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
+    const int code = errno;
+    if (written < 0 && code == EPIPE) {
+        const timespec noWait{};
+        sigtimedwait(&pipe, nullptr, &noWait);
     }
-
-    ~BrokenPipeGuard()
-    {
-        if (m_broken && !m_wasPending) {
-            const timespec atOnce{};
-            while (sigtimedwait(&m_pipe, nullptr, &atOnce) < 0 && errno == EINTR) {
-            }
-        }
-        pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
-    }
-
-    BrokenPipeGuard(const BrokenPipeGuard&) = delete;
-    BrokenPipeGuard& operator=(const BrokenPipeGuard&) = delete;
-
-    void noteBroken() { m_broken = true; }
-
-private:
-    sigset_t m_pipe{};
-    sigset_t m_before{};
-    bool m_wasPending = false;
-    bool m_broken = false;
-};
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    errno = code;
+    return written;
+}
 
 void writeToStandardError(const std::string& message)
 {
-    // A reader that stands still for longer than this loses the rest of the line rather than stop the writer
-    // for good.
-    constexpr int patience = 1000;
+    // A reader that has stopped reading costs the rest of the line rather than block the writer for good.
+    constexpr int timeout = 1000;
     const std::string line = prefix() + message + '\n';
     const std::lock_guard lock(output().standardError);
-    BrokenPipeGuard guard;
     for (std::string_view rest = line; !rest.empty();) {
-        const ssize_t written = ::write(STDERR_FILENO, rest.data(), rest.size());
+        const ssize_t written = writeWithoutSignal(rest);
         if (written >= 0) {
             rest.remove_prefix(static_cast<std::size_t>(written));
         } else if (errno == EAGAIN) {
             pollfd writable{STDERR_FILENO, POLLOUT, 0};
-            if (::poll(&writable, 1, patience) <= 0)
+            if (::poll(&writable, 1, timeout) <= 0)
                 return;
         } else if (errno != EINTR) {
-            if (errno == EPIPE)
-                guard.noteBroken();
             return;
         }
     }
