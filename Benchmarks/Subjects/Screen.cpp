@@ -1,4 +1,5 @@
 #include "Benchmarks.h"
+#include "JSONSerialization.h"
 #include "TestImages.h"
 
 #include "VIRLOAdFullscreenImageStore.h"

@@ -1,6 +1,7 @@
 #include "RowName.h"
 #include "XMLReader.h"
 
+#include "JSONReading.h"
 #include <gtest/gtest.h>
 
 #include <string>
