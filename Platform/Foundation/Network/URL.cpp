@@ -1,5 +1,7 @@
 #include "URL.h"
 
+#include "ASCII.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -45,15 +47,7 @@ bool is(char character, int bits)
 
 void appendEncoded(std::string& text, std::string_view part, int kept)
 {
-    static constexpr char digits[] = "0123456789ABCDEF";
-    for (const char character : part) {
-        if (is(character, kept)) {
-            text += character;
-            continue;
-        }
-        const auto code = static_cast<unsigned char>(character);
-        text += {'%', digits[code >> 4], digits[code & 0xF]};
-    }
+    ASCII::appendPercentEncoded(text, part, [kept](char character) { return is(character, kept); });
 }
 
 std::size_t schemeLength(std::string_view text)
