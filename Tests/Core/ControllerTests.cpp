@@ -144,20 +144,6 @@ TEST_F(AdScreen, IsMadeForTheResponse)
                 testing::EndsWith("?app=host&placement=LevelUp"));
 }
 
-TEST_F(AdScreen, IsReplacedByTheErrorOfItsPreloading)
-{
-    FakeScreens screens;
-    screens.screen = someScreen();
-    screens.error = Error{"preload", 7, {}};
-    start();
-    transport->expect("GET", "/ad/req", engagement);
-    controller->adViewControllerOfTypeWithCompletion(6, collect());
-    settleAll();
-    ASSERT_EQ(outcomes.size(), 1U);
-    EXPECT_FALSE(outcomes[0].screen);
-    EXPECT_EQ(outcomes[0].error, screens.error);
-}
-
 TEST_F(AdScreen, IsGivenUpAfterTheTimeLimit)
 {
     FakeScreens screens;
@@ -179,30 +165,33 @@ TEST_F(AdScreen, IsGivenUpAfterTheTimeLimit)
 
 TEST_F(AdScreen, IsNeitherScreenNorErrorForATypeWithoutOne)
 {
-    start();
+    start(); // without screens at first
     transport->expect("GET", "/ad/req", {200, R"({"type":"featured"})"});
     controller->adViewControllerOfTypeWithCompletion(5, collect());
     settleAll();
-    {
-        FakeScreens screens;
-        transport->expect("GET", "/ad/req", {200, "[]"});
-        controller->adViewControllerOfTypeWithCompletion(0, collect());
-        settleAll();
-        EXPECT_EQ(screens.requested->type(), VIRLOAdvertisementType::Any);
-    }
+    FakeScreens screens;
+    transport->expect("GET", "/ad/req", {200, "[]"});
+    controller->adViewControllerOfTypeWithCompletion(0, collect());
+    settleAll();
+    EXPECT_EQ(screens.requested->type(), VIRLOAdvertisementType::Any);
     ASSERT_EQ(outcomes.size(), 2U);
     for (const Outcome& outcome : outcomes)
         EXPECT_TRUE(!outcome.screen && !outcome.error);
 }
 
-TEST_F(AdScreen, IsReplacedByTheErrorOfTheRequest)
+TEST_F(AdScreen, ErrorsOfRequestAndPreloadingArePassedOn)
 {
+    FakeScreens screens;
+    screens.error = Error{"preload", 7, {}};
     start();
-    transport->expect("GET", "/ad/req", {404, R"({"error":"NO_FILL"})"});
-    controller->adViewControllerOfTypeWithCompletion(3, collect());
-    settleAll();
-    ASSERT_EQ(outcomes.size(), 1U);
-    EXPECT_EQ(outcomes[0].error, (Error{VIRLOAdServerAPI::httpErrorDomain, 404, {{"error", "NO_FILL"}}}));
+    for (const FakeResponse& response : {engagement, FakeResponse{404, R"({"error":"NO_FILL"})"}}) {
+        transport->expect("GET", "/ad/req", response);
+        controller->adViewControllerOfTypeWithCompletion(3, collect());
+        settleAll();
+    }
+    ASSERT_EQ(outcomes.size(), 2U);
+    EXPECT_EQ(outcomes[0].error, screens.error);
+    EXPECT_EQ(outcomes[1].error, (Error{VIRLOAdServerAPI::httpErrorDomain, 404, {{"error", "NO_FILL"}}}));
 }
 
 TEST_F(AdScreen, RequestedBeforeTheStartWaitsForTheSession)

@@ -69,7 +69,7 @@ TEST(AdItem, ReadsEveryKey)
     EXPECT_EQ(button->yPosition(), -20);
 }
 
-TEST(AdItem, IsEmptyWithoutKeys)
+TEST(AdItem, IsEmptyWithoutKeysAndEqualsByIdentifier)
 {
     const auto read = item(R"({"actionButton":{},"price":4.5})");
     EXPECT_FALSE(read->identifier() || read->title() || read->clickURL());
@@ -79,12 +79,9 @@ TEST(AdItem, IsEmptyWithoutKeys)
     EXPECT_EQ(read->hash(), 0U);
     EXPECT_FALSE(read->isEqual(*read)) << "an item without identifier equals none";
     EXPECT_EQ(item(R"({"type":"APPSTORE"})")->type(), VIRLOAdItemType::Unknown);
-}
 
-TEST(AdItem, EqualsByIdentifierAlone)
-{
-    EXPECT_TRUE(item(R"({"cid":"1","title":"a"})")->isEqual(*item(R"({"cid":"1","title":"b"})")));
-    EXPECT_EQ(item(R"({"cid":"1","title":"a"})")->hash(), item(R"({"cid":"1","title":"b"})")->hash());
+    EXPECT_TRUE(item(R"({"cid":"a","title":"1"})")->isEqual(*item(R"({"cid":"a","title":"2"})")));
+    EXPECT_EQ(item(R"({"cid":"a","title":"1"})")->hash(), item(R"({"cid":"a","title":"2"})")->hash());
     EXPECT_FALSE(item(R"({"cid":"a"})")->isEqual(*item(R"({"cid":"A"})")));
 }
 

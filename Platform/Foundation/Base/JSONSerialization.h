@@ -17,8 +17,8 @@ namespace virlo
 namespace JSONSerialization
 {
 inline constexpr int maximumDepth = 512;
-/// Bounds the memory of a parsed body to about 100 MB.
-inline constexpr std::size_t maximumValues = 1'000'000;
+/// Bounds the memory: this many empty objects take 24 MB, as items of an advertisement 200 MB.
+inline constexpr std::size_t maximumValues = 250'000;
 inline constexpr const char* errorDomain = "com.virlohq.error.json";
 
 /// An object or an array; any other value at the top level is an error.
