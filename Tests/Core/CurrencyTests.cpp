@@ -54,7 +54,7 @@ TEST_F(Currency, RewardIsPostedDelegatedAndItsURLRemoved)
     EXPECT_EQ(posted.size(), 2U);
 }
 
-TEST_F(Currency, NoRewardAndFailureKeepTheURL)
+TEST_F(Currency, NoRewardAndFailureKeepTheURLForADay)
 {
     transport->expect("GET", "/poll", {200, R"({"status":false})"});
     transport->expect("GET", "/poll", noResponse());
@@ -64,16 +64,13 @@ TEST_F(Currency, NoRewardAndFailureKeepTheURL)
     }
     EXPECT_TRUE(posted.empty());
     EXPECT_EQ(store->items(), std::vector{poll});
-}
 
-TEST_F(Currency, URLsOfADayAgoAreCheckedOnceMoreAndRemoved)
-{
     transport->expectHeld("PUT", sessionPath); // the session's ping
     clock.advance(Seconds(86401));
     transport->expect("GET", "/poll", {200, R"({"status":false})"});
     controller->checkAvailableCurrency();
     settleAll();
-    EXPECT_TRUE(store->items().empty());
+    EXPECT_TRUE(store->items().empty()) << "checked once more after a day, then removed";
 }
 
 TEST_F(Currency, ChecksRunAtActivationAndAfterTheirDelays)

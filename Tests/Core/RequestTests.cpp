@@ -175,6 +175,23 @@ TEST_F(Parking, WaitsForAnActiveSession)
     EXPECT_EQ(ran, 3) << "at once, on the caller's thread";
 }
 
+TEST_F(Parking, WorkOfManyThreadsRunsOnceWhileASessionStarts)
+{
+    constexpr int threads = 8;
+    constexpr int each = 20;
+    transport->expect("POST", startPath, sessionResponse());
+    std::vector<std::jthread> callers;
+    for (int thread = 0; thread < threads; ++thread)
+        callers.emplace_back([this] {
+            for (int call = 0; call < each; ++call)
+                park();
+        });
+    api->startSession();
+    callers.clear();
+    settleAll();
+    EXPECT_EQ(ran, threads * each);
+}
+
 TEST_F(Parking, WaitsForTheNetwork)
 {
     startSession();

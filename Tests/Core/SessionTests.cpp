@@ -192,18 +192,6 @@ TEST_F(Session, OtherPingFailureDropsTheSessionAndRestartsAfterAMinute)
     EXPECT_EQ(pings(), 1U);
 }
 
-TEST_F(Session, PingThatEndsAfterTheSessionWasClearedStartsANewOne)
-{
-    startSession();
-    transport->expectHeld("PUT", sessionPath);
-    clock.advance(Seconds(30));
-    api->setServerSession(nullptr);
-    transport->expect("POST", startPath, sessionResponse());
-    transport->release("PUT", sessionPath, sessionResponse());
-    clock.advance(Seconds(0));
-    EXPECT_EQ(starts(), 2U) << "with no session the delay is 0 and the ping becomes a start";
-}
-
 TEST_F(Session, EndIsFinal)
 {
     startSession();

@@ -115,15 +115,5 @@ TEST_F(Tracking, HistoryStaysInMemoryUntilTheDiskWorksAgain)
     EXPECT_THAT(saved(), testing::HasSubstr("<string>A</string>"));
 }
 
-TEST_F(Tracking, WithoutAFolderThereIsNeverAMark)
-{
-    const auto withoutFolder = VIRLOTrackingManager::initWithDirectoryPath("");
-    expectLog("Cannot save tracking information to: ");
-    withoutFolder->initiateTracking();
-    settleAll();
-    EXPECT_FALSE(withoutFolder->isTrackingInitiated());
-    EXPECT_EQ(disk.calls(FaultyFileSystem::Operation::Write), 0);
-}
-
 } // namespace
 } // namespace virlo::test

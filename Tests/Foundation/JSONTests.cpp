@@ -63,10 +63,7 @@ INSTANTIATE_TEST_SUITE_P(
                     HostileRow{"TooLarge", R"({"a":1e400})", "out_of_range"},
                     HostileRow{"TooSmallIsNothing", R"({"a":1e-400})", nullptr},
                     HostileRow{"InvalidUTF8", "{\"a\":\"\xff\xfe\"}", "parse error"},
-                    HostileRow{"Overlong", "[\"\xc0\xaf\"]", "parse error"},
                     HostileRow{"LoneSurrogate", R"(["\ud800"])", "parse error"},
-                    HostileRow{"NulByte", std::string("[\"\0\"]", 5), "parse error"},
-                    HostileRow{"NaN", "[NaN]", "parse error"},
                     HostileRow{"HugeToken", repeated("x", 1'000'000), "parse error"},
                     HostileRow{"DeepestAllowed", repeated("[", 512) + repeated("]", 512), nullptr},
                     HostileRow{"TooDeep", repeated("[", 513) + repeated("]", 513), "nested too deeply"},
@@ -76,13 +73,13 @@ INSTANTIATE_TEST_SUITE_P(
                                "too many values"}),
     rowName);
 
-TEST(JSONSerialization, LastOfTwoEqualKeysCounts)
+TEST(JSONSerialization, LastOfTwoEqualKeysIsUsed)
 {
     const auto result = JSONSerialization::objectWithData(R"({"a":{"b":1},"a":[2],"a":"last"})");
     EXPECT_EQ(std::get<JSON>(result), JSON({{"a", "last"}}));
 }
 
-TEST(JSONSerialization, TextThatIsNotUTF8CannotBeWritten)
+TEST(JSONSerialization, TextThatIsNotUTF8CannotBeEncoded)
 {
     EXPECT_EQ(std::get<std::string>(JSONSerialization::dataWithObject({{"a", "\xc3\xa4"}})),
               "{\"a\":\"\xc3\xa4\"}");
@@ -159,15 +156,6 @@ TEST(JSONReading, TextAndStringDifferOnNumbers)
     EXPECT_EQ(JSONReading::text(object, "yes"), "1");
     for (const char* const key : {"list", "none", "missing"})
         EXPECT_EQ(JSONReading::text(object, key), std::nullopt) << key;
-}
-
-TEST(JSONReading, WhateverTheObjectIsNothingThrows)
-{
-    for (const auto& object : {JSON(), JSON(1), JSON("text"), JSON::array({1}), JSON(nullptr)}) {
-        EXPECT_EQ(JSONReading::string(object, "key"), std::nullopt);
-        EXPECT_EQ(JSONReading::number(object, "key"), 0);
-        EXPECT_TRUE(JSONReading::array(object, "key").empty());
-    }
 }
 
 } // namespace

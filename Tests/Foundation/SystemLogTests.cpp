@@ -7,9 +7,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
-#include <thread>
 #include <unistd.h>
-#include <vector>
 
 namespace virlo::test
 {
@@ -37,38 +35,6 @@ class SystemLogDeathTest : public testing::Test
 protected:
     void SetUp() override { testing::FLAGS_gtest_death_test_style = "threadsafe"; }
 };
-
-TEST_F(SystemLogDeathTest, LinesOfManyThreadsNeverMix)
-{
-    const auto logFromManyThreads = [] {
-        setSystemLogSink(nullptr);
-        std::vector<std::jthread> threads;
-        for (const char letter : {'a', 'b', 'c', 'd'}) {
-            threads.emplace_back([letter] {
-                for (int round = 0; round < 50; ++round)
-                    systemLog(std::string(3000, letter));
-            });
-        }
-    };
-    const auto whole = [](const std::string& text) {
-        std::size_t lines = 0;
-        for (std::size_t start = 0; start < text.size(); ++lines) {
-            const auto end = text.find('\n', start);
-            const auto line = text.substr(start, end - start);
-            const auto message = line.substr(std::min(line.find("] "), line.size() - 2) + 2);
-            if (message != std::string(3000, message[0]))
-                return false;
-            start = end + 1;
-        }
-        return lines == 200;
-    };
-    EXPECT_EXIT(
-        {
-            logFromManyThreads();
-            std::_Exit(0);
-        },
-        ExitedWithCode(0), testing::Truly(whole));
-}
 
 TEST_F(SystemLogDeathTest, ClosedPipeOnStandardErrorDoesNotEndTheHost)
 {
