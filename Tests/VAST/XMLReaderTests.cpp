@@ -1,7 +1,7 @@
+#include "JSONReading.h"
 #include "RowName.h"
 #include "XMLReader.h"
 
-#include "JSONReading.h"
 #include <gtest/gtest.h>
 
 #include <string>
