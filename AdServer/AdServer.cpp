@@ -99,7 +99,7 @@ void AdServer::start()
         [&state](const httplib::Request& request, ClientConnection& connection) {
             return state.pipeline.respond(request, connection);
         },
-        [&state](const RequestLogEntry& entry) { state.log.note(entry); });
+        [&state](const RequestLogEntry& entry) { state.log.append(entry); });
     listener->listen(state.options.port);
     state.listener = std::move(listener);
 }

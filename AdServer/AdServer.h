@@ -52,8 +52,8 @@ public:
     /// PEM of the authority that a client must trust; empty with plain HTTP.
     [[nodiscard]] std::filesystem::path authorityFile() const;
 
-    /// Takes a campaign file's text as if `name` stood in `folder` (empty: the campaigns folder). It is asked
-    /// before those of the folder. Throws std::invalid_argument naming the key and the reason.
+    /// Takes a campaign file's text as if it were the file `name` in `folder` (empty: the campaigns folder).
+    /// It is asked before those of the folder. Throws std::invalid_argument naming the key and the reason.
     void addCampaign(const std::string& name, const std::string& text,
                      const std::filesystem::path& folder = {});
     /// One line for each campaign file left out: file, key and reason.
@@ -61,7 +61,7 @@ public:
     /// The same for a folder that is not served. Throws std::runtime_error when it cannot be read.
     [[nodiscard]] static std::vector<std::string> checkCampaigns(const std::filesystem::path& folder);
 
-    /// Of several faults that fit a request, the last set befalls it. Those of campaign files come after all
+    /// Of several faults that fit a request, the one set last applies. Those of campaign files come after all
     /// of these.
     void setFault(const AdServerFault& fault);
     /// Takes away those set here and by the control path; and those of the campaign files.

@@ -12,8 +12,8 @@ namespace adserver
 {
 
 /// What goes wrong with the responses on a path. Only what is set happens, so a `delay` alone gives the right
-/// response late. With `status`, `body` or `bodySize` the response is made up and the request
-/// changes nothing in the server (no click is noted, no session opened); this also serves any path with a
+/// response late. With `status`, `body` or `bodySize` the response is a canned one and the request
+/// changes nothing in the server (no click is counted, no session opened); this also serves any path with a
 /// canned response.
 ///
 ///     server.setFault({.path = "/ad/req", .status = 500, .body = "<html>", .times = 1});
@@ -27,13 +27,13 @@ struct AdServerFault {
 
     /// Time from the whole request's arrival to the response's start.
     std::chrono::milliseconds delay{0};
-    /// The request is read and noted, and nothing comes until the server stops or the client goes away.
+    /// The request is read and logged, and no byte is sent until the server stops or the client goes away.
     bool neverResponds = false;
     /// The connection is closed before the response's head.
     bool drop = false;
 
     std::optional<int> status = {};
-    /// As it stands, in any encoding or none.
+    /// Sent as given, in any encoding.
     std::optional<std::string> body = {};
     /// "application/json" unless said; only for a made-up body.
     std::optional<std::string> contentType = {};
@@ -54,7 +54,7 @@ struct AdServerFault {
     /// Speed of the whole response, head included; 0: as fast as it goes.
     std::uint64_t bytesPerSecond = 0;
 
-    /// How many requests it befalls before it is gone; 0: all, until it is cleared.
+    /// How many requests it applies to before it is removed; 0: all, until it is cleared.
     unsigned times = 0;
 
     /// The form of campaign files and of the control path: the names above as keys, `delay` and `stallFor` in

@@ -9,7 +9,7 @@
 namespace adserver
 {
 
-/// What `ad-server` was asked to do.
+/// The options of `ad-server`.
 struct CommandLine {
     AdServerOptions options;
     /// Gets the base URL once connections are taken.

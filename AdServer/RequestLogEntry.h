@@ -10,8 +10,8 @@
 namespace adserver
 {
 
-/// One request and what became of it. It is noted before the response's last byte goes out, so a client that
-/// has its response finds its entry in the log; one that is never responded to is noted when its request has
+/// One request and what became of it. It is logged before the response's last byte goes out, so a client that
+/// has its response finds its entry in the log; one that gets no response is logged when its request has
 /// been read.
 struct RequestLogEntry {
     /// When the request's head had been read.
@@ -37,7 +37,7 @@ struct RequestLogEntry {
     /// Decoded value of the query's first item of that name; empty when there is none.
     [[nodiscard]] std::string queryItem(const std::string& name) const;
     /// What the log holds: {"time","method","path","query","session","body","status","bytes"}, "session" and
-    /// "body" null when there was none. A body that is JSON stands as JSON, any other as text; one over 64
+    /// "body" null when there was none. A body that is JSON is given as JSON, any other as text; one over 64
     /// KiB is cut.
     [[nodiscard]] nlohmann::ordered_json toJSON() const;
 };

@@ -42,5 +42,5 @@ private:
     std::string m_pending;
 };
 
-/// The folder of this program, where its neighbours stand.
+/// The folder of this program, where the other programs are.
 [[nodiscard]] std::string programFolder();

@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-/// One line of the table: a figure of ours beside the same work done bare in the same run.
+/// One line of the table: our figure and that of the same work done by the bare libraries in the same run.
 struct Result {
     std::string measure;
     double ours = 0;
-    double bare = 0; ///< 0 where nothing bare compares: the reach is then a limit on `ours` itself
+    double bare = 0; ///< 0 where there is none: the reach is then a limit on `ours` itself
     std::string unit;
     std::string reach; ///< what is to be reached, in words
     bool holds = false;

@@ -22,7 +22,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LES
   add_compile_options(-Wno-restrict)
 endif()
 if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-  # Where sources are read together, their anonymous namespaces stand in included files.
+  # Where sources are read together, their anonymous namespaces are in included files.
   add_compile_options(-Wno-subobject-linkage)
 endif()
 if(VIRLO_WARNINGS_AS_ERRORS)

@@ -12,7 +12,7 @@
 namespace adserver
 {
 
-/// A value of a file beside the way that leads to it, so that what is wrong can be named. Lives as long as
+/// A value of a file with its path, so that an error can name it. Lives as long as
 /// the value.
 class JSONChecker
 {

@@ -18,8 +18,8 @@ namespace adserver
 ///     server.pem     for localhost and 127.0.0.1; a year
 ///     server.key     its key                                                            (mode 0600)
 ///
-/// A file that is missing, damaged, does not fit the others or is about to expire is made anew; a new
-/// authority must be trusted anew. Servers that start at the same moment take turns by a lock on the folder.
+/// A file that is missing, damaged, does not fit the others or is about to expire is replaced; a new
+/// authority must be trusted again. Servers that start at the same moment take turns by a lock on the folder.
 /// Used while starting only.
 class CertificateAuthority
 {

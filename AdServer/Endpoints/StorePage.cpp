@@ -44,21 +44,21 @@ std::string pageOf(const nlohmann::json& item, const std::string& origin)
 {
     const auto title = escaped(textAt(item, "title"));
     const auto price = textAt(item, "price");
-    std::string pictures;
+    std::string images;
     if (const auto screenshots = item.find("screenshots");
         screenshots != item.end() && screenshots->is_array())
         for (const auto& screenshot : *screenshots)
             if (screenshot.is_string())
-                pictures += "<img alt=\"\" src=\"" +
-                            escaped(absoluteURL(screenshot.get<std::string>(), origin, campaignFilesPath)) +
-                            "\">";
+                images += "<img alt=\"\" src=\"" +
+                          escaped(absoluteURL(screenshot.get<std::string>(), origin, campaignFilesPath)) +
+                          "\">";
     return "<!doctype html><html lang=\"en\"><meta charset=\"utf-8\"><title>" + title +
            "</title><style>body{font:20px/1.5 sans-serif;max-width:60rem;margin:3rem auto;padding:0 1rem}"
            "img{width:48%;margin:1%;border-radius:8px}b{background:#06c;color:#fff;padding:.4rem 1.2rem;"
            "border-radius:1rem}</style><h1>" +
            title + "</h1><p>" + escaped(textAt(item, "category")) + "</p><p><b>" +
            escaped(price.empty() ? "Get" : price) + "</b></p><p>" + escaped(textAt(item, "description")) +
-           "</p>" + pictures + "</html>\n";
+           "</p>" + images + "</html>\n";
 }
 
 } // namespace

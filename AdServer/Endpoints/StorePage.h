@@ -8,7 +8,7 @@
 namespace adserver
 {
 
-/// GET /store/CID: a page that stands in for the app's page in a store, made of the item's own texts. A
+/// GET /store/CID: a page in place of the app's page in a store, made of the item's own texts. A
 /// client that accepts JSON only gets the item's name and identifier. Safe from any thread.
 class StorePage final : public Endpoint
 {

@@ -11,8 +11,8 @@ std::string TransactionTable::begin(const std::shared_ptr<const Campaign>& campa
     const auto said = textAt(campaign->advertisement, "txid");
     auto txid = said.empty() ? randomIdentifier() : said;
     const std::lock_guard lock(m_mutex);
-    const auto [place, isNew] = m_transactions.try_emplace(txid);
-    place->second.campaign = campaign;
+    const auto [entry, isNew] = m_transactions.try_emplace(txid);
+    entry->second.campaign = campaign;
     if (isNew)
         m_order.push_back(txid);
     if (m_order.size() > mostKept) {

@@ -20,7 +20,7 @@ class TransactionTable
 public:
     static constexpr std::size_t mostKept = 10'000;
 
-    /// Notes the campaign under a new identifier, or under the one that it says itself; returns it.
+    /// Stores the campaign under a new identifier, or under its own "txid"; returns the identifier.
     [[nodiscard]] std::string begin(const std::shared_ptr<const Campaign>& campaign);
     /// Null when unknown.
     [[nodiscard]] std::shared_ptr<const Campaign> campaign(const std::string& txid) const;

@@ -19,7 +19,7 @@ namespace
 
 using namespace std::chrono_literals;
 
-constexpr auto peerPatience = 20s;
+constexpr auto peerLimit = 20s;
 constexpr size_t outBufferSize = 65536;
 /// Above the largest body that is taken, so that a somewhat larger one is still read off and responded to
 /// with a refusal.
@@ -67,18 +67,18 @@ bool ClientConnection::handshake()
             return true;
         }
         const short event = retryEvent(result, POLLIN);
-        if (event == 0 || !waitFor(event, peerPatience)) {
+        if (event == 0 || !waitFor(event, peerLimit)) {
             m_broken = true;
             return false;
         }
     }
 }
 
-bool ClientConnection::awaitRequest(std::chrono::milliseconds patience)
+bool ClientConnection::awaitRequest(std::chrono::milliseconds limit)
 {
     if (m_inPosition < m_inEnd || (m_tls && SSL_pending(m_tls.get()) > 0))
         return true;
-    return waitFor(POLLIN, patience);
+    return waitFor(POLLIN, limit);
 }
 
 void ClientConnection::beginRequest()
@@ -87,7 +87,7 @@ void ClientConnection::beginRequest()
     m_bytesWritten = 0;
     m_bytesPerSecond = 0;
     understood = false;
-    noted = false;
+    logged = false;
     m_entry = {};
     m_entry.connection = m_number;
 }
@@ -107,7 +107,7 @@ ssize_t ClientConnection::read(char* into, size_t size)
 
 ssize_t ClientConnection::write(const char* from, size_t size)
 {
-    // What was written last always waits for the final flush: by then the entry has been noted.
+    // What was written last always waits for the final flush: by then the entry is in the log.
     if (m_broken || (m_out.size() + size > outBufferSize && !flush()))
         return -1;
     m_out.append(from, size);
@@ -155,7 +155,7 @@ bool ClientConnection::fill()
             return true;
         }
         const short event = retryEvent(result, POLLIN);
-        if (event == 0 || !waitFor(event, peerPatience))
+        if (event == 0 || !waitFor(event, peerLimit))
             return false;
     }
 }
@@ -164,17 +164,17 @@ bool ClientConnection::send(const char* from, size_t size)
 {
     while (size > 0) {
         ERR_clear_error();
-        const auto piece = static_cast<int>(std::min<size_t>(size, outBufferSize * 4));
+        const auto chunk = static_cast<int>(std::min<size_t>(size, outBufferSize * 4));
         const auto result =
-            m_tls ? SSL_write(m_tls.get(), from, piece)
-                  : static_cast<int>(::send(m_socket, from, static_cast<size_t>(piece), MSG_NOSIGNAL));
+            m_tls ? SSL_write(m_tls.get(), from, chunk)
+                  : static_cast<int>(::send(m_socket, from, static_cast<size_t>(chunk), MSG_NOSIGNAL));
         if (result > 0) {
             from += result;
             size -= static_cast<size_t>(result);
             continue;
         }
         const short event = retryEvent(result, POLLOUT);
-        if (event == 0 || !waitFor(event, peerPatience))
+        if (event == 0 || !waitFor(event, peerLimit))
             return false;
     }
     return true;
@@ -182,10 +182,10 @@ bool ClientConnection::send(const char* from, size_t size)
 
 bool ClientConnection::sendThrottled()
 {
-    constexpr std::uint64_t piecesPerSecond = 20;
-    const auto piece = static_cast<size_t>(std::max<std::uint64_t>(1, m_bytesPerSecond / piecesPerSecond));
-    for (size_t sent = 0; sent < m_out.size(); sent += piece) {
-        const auto count = std::min(piece, m_out.size() - sent);
+    constexpr std::uint64_t chunksPerSecond = 20;
+    const auto chunk = static_cast<size_t>(std::max<std::uint64_t>(1, m_bytesPerSecond / chunksPerSecond));
+    for (size_t sent = 0; sent < m_out.size(); sent += chunk) {
+        const auto count = std::min(chunk, m_out.size() - sent);
         if (!send(m_out.data() + sent, count) ||
             !pause(std::chrono::milliseconds(count * 1000 / m_bytesPerSecond)))
             return false;
@@ -193,12 +193,12 @@ bool ClientConnection::sendThrottled()
     return true;
 }
 
-bool ClientConnection::waitFor(short events, std::chrono::milliseconds patience) const
+bool ClientConnection::waitFor(short events, std::chrono::milliseconds limit) const
 {
     std::array<pollfd, 2> sources{pollfd{m_stop.descriptor(), POLLIN, 0}, pollfd{m_socket, events, 0}};
     int ready = 0;
     do
-        ready = ::poll(sources.data(), sources.size(), static_cast<int>(patience.count()));
+        ready = ::poll(sources.data(), sources.size(), static_cast<int>(limit.count()));
     while (ready < 0 && errno == EINTR);
     return ready > 0 && sources[0].revents == 0;
 }

@@ -30,7 +30,7 @@ public:
 
     [[nodiscard]] bool handshake();
     /// False when nothing came in time or the client went away.
-    [[nodiscard]] bool awaitRequest(std::chrono::milliseconds patience);
+    [[nodiscard]] bool awaitRequest(std::chrono::milliseconds limit);
     /// Forgets what was set and counted for the request before.
     void beginRequest();
 
@@ -56,7 +56,7 @@ public:
 
     /// Set once the whole request has reached its handler; otherwise the HTTP layer refused it.
     bool understood = false;
-    bool noted = false;
+    bool logged = false;
 
     [[nodiscard]] bool is_readable() const override { return !m_broken; }
 
@@ -72,7 +72,7 @@ private:
     [[nodiscard]] bool fill();
     [[nodiscard]] bool send(const char* from, size_t size);
     [[nodiscard]] bool sendThrottled();
-    [[nodiscard]] bool waitFor(short events, std::chrono::milliseconds patience) const;
+    [[nodiscard]] bool waitFor(short events, std::chrono::milliseconds limit) const;
     /// The event to wait for after a call that did not succeed; 0 when it failed for good.
     [[nodiscard]] short retryEvent(int result, short plainEvent) const;
 

@@ -78,10 +78,10 @@ private:
 
 } // namespace
 
-HTTPListener::HTTPListener(TLSContextPointer tls, Responder responder, Noter noter)
+HTTPListener::HTTPListener(TLSContextPointer tls, Responder responder, Logger logger)
     : m_tls(std::move(tls))
     , m_responder(std::move(responder))
-    , m_noter(std::move(noter))
+    , m_logger(std::move(logger))
 {
     new_task_queue = [] { return new httplib::ThreadPool(mostConnections); };
     set_tcp_nodelay(true);
@@ -171,7 +171,7 @@ bool HTTPListener::process_and_close_socket(socket_t socket)
         bool closing = false;
         const bool served = process_request(connection, false, closing,
                                             [&](httplib::Request& request) { prepare(request, connection); });
-        note(connection);
+        log(connection);
         if (!connection.flush() || !connection.is_writable() || !served || closing || !connection.understood)
             break;
     }
@@ -248,15 +248,15 @@ void HTTPListener::deliver(Response response, httplib::Response& output, ClientC
             });
 }
 
-void HTTPListener::note(ClientConnection& connection) const
+void HTTPListener::log(ClientConnection& connection) const
 {
     auto& entry = connection.entry();
     entry.bytes = connection.bytesWritten();
     if (entry.bytes == 0)
         entry.status = 0;
     const bool cameToNothing = entry.method.empty() && entry.bytes == 0;
-    if (!std::exchange(connection.noted, true) && !cameToNothing)
-        m_noter(entry);
+    if (!std::exchange(connection.logged, true) && !cameToNothing)
+        m_logger(entry);
 }
 
 } // namespace adserver

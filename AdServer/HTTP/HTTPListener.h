@@ -24,10 +24,10 @@ public:
     /// Called on the connection's thread with the whole request. Nothing: the connection has been broken off.
     using Responder = std::function<std::optional<Response>(const httplib::Request&, ClientConnection&)>;
     /// Called once for each request, before the end of its response is sent.
-    using Noter = std::function<void(const RequestLogEntry&)>;
+    using Logger = std::function<void(const RequestLogEntry&)>;
 
     /// `tls` is null for plain HTTP.
-    HTTPListener(TLSContextPointer tls, Responder responder, Noter noter);
+    HTTPListener(TLSContextPointer tls, Responder responder, Logger logger);
     /// Stops.
     ~HTTPListener() override;
 
@@ -44,11 +44,11 @@ private:
     void prepare(httplib::Request& request, ClientConnection& connection) const;
     void respond(const httplib::Request& request, httplib::Response& output) const;
     static void deliver(Response response, httplib::Response& output, ClientConnection& connection);
-    void note(ClientConnection& connection) const;
+    void log(ClientConnection& connection) const;
 
     TLSContextPointer m_tls;
     const Responder m_responder;
-    const Noter m_noter;
+    const Logger m_logger;
     StopSignal m_stop;
     std::thread m_acceptor;
     std::atomic<std::uint64_t> m_connections = 0;

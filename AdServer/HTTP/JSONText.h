@@ -12,7 +12,7 @@ namespace adserver
 /// Deeper texts are refused: printing and comparing walk a value by recursion.
 constexpr int deepestJSON = 100;
 
-/// Throws std::invalid_argument with the place and the reason.
+/// Throws std::invalid_argument with the position and the reason.
 [[nodiscard]] nlohmann::json parseJSON(std::string_view text);
 /// Nothing in place of the exception.
 [[nodiscard]] std::optional<nlohmann::json> parseJSONIfPossible(std::string_view text);

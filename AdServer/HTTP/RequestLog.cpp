@@ -21,7 +21,7 @@ void RequestLog::open(const std::filesystem::path& file)
         throw std::runtime_error("cannot write the log " + file.string());
 }
 
-void RequestLog::note(const RequestLogEntry& entry)
+void RequestLog::append(const RequestLogEntry& entry)
 {
     const auto line = m_writes ? printJSON(entry.toJSON()) + '\n' : std::string();
     {
@@ -29,7 +29,7 @@ void RequestLog::note(const RequestLogEntry& entry)
         if (m_entries.size() >= mostKept)
             m_entries.erase(m_entries.begin(), m_entries.begin() + mostKept / 2);
         m_entries.push_back(entry);
-        if (!line.empty() && !(m_file << line << std::flush) && !std::exchange(m_complained, true))
+        if (!line.empty() && !(m_file << line << std::flush) && !std::exchange(m_reportedFailure, true))
             std::fputs("ad-server: the log cannot be written any more\n", stderr);
     }
     m_changed.notify_all();

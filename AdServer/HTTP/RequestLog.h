@@ -25,7 +25,7 @@ public:
     /// Throws std::runtime_error when the file cannot be opened for appending; an empty path writes none.
     void open(const std::filesystem::path& file);
 
-    void note(const RequestLogEntry& entry);
+    void append(const RequestLogEntry& entry);
     void clear();
     [[nodiscard]] std::vector<RequestLogEntry> requests() const;
     [[nodiscard]] bool waitUntil(const std::function<bool(const std::vector<RequestLogEntry>&)>& condition,
@@ -37,7 +37,7 @@ private:
     std::vector<RequestLogEntry> m_entries;
     std::ofstream m_file;
     std::atomic<bool> m_writes = false;
-    bool m_complained = false;
+    bool m_reportedFailure = false;
 };
 
 } // namespace adserver

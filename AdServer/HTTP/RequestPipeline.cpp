@@ -46,7 +46,7 @@ std::optional<Response> RequestPipeline::respond(const httplib::Request& request
 {
     // Whoever has set a fault for every path must be able to take it away again.
     if (ControlEndpoints::isControlPath(request.path)) {
-        connection.noted = true;
+        connection.logged = true;
         return ask(request, connection);
     }
     const auto fault = m_faults.take(request.method, request.path);
@@ -54,8 +54,8 @@ std::optional<Response> RequestPipeline::respond(const httplib::Request& request
         return ask(request, connection);
 
     if (fault->neverResponds) {
-        m_log.note(connection.entry());
-        connection.noted = true;
+        m_log.append(connection.entry());
+        connection.logged = true;
         connection.pause(std::nullopt);
     }
     if (fault->neverResponds || !connection.pause(fault->delay) || fault->drop) {

@@ -1,5 +1,5 @@
-// bench-responses CERTIFICATE KEY: an HTTPS server that answers everything at once with the same small JSON;
-// it leaves the processor to those who are measured against it. Prints its port.
+// bench-responses CERTIFICATE KEY: an HTTPS server that responds to everything at once with the same small
+// JSON; it leaves the processor to those who are measured against it. Prints its port.
 
 #include <httplib.h>
 

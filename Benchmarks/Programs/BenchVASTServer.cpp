@@ -1,5 +1,5 @@
 // bench-vast-server: a chain of five wrappers ("/5.xml" to "/1.xml", then the ad at "/0.xml", of 1 to 6 KB),
-// and "/ping", which answers with nothing and is counted at "/pings". Prints its port.
+// and "/ping", whose response is empty and which is counted at "/pings". Prints its port.
 
 #include <httplib.h>
 

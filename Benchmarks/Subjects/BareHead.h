@@ -6,8 +6,7 @@
 #include <memory>
 #include <string>
 
-/// What the library's own requests say in their heads, so that the bare side asks for the same in as many
-/// bytes.
+/// The headers of the library's own requests, so that the bare side sends requests of the same size.
 class BareHead
 {
 public:

@@ -56,12 +56,12 @@ const QQuickItem* visibleItem(const QQuickItem* item, const QString& name)
 
 } // namespace
 
-Scenario::Scenario(QQuickWindow& window, Game& game, AdIntegration& ads, const AppPages& pages, Place place)
+Scenario::Scenario(QQuickWindow& window, Game& game, AdIntegration& ads, const AppPages& pages, Files files)
     : m_window(window)
     , m_game(game)
     , m_ads(ads)
     , m_pages(pages)
-    , m_place(std::move(place))
+    , m_files(std::move(files))
     , m_coinsAtStart(game.coins())
 {
 }
@@ -144,7 +144,7 @@ bool Scenario::holds(const QJsonObject& condition) const
 int Scenario::requestCount(const QJsonObject& condition) const
 {
     int count = 0;
-    QFile log(m_place.log);
+    QFile log(m_files.log);
     static_cast<void>(log.open(QIODevice::ReadOnly)); // no log, no request
     while (!log.atEnd()) {
         const QJsonObject line = QJsonDocument::fromJson(log.readLine()).object();
@@ -168,7 +168,7 @@ bool Scenario::takeImage(const QString& name)
         image = std::move(next);
     }
     const QString file =
-        QStringLiteral("%1/%2-%3.png").arg(m_place.images).arg(++m_images, 2, 10, QLatin1Char('0')).arg(name);
+        QStringLiteral("%1/%2-%3.png").arg(m_files.images).arg(++m_images, 2, 10, QLatin1Char('0')).arg(name);
     if (image.save(file))
         return true;
     std::fprintf(stderr, "scenario: cannot write %s\n", qPrintable(file));

@@ -29,12 +29,12 @@ class Game;
 class Scenario
 {
 public:
-    struct Place {
+    struct Files {
         QString images; ///< an existing folder
         QString log;    ///< the ad server's request log
     };
 
-    Scenario(QQuickWindow& window, Game& game, AdIntegration& ads, const AppPages& pages, Place place);
+    Scenario(QQuickWindow& window, Game& game, AdIntegration& ads, const AppPages& pages, Files files);
 
     /// True when every step came about in time; otherwise it says on standard error which did not.
     [[nodiscard]] bool play(const QString& file);
@@ -51,7 +51,7 @@ private:
     Game& m_game;
     AdIntegration& m_ads;
     const AppPages& m_pages;
-    const Place m_place;
+    const Files m_files;
     const int m_coinsAtStart;
     int m_images = 0;
 };

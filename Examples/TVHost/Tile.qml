@@ -9,7 +9,7 @@ FocusScope {
     required property color tint
     signal chosen
 
-    // The same with the focus as without it, so that no line breaks anew.
+    // The same with the focus as without it, so that the lines break alike.
     readonly property real textWidth: width - 100
 
     width: 405

@@ -17,8 +17,8 @@ protected:
 
     [[nodiscard]] httplib::Result ask(const std::string& path) { return makeClient().Get(path); }
 
-    /// The status and bytes noted for the only entry.
-    [[nodiscard]] std::pair<int, std::uint64_t> noted() const
+    /// Status and bytes of the only entry in the log.
+    [[nodiscard]] std::pair<int, std::uint64_t> logged() const
     {
         const auto requests = server.requests();
         EXPECT_EQ(requests.size(), 1U);
@@ -72,7 +72,7 @@ TEST_F(Faults, ADroppedConnectionHasNoHead)
 {
     server.setFault({.path = file, .drop = true, .times = 1});
     EXPECT_FALSE(ask(file));
-    EXPECT_EQ(noted(), std::pair(0, std::uint64_t{0}));
+    EXPECT_EQ(logged(), std::pair(0, std::uint64_t{0}));
     EXPECT_TRUE(ask(file));
 }
 
@@ -98,7 +98,7 @@ TEST_F(Faults, ACutBodyIsShorterThanItsHeadSays)
             }));
         EXPECT_EQ(length, "10");
         EXPECT_EQ(received, canned ? "abcd" : "0123");
-        EXPECT_EQ(noted().first, 200);
+        EXPECT_EQ(logged().first, 200);
     }
 }
 

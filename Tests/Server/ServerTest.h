@@ -13,7 +13,7 @@
 #include <string>
 
 /// A started server with one campaign, spoken to over TLS by a client that trusts its authority. Its clock
-/// stands still until `advance`.
+/// does not move until `advance`.
 class ServerTest : public testing::Test
 {
 protected:
@@ -26,7 +26,7 @@ protected:
 
     void advance(std::chrono::milliseconds time) { m_time = m_time.load() + time; }
 
-    /// Reads the campaigns anew; the port is another one.
+    /// Reads the campaigns again; the port changes.
     void restart();
 
     /// Opens a session; what follows belongs to it.

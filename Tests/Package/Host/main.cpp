@@ -1,5 +1,5 @@
 // host: uses the installed library in each way that a linker must serve: functions, a class to derive from,
-// templates, constants, exceptions. Exits 0 where all of it answers, without any network.
+// templates, constants, exceptions. Exits 0 where all of it works, without any network.
 
 #include <VIRLOAdFramework/AdvertisingIdentifier.h>
 #include <VIRLOAdFramework/Application.h>
