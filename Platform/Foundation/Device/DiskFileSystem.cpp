@@ -20,15 +20,15 @@ namespace
 
 constexpr mode_t privateDirectory = 0700;
 
-class Descriptor
+class OpenFile
 {
 public:
-    explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
+    explicit OpenFile(int descriptor) : m_descriptor(descriptor) {}
 
-    ~Descriptor() { close(); }
+    ~OpenFile() { close(); }
 
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
 
     [[nodiscard]] int get() const { return m_descriptor; }
 
@@ -124,7 +124,7 @@ OptionalError DiskFileSystem::createDirectories(const std::string& path)
 std::optional<std::string> DiskFileSystem::read(const std::string& path, std::size_t limit) const
 {
     // O_NONBLOCK: opening a pipe at this path would otherwise block until somebody writes to it.
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    const OpenFile file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
 
     struct stat found {
     };
@@ -161,7 +161,7 @@ OptionalError DiskFileSystem::writeAtomically(const std::string& path, std::stri
     const auto slash = path.rfind('/');
     std::string temporary = (slash == std::string::npos ? std::string() : path.substr(0, slash + 1)) +
                             temporaryPrefix() + "XXXXXX";
-    Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
+    OpenFile file(::mkostemp(temporary.data(), O_CLOEXEC));
     if (file.get() < 0)
         return errorWithCode(errno, path);
     const bool written = writeAll(file.get(), content) && flush(file.get()) && file.close() &&
