@@ -13,6 +13,7 @@
 #include "VIRLOConstans.h"
 #include "VIRLOHostText.h"
 #include "VIRLOTrackingManager.h"
+#include "VIRLOVASTXMLParser.h"
 
 #include <utility>
 
@@ -185,6 +186,11 @@ void VIRLOAdController::registerThirdPartyUserIdWithCompletion(const std::string
 void VIRLOAdController::setPreloadTimeLimit(double seconds)
 {
     m_preloadTimeLimit = seconds;
+}
+
+void VIRLOAdController::setVASTWrapperLimit(std::size_t limit)
+{
+    VIRLOVASTXMLParser::setWrapperLimit(limit);
 }
 
 void VIRLOAdController::checkAvailableCurrency()

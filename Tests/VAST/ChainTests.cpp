@@ -124,7 +124,7 @@ TEST_F(ChainTest, FollowsNoMoreWrappersThanTheLimit)
     VIRLOVASTXMLParser::setWrapperLimit(2);
     EXPECT_FALSE(parse(url("/2.xml")).error);
     const Report report = parse(url("/3.xml"));
-    VIRLOVASTXMLParser::setWrapperLimit(std::nullopt);
+    VIRLOVASTXMLParser::setWrapperLimit(0);
     EXPECT_EQ(report.domain(), VIRLOAdFrameworkBundleIdentifier);
     EXPECT_EQ(report.code(), VIRLOVASTXMLParser::wrapperLimitReached);
     EXPECT_EQ(report.ad().type(), "Wrapper");

@@ -2,6 +2,7 @@
 
 #include "GlobalQueue.h"
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -31,12 +32,15 @@ void FileTask::run() const
     const std::unique_ptr<std::FILE, Close> file(std::fopen(m_path.c_str(), "rbe"));
     if (!file)
         return fail(URLSession::failed, std::strerror(errno));
-    std::string data(m_request.maximumBodySize + 1, '\0');
-    data.resize(std::fread(data.data(), 1, data.size(), file.get()));
+    std::string data;
+    std::array<char, 65'536> bytes;
+    while (const std::size_t count = std::fread(bytes.data(), 1, bytes.size(), file.get())) {
+        if (count > m_request.maximumBodySize - data.size())
+            return fail(URLSession::bodyTooLong, "The document is too long.");
+        data.append(bytes.data(), count);
+    }
     if (std::ferror(file.get()) != 0)
         return fail(URLSession::failed, std::strerror(errno));
-    if (data.size() > m_request.maximumBodySize)
-        return fail(URLSession::bodyTooLong, "The document is too long.");
     m_completion(std::move(data), virlo::HTTPURLResponse{m_request.url, 200}, std::nullopt);
 }
 

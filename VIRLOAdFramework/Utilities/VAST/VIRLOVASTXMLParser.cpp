@@ -10,7 +10,6 @@
 #include "VIRLOVASTWrappedAdMerger.h"
 #include "VIRLOVASTWrapperAd.h"
 
-#include <limits>
 #include <utility>
 
 using virlo::GlobalQueue;
@@ -18,8 +17,7 @@ using virlo::OptionalError;
 
 namespace
 {
-constexpr auto noLimit = std::numeric_limits<std::size_t>::max();
-std::atomic<std::size_t> wrapperLimit{noLimit};
+std::atomic<std::size_t> wrapperLimit{0};
 } // namespace
 
 VIRLOVASTXMLParser::VIRLOVASTXMLParser(std::optional<virlo::URL> url,
@@ -54,9 +52,9 @@ std::shared_ptr<VIRLOVASTXMLParser> VIRLOVASTXMLParser::initWithVASTURLLoader(
         new VIRLOVASTXMLParser(std::move(url), std::move(loader), wrapperCount));
 }
 
-void VIRLOVASTXMLParser::setWrapperLimit(std::optional<std::size_t> limit)
+void VIRLOVASTXMLParser::setWrapperLimit(std::size_t limit)
 {
-    wrapperLimit = limit.value_or(noLimit);
+    wrapperLimit = limit;
 }
 
 void VIRLOVASTXMLParser::setOwner(std::weak_ptr<const void> owner)
@@ -69,7 +67,8 @@ void VIRLOVASTXMLParser::parse()
     if (m_begun.exchange(true))
         return;
     const auto self = shared_from_this();
-    if (!m_vastURL || m_wrapperCount > wrapperLimit)
+    const std::size_t limit = wrapperLimit;
+    if (!m_vastURL || (limit > 0 && m_wrapperCount > limit))
         return GlobalQueue::background().async([self] { self->refuse(); });
     m_loader->load(*m_vastURL,
                    [self](std::string document, const auto& response, const OptionalError& error) {

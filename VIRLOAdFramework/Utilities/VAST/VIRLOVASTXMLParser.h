@@ -53,10 +53,10 @@ public:
     initWithVASTURLLoader(std::optional<virlo::URL> url, std::shared_ptr<VIRLOVASTDocumentLoader> loader,
                           std::size_t wrapperCount);
 
-    /// The number of wrappers that are followed one after the other, for all tags of the process; none is the
-    /// default and means no limit. The industry's recommendation is 5. A wrapper beyond it stays in the list,
-    /// with the error `wrapperLimitReached`. Takes effect on documents requested from then on.
-    static void setWrapperLimit(std::optional<std::size_t> limit);
+    /// The most wrappers that are followed one after another, for all tags of the process; 0, the default, is
+    /// no limit. A wrapper that exceeds it stays in the list, with the error `wrapperLimitReached`. Takes
+    /// effect on documents requested from then on.
+    static void setWrapperLimit(std::size_t limit);
 
     VIRLOVASTXMLParser(const VIRLOVASTXMLParser&) = delete;
     VIRLOVASTXMLParser& operator=(const VIRLOVASTXMLParser&) = delete;
