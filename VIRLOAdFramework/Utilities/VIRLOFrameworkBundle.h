@@ -5,8 +5,7 @@
 namespace VIRLOFrameworkBundle
 {
 
-/// The bundle registered under `VIRLOAdFrameworkBundleIdentifier`, by default one with the library's name and
-/// version. Any thread.
+/// The library's own bundle: identifier `VIRLOAdFrameworkBundleIdentifier`, name and version. Any thread.
 [[nodiscard]] virlo::Bundle bundle();
 
 } // namespace VIRLOFrameworkBundle

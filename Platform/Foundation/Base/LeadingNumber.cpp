@@ -38,20 +38,6 @@ std::uint64_t magnitude(std::string_view digits)
     return result.ec == std::errc::result_out_of_range ? std::numeric_limits<std::uint64_t>::max() : value;
 }
 
-/// Whether a decimal number outside the range of double is too large rather than too small.
-bool isLarge(std::string_view number)
-{
-    const auto mark = number.find_first_of("eE");
-    const auto mantissa = number.substr(0, mark);
-    const auto point = std::min(mantissa.find('.'), mantissa.size());
-    const auto first = mantissa.find_first_not_of("0.");
-    if (first == std::string_view::npos)
-        return false;
-    const auto position = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first);
-    const auto exponent = mark == std::string_view::npos ? 0 : integer(number.substr(mark + 1));
-    return exponent > -position;
-}
-
 } // namespace
 
 std::int64_t integer(std::string_view text)
@@ -79,9 +65,8 @@ double decimal(std::string_view text)
         return 0;
     double value = 0;
     const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-    const auto taken = digits.substr(0, static_cast<std::size_t>(result.ptr - digits.data()));
-    if (result.ec == std::errc::result_out_of_range || !std::isfinite(value))
-        value = isLarge(taken) ? std::numeric_limits<double>::max() : 0;
+    if (result.ec != std::errc() || !std::isfinite(value))
+        return 0;
     return negative ? -value : value;
 }
 

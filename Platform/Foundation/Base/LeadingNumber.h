@@ -7,14 +7,14 @@ namespace virlo::LeadingNumber
 {
 
 // The number that a text begins with, after optional white space and sign; 0 without one. Independent of the
-// locale. Values out of range are clamped, so no result is NaN or infinite.
+// locale. Integers out of range are clamped.
 
 [[nodiscard]] std::int64_t integer(std::string_view text);
 [[nodiscard]] std::uint64_t unsignedInteger(std::string_view text);
-/// Decimal, with a fraction and an exponent.
+/// Decimal, with a fraction and an exponent; 0 for a number that is no finite double.
 [[nodiscard]] double decimal(std::string_view text);
 
-// The same clamping for a floating-point number.
+// A floating-point number without its fraction; clamped, 0 for NaN.
 [[nodiscard]] std::int64_t integer(double value);
 [[nodiscard]] std::uint64_t unsignedInteger(double value);
 

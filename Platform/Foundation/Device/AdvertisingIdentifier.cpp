@@ -12,21 +12,18 @@ namespace virlo
 namespace
 {
 
-struct Holder {
-    std::mutex mutex;
-    std::optional<std::string> identifier;
-};
+std::mutex identifierMutex;
 
-Holder& holder()
+std::optional<std::string>& heldIdentifier()
 {
-    static auto* const instance = new Holder; // never destroyed: workers may outlive `main`
-    return *instance;
+    static auto* const value = new std::optional<std::string>; // never destroyed: workers may outlive `main`
+    return *value;
 }
 
-void hold(std::optional<std::string> identifier)
+void setIdentifier(std::optional<std::string> value)
 {
-    const std::lock_guard lock(holder().mutex);
-    holder().identifier = std::move(identifier);
+    const std::lock_guard lock(identifierMutex);
+    heldIdentifier() = std::move(value);
 }
 
 } // namespace
@@ -36,8 +33,8 @@ namespace AdvertisingIdentifier
 
 std::optional<std::string> current()
 {
-    const std::lock_guard lock(holder().mutex);
-    return holder().identifier;
+    const std::lock_guard lock(identifierMutex);
+    return heldIdentifier();
 }
 
 void set(std::string uuid)
@@ -51,19 +48,19 @@ void set(std::string uuid)
     if (uuid.find_first_not_of("0-") == std::string::npos)
         withhold();
     else
-        hold(std::move(uuid));
+        setIdentifier(std::move(uuid));
 }
 
 std::string renew()
 {
     auto uuid = UUID::random();
-    hold(uuid);
+    setIdentifier(uuid);
     return uuid;
 }
 
 void withhold()
 {
-    hold(std::nullopt);
+    setIdentifier(std::nullopt);
 }
 
 } // namespace AdvertisingIdentifier

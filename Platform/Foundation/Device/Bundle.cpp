@@ -14,32 +14,12 @@ namespace virlo
 namespace
 {
 
-struct Registry {
-    std::mutex mutex;
-    std::optional<Bundle> main;
-    std::map<std::string, Bundle> byIdentifier;
-};
+std::mutex bundleMutex;
 
-Registry& registry()
+std::optional<Bundle>& currentBundle()
 {
-    static auto* const instance = new Registry; // never destroyed: workers may outlive `main`
-    return *instance;
-}
-
-std::map<std::string, std::string> withPlatform(std::map<std::string, std::string> info)
-{
-    utsname system{};
-    uname(&system);
-    info.emplace("DTPlatformName", "linux");
-    info.emplace("DTPlatformVersion", system.release);
-    return info;
-}
-
-Bundle programBundle()
-{
-    const std::string file = program_invocation_short_name;
-    const std::string name = FileSystem::isFileName(file) ? file : "host";
-    return Bundle(withPlatform({{"CFBundleName", name}, {"CFBundleIdentifier", name}}));
+    static auto* const bundle = new std::optional<Bundle>; // never destroyed: workers may outlive `main`
+    return *bundle;
 }
 
 } // namespace
@@ -57,37 +37,36 @@ std::string Bundle::identifier() const
     return info("CFBundleIdentifier").value_or("");
 }
 
+Bundle Bundle::withFacts(const std::string& identifier, const std::string& name, const std::string& version)
+{
+    utsname system{};
+    uname(&system);
+    return Bundle({{"CFBundleName", name},
+                   {"CFBundleIdentifier", identifier},
+                   {"CFBundleShortVersionString", version},
+                   {"DTPlatformName", "linux"},
+                   {"DTPlatformVersion", system.release}});
+}
+
 Bundle Bundle::mainBundle()
 {
-    const std::lock_guard lock(registry().mutex);
-    if (!registry().main)
-        registry().main = programBundle();
-    return *registry().main;
+    const std::lock_guard lock(bundleMutex);
+    if (!currentBundle()) {
+        const std::string file = program_invocation_short_name;
+        const std::string name = FileSystem::isFileName(file) ? file : "host";
+        auto program = withFacts(name, name, "");
+        program.m_info.erase("CFBundleShortVersionString");
+        currentBundle() = std::move(program);
+    }
+    return *currentBundle();
 }
 
 void Bundle::setMainBundle(const std::string& identifier, const std::string& name, const std::string& version)
 {
     if (!FileSystem::isFileName(identifier))
         raise("NSInvalidArgumentException", "The identifier of the main bundle must be a file name");
-    const std::lock_guard lock(registry().mutex);
-    registry().main = Bundle(withPlatform({{"CFBundleName", name},
-                                           {"CFBundleIdentifier", identifier},
-                                           {"CFBundleShortVersionString", version}}));
-}
-
-std::optional<Bundle> Bundle::bundleWithIdentifier(const std::string& identifier)
-{
-    const std::lock_guard lock(registry().mutex);
-    const auto found = registry().byIdentifier.find(identifier);
-    return found == registry().byIdentifier.end() ? std::nullopt : std::optional(found->second);
-}
-
-void Bundle::registerBundle(Bundle bundle)
-{
-    bundle.m_info = withPlatform(std::move(bundle.m_info));
-    const std::lock_guard lock(registry().mutex);
-    const std::string identifier = bundle.identifier();
-    registry().byIdentifier.insert_or_assign(identifier, std::move(bundle));
+    const std::lock_guard lock(bundleMutex);
+    currentBundle() = withFacts(identifier, name, version);
 }
 
 } // namespace virlo

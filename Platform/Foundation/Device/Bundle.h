@@ -29,10 +29,9 @@ public:
     /// disk; an identifier that cannot be a file name raises an Exception.
     static void setMainBundle(const std::string& identifier, const std::string& name,
                               const std::string& version);
-    /// The bundle registered under the identifier, or nothing.
-    [[nodiscard]] static std::optional<Bundle> bundleWithIdentifier(const std::string& identifier);
-    /// Makes `bundle` available by its identifier and adds the two platform keys where they are missing.
-    static void registerBundle(Bundle bundle);
+    /// A bundle with these facts and the two of the platform.
+    [[nodiscard]] static Bundle withFacts(const std::string& identifier, const std::string& name,
+                                          const std::string& version);
 
 private:
     std::map<std::string, std::string> m_info;
