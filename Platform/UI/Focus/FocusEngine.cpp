@@ -6,8 +6,6 @@
 #include "View.h"
 #include "ViewController.h"
 
-#include <private/qquickitem_p.h>
-
 #include <algorithm>
 #include <tuple>
 #include <utility>
@@ -30,8 +28,8 @@ bool contains(const Container& container, const T& value)
     return std::find(container.begin(), container.end(), value) != container.end();
 }
 
-/// The views below `item` that can be focused, lowest first; those under a view that obscures focus are taken
-/// out again.
+/// The views below `item` that can be focused, lowest first; those under a view that obscures focus are
+/// removed again.
 void collectFocusable(const QQuickItem& item, const QQuickItem& root, std::vector<View*>& views)
 {
     if (!item.isVisible() || !item.isEnabled() || item.opacity() <= 0)
@@ -47,7 +45,7 @@ void collectFocusable(const QQuickItem& item, const QQuickItem& root, std::vecto
     }
     if (view != nullptr && !view->size().isEmpty() && view->canBecomeFocused())
         views.push_back(view);
-    for (const QQuickItem* child : QQuickItemPrivate::get(&item)->paintOrderChildItems())
+    for (const QQuickItem* child : View::childrenInPaintOrder(item))
         collectFocusable(*child, root, views);
 }
 
@@ -65,7 +63,10 @@ void collectEnvironments(const QQuickItem& item, std::vector<FocusEnvironment*>&
 
 } // namespace
 
-FocusEngine::FocusEngine(FocusEnvironment& root, View& rootView) : m_root(root), m_rootView(rootView)
+FocusEngine::FocusEngine(FocusEnvironment& root, View& rootView, std::function<void()> willMove)
+    : m_root(root)
+    , m_rootView(rootView)
+    , m_willMove(std::move(willMove))
 {
     m_rootView.m_engine = this;
     engines().push_back(this);
@@ -91,7 +92,7 @@ FocusEngine* FocusEngine::engineOf(const View& view)
     return nullptr;
 }
 
-void FocusEngine::viewGoes(View& view)
+void FocusEngine::viewIsDestroyed(View& view)
 {
     view.m_focusable = false;
     for (FocusEngine* engine : std::vector(engines())) {
@@ -166,7 +167,7 @@ FocusEngine::Environments FocusEngine::environmentsInTree() const
 
 View* FocusEngine::resolve(FocusEnvironment& environment, const Views& focusable) const
 {
-    constexpr int mostSteps = 32; // preferences may go in a circle
+    constexpr int mostSteps = 32; // preferences may form a cycle
     FocusEnvironment* at = &environment;
     View* found = contains(focusable, dynamic_cast<View*>(at)) ? static_cast<View*>(at) : nullptr;
     for (int step = 0; step < mostSteps; ++step) {
@@ -190,18 +191,18 @@ View* FocusEngine::firstInside(const FocusEnvironment& environment, const Views&
     for (View* view : focusable) {
         if (!contains(chainOf(view), &environment))
             continue;
-        const auto place = [this](const View* v) {
+        const auto position = [this](const View* v) {
             const QRectF rect = rectOf(*v);
             return std::tuple(rect.y(), rect.x());
         };
-        if (first == nullptr || place(view) < place(first))
+        if (first == nullptr || position(view) < position(first))
             first = view;
     }
     return first;
 }
 
-/// Who gets the focus that its view cannot keep. A container with no preference of its own has no say: what
-/// its controller prefers comes before its first view.
+/// The view that gets the focus when the focused one cannot keep it. A container without a preference of its
+/// own is skipped: its controller's preference comes before the container's first view.
 View* FocusEngine::successor(const Views& focusable) const
 {
     const Environments inTree = environmentsInTree();
@@ -238,9 +239,9 @@ bool FocusEngine::move(FocusHeading heading)
 
 void FocusEngine::setNeedsUpdate(FocusEnvironment& environment)
 {
-    if (contains(m_asking, &environment))
+    if (contains(m_requesting, &environment))
         return;
-    m_asking.push_back(&environment);
+    m_requesting.push_back(&environment);
     MainLoop::shared().post([root = QPointer(&m_rootView)] {
         if (root && root->m_engine != nullptr)
             root->m_engine->updateIfNeeded();
@@ -251,8 +252,8 @@ void FocusEngine::updateIfNeeded()
 {
     if (m_moving)
         return;
-    const Environments asking = std::exchange(m_asking, {});
-    for (FocusEnvironment* environment : asking) {
+    const Environments requesting = std::exchange(m_requesting, {});
+    for (FocusEnvironment* environment : requesting) {
         if (!contains(m_focused ? chainOf(m_focused) : environmentsInTree(), environment))
             continue;
         if (View* next = resolve(*environment, focusableViews()))
@@ -264,7 +265,7 @@ void FocusEngine::updateIfNeeded()
 void FocusEngine::validate()
 {
     if (m_moving) {
-        m_looksAgain = true;
+        m_validatesAgain = true;
         return;
     }
     const Views focusable = focusableViews();
@@ -281,8 +282,7 @@ bool FocusEngine::focus(View* next, FocusHeading heading, bool mayBeRefused)
 
     struct Concerned {
         FocusEnvironment* environment;
-        QPointer<View>
-            view; ///< controllers are destroyed in a later turn of the loop, views may go at any time
+        QPointer<View> view; ///< controllers are destroyed in a later turn of the loop, views at any time
         bool isView;
     };
 
@@ -308,6 +308,8 @@ bool FocusEngine::focus(View* next, FocusHeading heading, bool mayBeRefused)
         if (mayBeRefused && !refused && (!one.isView || one.view))
             refused = !one.environment->shouldUpdateFocusInContext(context);
     }
+    if (!refused)
+        m_willMove();
     if (!refused && (next == nullptr || nextGuard)) {
         context.previouslyFocusedView = m_focused;
         m_focused = next;
@@ -315,8 +317,7 @@ bool FocusEngine::focus(View* next, FocusHeading heading, bool mayBeRefused)
         follow(next);
         if (context.previouslyFocusedView != nullptr)
             context.previouslyFocusedView->setFocused(false);
-        // In this order a view that types text can pass the keys on to its text item when it hears of the
-        // focus.
+        // In this order a text field can pass the keys on to its text item when it is told of the focus.
         if (next != nullptr) {
             next->forceActiveFocus(Qt::OtherFocusReason);
             next->setFocused(true);
@@ -331,7 +332,7 @@ bool FocusEngine::focus(View* next, FocusHeading heading, bool mayBeRefused)
         refused = true;
     }
     m_moving = false;
-    if (std::exchange(m_looksAgain, false))
+    if (std::exchange(m_validatesAgain, false))
         validate();
     return !refused;
 }

@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QRectF>
 
+#include <functional>
 #include <vector>
 
 class QQuickItem;
@@ -16,38 +17,37 @@ namespace virlo
 class FocusEnvironment;
 class View;
 
-/// Keeps the focus of one presented screen: exactly one view is focused while any can be. A focused view that
-/// goes, is hidden or can no longer be focused hands the focus on at once, by the preferences of the
+/// Keeps the focus of one presented screen: exactly one view is focused while any can be. When the focused
+/// view is removed, hidden or can no longer be focused, the focus moves on at once, by the preferences of the
 /// environments around it from the innermost outwards; a view that becomes focusable while none is focused
 /// gets it. Owned by the presentation; main thread.
 ///
-/// A view can be focused where it `canBecomeFocused`, is visible and enabled with all its superviews, has
-/// some size, is not wholly transparent, nor any of its superviews, and does not lie under a visible view
-/// that obscures focus.
+/// A view can be focused if it `canBecomeFocused`, has a size, is visible, enabled and not fully transparent,
+/// with all its superviews, and does not lie under a visible view that obscures focus.
 class FocusEngine
 {
 public:
     /// `root` is the screen's own environment; its view is loaded and outlives the engine. Nothing is focused
-    /// until `validate`.
-    FocusEngine(FocusEnvironment& root, View& rootView);
+    /// until `validate`. `willMove` is called before each move of the focus.
+    FocusEngine(FocusEnvironment& root, View& rootView, std::function<void()> willMove);
     ~FocusEngine();
     FocusEngine(const FocusEngine&) = delete;
     FocusEngine& operator=(const FocusEngine&) = delete;
 
     [[nodiscard]] View* focusedView() const { return m_focused; }
 
-    /// Moves the focus by geometry; guides lead on. The answer tells whether it moved.
+    /// Moves the focus by geometry and guides; returns whether it moved.
     bool move(FocusHeading heading);
 
     void setNeedsUpdate(FocusEnvironment& environment);
     void updateIfNeeded();
-    /// Looks whether the focused view may keep the focus, and for one to have it where none has.
+    /// Checks whether the focused view may keep the focus, and finds one where none is focused.
     void validate();
 
-    /// The engine of the screen that shows `view`; null where it is on none.
+    /// The engine of the screen that shows `view`; null if none does.
     [[nodiscard]] static FocusEngine* engineOf(const View& view);
     /// Called by a view's destructor.
-    static void viewGoes(View& view);
+    static void viewIsDestroyed(View& view);
 
 private:
     struct Candidate {
@@ -74,12 +74,13 @@ private:
     FocusEnvironment& m_root;
     View& m_rootView;
     QPointer<View> m_focused;
-    Environments
-        m_asking; ///< like `m_around`, compared with what is in the tree before any use: they may be gone
-    Environments m_around; ///< what held the focused view, innermost first
+    std::function<void()> m_willMove;
+    // Both may hold destroyed environments: each is compared with those in the tree before it is used.
+    Environments m_requesting; ///< asked for an update
+    Environments m_around;     ///< held the focused view, innermost first
     std::vector<QMetaObject::Connection> m_connections;
     bool m_moving = false;
-    bool m_looksAgain = false;
+    bool m_validatesAgain = false;
 };
 
 } // namespace virlo

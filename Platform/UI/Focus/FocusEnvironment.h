@@ -6,14 +6,14 @@
 namespace virlo
 {
 
-/// A part of a screen that has a say in where the focus goes: every view and every view controller. Main
+/// A part of a screen that takes part in the choice of the focus: every view and every view controller. Main
 /// thread.
 class FocusEnvironment
 {
 public:
     virtual ~FocusEnvironment() = default;
 
-    /// The view that should get the focus when it comes to this environment; the search goes on with that
+    /// The view that should get the focus when it enters this environment; the search continues with that
     /// view's own preference until a view names itself. Null: the first focusable view inside, in reading
     /// order.
     [[nodiscard]] virtual View* preferredFocusedView() = 0;
@@ -23,21 +23,20 @@ public:
     /// is not asked.
     [[nodiscard]] virtual bool shouldUpdateFocusInContext(const FocusUpdateContext& context);
 
-    /// Told to the same environments in the same order, after the move.
+    /// Called on the same environments in the same order, after the move.
     virtual void didUpdateFocusInContextWithAnimationCoordinator(const FocusUpdateContext& context,
                                                                  FocusAnimationCoordinator& coordinator);
 
-    /// Asks that the focus be placed anew by this environment's preference, in a later turn of the main loop
-    /// or at the next `updateFocusIfNeeded`. Has no effect while a view outside this environment has the
-    /// focus.
+    /// Requests that the focus move to this environment's preference, in a later turn of the main loop or at
+    /// the next `updateFocusIfNeeded`. No effect while a view outside this environment has the focus.
     void setNeedsFocusUpdate();
-    /// Does at once what a `setNeedsFocusUpdate` of any environment of the screen has asked for.
+    /// Applies at once the requests of all environments of the screen.
     void updateFocusIfNeeded();
 
 protected:
     /// The view whose tree this environment spans; null while it has none.
     [[nodiscard]] virtual View* focusEnvironmentView() = 0;
-    /// The environment around this one.
+    /// The environment that contains this one.
     [[nodiscard]] virtual FocusEnvironment* parentFocusEnvironment() = 0;
 
     friend class FocusEngine;

@@ -38,8 +38,8 @@ Extent along(FocusHeading heading, const QRectF& r)
 
 int bestFocusCandidate(const QRectF& from, FocusHeading heading, const std::vector<QRectF>& candidates)
 {
-    // Neighbours that touch or overlap by a hair's breadth, as under a scale, are beside the beam.
-    constexpr double hair = 0.5;
+    // Neighbours that touch or overlap by less than a point, as under a scale, are beside the beam.
+    constexpr double leastOverlap = 0.5;
     if (heading == FocusHeading::None)
         return -1;
     const Extent here = along(heading, from);
@@ -51,7 +51,7 @@ int bestFocusCandidate(const QRectF& from, FocusHeading heading, const std::vect
             continue;
         const double ahead = std::max(0.0, there.near - here.far);
         const double across = std::max({0.0, there.low - here.high, here.low - there.high});
-        const bool outside = std::min(there.high, here.high) - std::max(there.low, here.low) <= hair;
+        const bool outside = std::min(there.high, here.high) - std::max(there.low, here.low) <= leastOverlap;
         const double offMiddle = std::abs((there.low + there.high) - (here.low + here.high)) / 2;
         const std::tuple score(outside, outside ? ahead + 2 * across : ahead, offMiddle);
         if (best < 0 || score < bestScore) {

@@ -7,10 +7,9 @@
 namespace virlo
 {
 
-/// An unseen area that leads the focus: an arrow key that would reach the area gives the focus to its
-/// preferred view instead. Laid out like any item (in QML by anchors and bindings). Without effect while its
-/// preferred view has the focus already, cannot take it or is gone, and while the guide is not `enabled`.
-/// Main thread.
+/// An invisible area that redirects the focus: an arrow key that would reach the area focuses its preferred
+/// view instead. Laid out like any item. No effect while its preferred view is focused already, cannot be
+/// focused or is destroyed, and while the guide is not `enabled`. Main thread.
 class FocusGuide : public QQuickItem
 {
     Q_OBJECT

@@ -7,12 +7,12 @@
 namespace virlo
 {
 
-/// Something that hears of presses. A press goes to the focused view first; who does not override an
-/// operation passes it on to the next responder: a view to its view controller if it is that controller's
-/// view, else to its superview; a view controller to the superview of its view. Arrow presses move the focus
-/// and are not delivered. Every press that began ends once: as ended on key up, or as cancelled where the key
-/// up cannot come any more (the screen is dismissed, the window loses the keys, the view that began it is
-/// gone: then the next responder up hears of it). A key held down does not repeat a press. Main thread.
+/// Handles presses. A press goes to the focused view first; each operation passes it on to the next responder
+/// unless overridden: a view to its view controller if it is that controller's view, else to its superview; a
+/// view controller to the superview of its view. Arrow presses move the focus and are not delivered. Every
+/// press that began ends once: as ended on key up, or as cancelled (the focus moved meanwhile, the screen is
+/// dismissed, the window lost the keys, the view that began it is destroyed: then the next responder is
+/// told). A key held down does not repeat a press. Main thread.
 class Responder
 {
 public:

@@ -8,9 +8,10 @@
 namespace virlo
 {
 
-/// Calls its action when a press of an allowed type has begun and ended while it was on a view of the focused
-/// view's chain (`View::addGestureRecognizer`). The recogniser nearest to the focused view takes the press;
-/// responders do not hear of it. The action may remove the recogniser and dismiss the screen. Main thread.
+/// Calls its action when a press of an allowed type has begun and ended while it was attached to the focused
+/// view or one of its superviews (`View::addGestureRecognizer`). The recogniser nearest to the focused view
+/// takes the press; responders are not told of it. The action may remove the recogniser and dismiss the
+/// screen. Main thread.
 class TapRecognizer
 {
 public:

@@ -1,4 +1,4 @@
-#include "PressDelivery.h"
+#include "PressDispatcher.h"
 
 #include "TapRecognizer.h"
 #include "View.h"
@@ -9,15 +9,15 @@
 namespace virlo
 {
 
-PressDelivery::PressDelivery(View& root) : m_root(&root) {}
+PressDispatcher::PressDispatcher(View& root) : m_root(&root) {}
 
-bool PressDelivery::isOnScreen(const View* view) const
+bool PressDispatcher::isOnScreen(const View* view) const
 {
     return view != nullptr && m_root && view->isDescendantOf(*m_root) && view->isVisible() &&
            view->isEnabled();
 }
 
-void PressDelivery::begin(int key, PressType type, View& first)
+void PressDispatcher::begin(int key, PressType type, View& first)
 {
     if (m_held.count(key) > 0)
         return;
@@ -40,7 +40,7 @@ void PressDelivery::begin(int key, PressType type, View& first)
         first.pressesBegan({{type}});
 }
 
-void PressDelivery::end(int key)
+void PressDispatcher::end(int key)
 {
     const auto found = m_held.find(key);
     if (found == m_held.end())
@@ -50,13 +50,28 @@ void PressDelivery::end(int key)
     finish(held, false);
 }
 
-void PressDelivery::cancelAll()
+void PressDispatcher::cancelAll()
 {
     for (const auto& [key, held] : std::exchange(m_held, {}))
         finish(held, true);
 }
 
-void PressDelivery::finish(const Held& held, bool cancelled)
+void PressDispatcher::cancelDelivered()
+{
+    std::vector<Held> delivered;
+    for (auto entry = m_held.begin(); entry != m_held.end();) {
+        if (entry->second.recognizer) {
+            ++entry;
+            continue;
+        }
+        delivered.push_back(std::move(entry->second));
+        entry = m_held.erase(entry);
+    }
+    for (const Held& held : delivered)
+        finish(held, true);
+}
+
+void PressDispatcher::finish(const Held& held, bool cancelled)
 {
     if (held.recognizer) {
         const View* view = held.recognizerView;

@@ -14,19 +14,22 @@ namespace virlo
 class TapRecognizer;
 class View;
 
-/// Brings presses from keys to recognisers and responders and sees that each that began ends. One for a
-/// presentation; main thread. Any call may end the presentation; the object then outlives the call and
+/// Delivers presses from keys to recognisers and responders and makes sure that each one that began ends. One
+/// for a presentation; main thread. Any call may end the presentation; the object then outlives the call and
 /// delivers nothing more after `cancelAll`.
-class PressDelivery
+class PressDispatcher
 {
 public:
     /// `root` is the screen's view.
-    explicit PressDelivery(View& root);
+    explicit PressDispatcher(View& root);
 
-    /// `first` is the focused view, or the root where none is. A key that is down already begins nothing.
+    /// `first` is the focused view, or the root if none is. A key that is down already is ignored.
     void begin(int key, PressType type, View& first);
     void end(int key);
     void cancelAll();
+    /// Cancels the held presses that responders have been told of; a press that a recogniser waits for, such
+    /// as Menu, goes on.
+    void cancelDelivered();
 
 private:
     struct Held {
