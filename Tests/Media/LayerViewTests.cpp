@@ -2,7 +2,6 @@
 
 #include "HostWindow.h"
 #include "MediaTest.h"
-#include "PictureNode.h"
 #include "RowName.h"
 #include "Settle.h"
 
@@ -171,25 +170,6 @@ TEST_F(WideWindow, ShowsAPictureThatFitsPixelByPixelUnderAScaleToo)
     view->setFrame({0, 0, 960, 540});
     EXPECT_NE(window.picture(), plain) << "smaller than its pixels";
     view->setParentItem(nullptr);
-}
-
-TEST_F(WideWindow, TakesEveryScaleOfACanvasBackToTwelveDigits)
-{
-    static_cast<void>(window.picture());
-    for (const double scale :
-         {1280 / 1920.0, 1366 / 1920.0, 960 / 1920.0, 720 / 1080.0 * 0.9, 3840 / 1920.0}) {
-        QQuickItem canvas(window.contentItem());
-        canvas.setScale(scale);
-        PictureNode node(window, false);
-        node.setPicture(QImage(1280, 720, QImage::Format_RGB32));
-        node.setPlace({30, 60, 1280 / scale, 720 / scale}, canvas);
-        const auto kept = static_cast<float>(scale);
-        const auto* const inner = static_cast<QSGTransformNode*>(node.firstChild());
-        const QTransform whole =
-            inner->matrix().toTransform() * node.matrix().toTransform() * QTransform::fromScale(kept, kept);
-        EXPECT_EQ(whole.type(), QTransform::TxTranslate) << scale;
-        EXPECT_NEAR(whole.dx(), 30 * scale, 1e-4);
-    }
 }
 
 TEST_F(WideWindow, ShowsEveryPictureOfAClip)

@@ -1,6 +1,6 @@
 #include "PlayerLayerView.h"
 
-#include "PictureNode.h"
+#include "ImageNode.h"
 #include "QueuePlayer.h"
 
 #include <QImage>
@@ -63,7 +63,7 @@ QRectF PlayerLayerView::videoRect() const
 
 QSGNode* PlayerLayerView::updateContentNode(QSGNode* old)
 {
-    auto* node = static_cast<PictureNode*>(old);
+    auto* node = static_cast<ImageNode*>(old);
     // A window that comes and goes takes the nodes with it.
     const bool isWanted = std::exchange(m_hasNewFrame, false) || node == nullptr;
     const auto frame = isWanted && m_player ? m_player->takeFrame() : nullptr;
@@ -74,10 +74,10 @@ QSGNode* PlayerLayerView::updateContentNode(QSGNode* old)
         return nullptr;
     }
     if (node == nullptr)
-        node = new PictureNode(*window(), false);
+        node = new ImageNode(*window());
     if (frame)
-        node->setPicture(imageOf(frame));
-    node->setPlace(videoRect(), *this);
+        node->setImage(imageOf(frame));
+    node->setRect(videoRect());
     return node;
 }
 

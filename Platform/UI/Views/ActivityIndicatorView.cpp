@@ -20,7 +20,7 @@ constexpr int spokes = 12;
 
 } // namespace
 
-/// The wheel's picture, drawn once and turned by steps of one spoke.
+/// The wheel's image, drawn once and turned by steps of one spoke.
 class ActivityIndicatorView::Wheel : public PaintedView
 {
 public:
@@ -51,8 +51,8 @@ ActivityIndicatorView::ActivityIndicatorView(QQuickItem* superview)
 {
     setImplicitSize(usualSize, usualSize);
     m_wheel->setVisible(false);
-    m_step.setInterval(1000 / spokes);
-    connect(&m_step, &QTimer::timeout, m_wheel,
+    m_timer.setInterval(1000 / spokes);
+    connect(&m_timer, &QTimer::timeout, m_wheel,
             [this] { m_wheel->setRotation(std::fmod(m_wheel->rotation() + 360.0 / spokes, 360)); });
 }
 
@@ -76,7 +76,7 @@ void ActivityIndicatorView::startAnimating()
     if (std::exchange(m_animating, true))
         return;
     m_wheel->setVisible(true);
-    spinWhereSeen();
+    updateTimer();
     emit animatingChanged();
 }
 
@@ -85,17 +85,17 @@ void ActivityIndicatorView::stopAnimating()
     if (!std::exchange(m_animating, false))
         return;
     m_wheel->setVisible(false);
-    spinWhereSeen();
+    updateTimer();
     emit animatingChanged();
 }
 
-void ActivityIndicatorView::spinWhereSeen()
+void ActivityIndicatorView::updateTimer()
 {
-    const bool seen = m_animating && isVisible() && window() != nullptr && window()->isVisible();
-    if (seen && !m_step.isActive())
-        m_step.start();
-    else if (!seen)
-        m_step.stop();
+    const bool spins = m_animating && isVisible() && window() != nullptr && window()->isVisible();
+    if (spins && !m_timer.isActive())
+        m_timer.start();
+    else if (!spins)
+        m_timer.stop();
 }
 
 void ActivityIndicatorView::itemChange(ItemChange change, const ItemChangeData& data)
@@ -105,10 +105,10 @@ void ActivityIndicatorView::itemChange(ItemChange change, const ItemChangeData& 
         disconnect(m_windowShown);
         if (data.window != nullptr)
             m_windowShown =
-                connect(data.window, &QWindow::visibleChanged, this, &ActivityIndicatorView::spinWhereSeen);
+                connect(data.window, &QWindow::visibleChanged, this, &ActivityIndicatorView::updateTimer);
     }
     if (change == ItemSceneChange || change == ItemVisibleHasChanged)
-        spinWhereSeen();
+        updateTimer();
 }
 
 void ActivityIndicatorView::geometryChange(const QRectF& now, const QRectF& before)

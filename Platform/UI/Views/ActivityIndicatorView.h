@@ -7,8 +7,8 @@
 namespace virlo
 {
 
-/// A spinning wheel, 74 × 74 points unless sized otherwise. It takes no time of the processor while it does
-/// not animate or cannot be seen, and is not visible at all while it does not animate.
+/// A spinning wheel, 74 × 74 points by default. It is visible only while it animates, and uses no CPU while
+/// it does not animate or is not visible.
 class ActivityIndicatorView : public virlo::View
 {
     Q_OBJECT
@@ -39,10 +39,10 @@ protected:
 private:
     class Wheel;
 
-    void spinWhereSeen();
+    void updateTimer();
 
     Wheel* m_wheel;
-    QTimer m_step;
+    QTimer m_timer;
     QMetaObject::Connection m_windowShown;
     bool m_animating = false;
 };

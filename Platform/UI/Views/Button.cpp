@@ -21,8 +21,8 @@ constexpr double iconGap = 12;
 
 } // namespace
 
-/// The focus ring: a round line outside the button's edge between two black ones, so that it stands out on
-/// any picture and from any button.
+/// The focus ring: a rounded line outside the button's edge between two black ones, so that it is visible on
+/// any image and beside any button.
 class Button::Ring : public PaintedView
 {
 public:
@@ -30,8 +30,9 @@ public:
 
     void fit()
     {
-        const double reach = gap + m_width + dark;
-        setFrame(QRectF(0, 0, m_button.width(), m_button.height()).adjusted(-reach, -reach, reach, reach));
+        const double extent = gap + m_width + dark;
+        setFrame(
+            QRectF(0, 0, m_button.width(), m_button.height()).adjusted(-extent, -extent, extent, extent));
         setNeedsDisplay();
     }
 

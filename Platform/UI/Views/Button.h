@@ -11,9 +11,9 @@ class Image;
 class ImageView;
 class Label;
 
-/// A control with an icon and a title side by side, centred. While focused it wears a ring outside its edge,
-/// so that the focus shows on any picture; the lift (scale and shadow) is its screen's to give. Its title is
-/// its accessible name where none was set.
+/// A control with an icon and a title side by side, centred. While focused it has a ring outside its edge, so
+/// that the focus is visible on any image; its screen adds the lift (scale and shadow). Its title is its
+/// accessible name where none was set.
 class Button : public virlo::Control
 {
     Q_OBJECT

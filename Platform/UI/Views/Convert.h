@@ -16,7 +16,7 @@ class URL;
 /// The platform's values as Qt's, and back. Colours are clamped to what QColor holds (0 to 1 in each part).
 [[nodiscard]] QColor toQColor(const Color& color);
 [[nodiscard]] Color toColor(const QColor& color);
-/// UTF-8; bytes that are none become replacement characters.
+/// From UTF-8; invalid bytes become replacement characters.
 [[nodiscard]] QString toQString(std::string_view text);
 [[nodiscard]] QUrl toQUrl(const URL& url);
 

@@ -16,7 +16,7 @@ namespace virlo
 class FontWarmUp::State
 {
 public:
-    void look()
+    void read()
     {
         const std::lock_guard lock(running);
         const QtWork work;
@@ -51,7 +51,7 @@ void FontWarmUp::start(std::function<void()> done)
     if (std::exchange(m_state->started, true))
         return;
     GlobalQueue::standard().async([state = m_state] {
-        state->look();
+        state->read();
         MainLoop::shared().post([state] {
             state->done = true;
             for (const auto& one : std::exchange(state->waiting, {}))

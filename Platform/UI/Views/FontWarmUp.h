@@ -6,13 +6,14 @@
 namespace virlo
 {
 
-/// Has the device's fonts looked through once, off the main thread: the first text of a program waits for
-/// that, some five to twenty milliseconds. Main thread.
+/// Reads the device's fonts once, off the main thread: the first text of a program waits for that, five to
+/// twenty milliseconds, or hundreds where fontconfig has no cache yet. Qt's font lock is held meanwhile, so
+/// text is created after `done` (ViewController::prepareView). Main thread.
 class FontWarmUp
 {
 public:
     FontWarmUp();
-    /// Waits for a look-through under way (one that has not begun never does): Qt's fonts end with the
+    /// Waits for reading that is in progress, and prevents one that has not begun: Qt's fonts end with the
     /// application.
     ~FontWarmUp();
 

@@ -1,14 +1,15 @@
 #include "Image.h"
 
-#include "PictureMemory.h"
 #include "QtWork.h"
 
 #include <QBuffer>
 #include <QImageReader>
 
+#include <sys/mman.h>
+
 #include <algorithm>
 #include <array>
-#include <cstdint>
+#include <cstddef>
 #include <memory>
 #include <utility>
 
@@ -20,54 +21,29 @@ namespace
 
 constexpr int maximumSide = 32767;
 
-/// A cut-off JPEG decodes without an error, grey where the rest is missing: only its end mark tells that it
-/// is whole.
-bool isWholeJpeg(std::string_view bytes)
+/// An image on memory pages of its own, which go back to the system with it: the heap would keep the
+/// megabytes that a large image leaves. 32 bits a pixel; null where there is no memory.
+QImage imageOnOwnPages(QSize size, QImage::Format format)
 {
-    const auto byte = [&](std::size_t at) { return static_cast<std::uint8_t>(bytes[at]); };
-    std::size_t at = 2;
-    while ((at = bytes.find('\xFF', at)) < bytes.size() && at + 1 < bytes.size()) {
-        const std::uint8_t mark = byte(at + 1);
-        if (mark == 0xD9)
-            return true;
-        const bool standsAlone =
-            mark == 0x00 || mark == 0x01 || mark == 0xFF || (mark >= 0xD0 && mark <= 0xD8);
-        if (standsAlone) {
-            at += mark == 0xFF ? 1 : 2;
-            continue;
-        }
-        if (at + 3 >= bytes.size())
-            return false;
-        at += 2 + (std::size_t{byte(at + 2)} << 8 | byte(at + 3));
-    }
-    return false;
-}
+    struct Pages {
+        void* address;
+        std::size_t length;
+    };
 
-/// As for JPEG; the size of the file stands in its head, or 0.
-bool isWholeBitmap(std::string_view bytes)
-{
-    std::size_t size = 0;
-    for (std::size_t at = 5; at >= 2; --at)
-        size = size << 8 | (at < bytes.size() ? static_cast<std::uint8_t>(bytes[at]) : 0xFFU);
-    return size <= bytes.size();
-}
-
-/// A picture over memory of its own. Null where there is none. 32 bits a pixel.
-QImage mappedImage(QSize size, QImage::Format format)
-{
     const qsizetype bytesPerLine = qsizetype{size.width()} * 4;
-    const auto block = PictureMemory::take(static_cast<std::size_t>(bytesPerLine * size.height()));
-    if (block.address == nullptr)
+    const auto length = static_cast<std::size_t>(bytesPerLine * size.height());
+    void* const address = mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (address == MAP_FAILED)
         return {};
     const auto release = [](void* info) {
-        const std::unique_ptr<PictureMemory::Block> taken(static_cast<PictureMemory::Block*>(info));
-        PictureMemory::giveBack(*taken);
+        const std::unique_ptr<Pages> pages(static_cast<Pages*>(info));
+        munmap(pages->address, pages->length);
     };
-    return {static_cast<uchar*>(block.address), size.width(), size.height(), bytesPerLine, format, release,
-            new PictureMemory::Block(block)};
+    return {static_cast<uchar*>(address), size.width(), size.height(), bytesPerLine, format, release,
+            new Pages{address, length}};
 }
 
-bool isWorthMapping(QSize size)
+bool isLarge(QSize size)
 {
     constexpr qsizetype leastPixels = 65536;
     return qsizetype{size.width()} * size.height() >= leastPixels;
@@ -100,7 +76,7 @@ QSize sizeCovering(QSize original, QSize target)
     return scaled.width() < original.width() ? scaled : original;
 }
 
-/// `target` is empty for the picture's own size.
+/// `target` is empty for the image's own size.
 QImage read(std::string_view bytes, QSize target)
 {
     const QtWork work;
@@ -113,13 +89,10 @@ QImage read(std::string_view bytes, QSize target)
     reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);
     const QByteArray format = reader.format();
-    // Other formats that a device has plug-ins for are no ad pictures, and some (SVG) read files.
+    // Other formats that a device has plug-ins for are no ad images, and some (SVG) read files.
     constexpr std::array formats{"png", "jpeg", "gif", "bmp", "webp"};
     if (std::find(formats.begin(), formats.end(), format) == formats.end())
         return {};
-    if ((format == "jpeg" && !isWholeJpeg(bytes)) || (format == "bmp" && !isWholeBitmap(bytes)))
-        return {};
-
     const QSize size = reader.size();
     if (size.isEmpty() || size.width() > maximumSide || size.height() > maximumSide ||
         static_cast<long long>(size.width()) * size.height() > Image::maximumPixels)
@@ -130,26 +103,16 @@ QImage read(std::string_view bytes, QSize target)
     if (wanted != size)
         reader.setScaledSize(wanted);
 
-    // Qt decodes into the picture that it is given where size and format are right.
+    // Qt decodes into the image that it is given where size and format are right.
     const QImage::Format decoded = reader.imageFormat();
     QImage image;
-    if (isWorthMapping(wanted) && (decoded == QImage::Format_RGB32 || decoded == QImage::Format_ARGB32))
-        image = mappedImage(wanted, decoded);
-    const uchar* const mapped = image.constBits();
+    if (isLarge(wanted) && (decoded == QImage::Format_RGB32 || decoded == QImage::Format_ARGB32))
+        image = imageOnOwnPages(wanted, decoded);
     if (!reader.read(&image))
         return {};
     if (image.format() == QImage::Format_ARGB32)
         premultiplyInPlace(image);
-    else
-        image = inSceneFormat(std::move(image));
-    if (image.constBits() == mapped || !isWorthMapping(image.size()))
-        return image;
-    QImage copy = mappedImage(image.size(), image.format());
-    if (copy.isNull())
-        return image;
-    for (int y = 0; y < image.height(); ++y)
-        std::copy_n(image.constScanLine(y), copy.bytesPerLine(), copy.scanLine(y));
-    return copy;
+    return image;
 }
 
 } // namespace
@@ -174,6 +137,15 @@ std::shared_ptr<const Image> Image::decode(std::string_view bytes)
 std::shared_ptr<const Image> Image::decodeCovering(std::string_view bytes, int width, int height)
 {
     return fromQImage(read(bytes, QSize(width, height)));
+}
+
+std::shared_ptr<const Image> Image::covering(int width, int height) const
+{
+    const QtWork work;
+    const QSize wanted = sizeCovering(m_image.size(), QSize(width, height));
+    if (!work.mayBegin() || wanted == m_image.size())
+        return shared_from_this();
+    return fromQImage(m_image.scaled(wanted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
 }
 
 std::shared_ptr<const Image> Image::named(const std::string& resourcePath)

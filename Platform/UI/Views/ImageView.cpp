@@ -19,25 +19,25 @@ struct Placement {
     QRectF target;
 };
 
-Placement place(QSizeF picture, QSizeF view, ImageView::ContentMode mode)
+Placement place(QSizeF image, QSizeF view, ImageView::ContentMode mode)
 {
-    const QRectF whole(QPointF(), picture);
+    const QRectF whole(QPointF(), image);
     const QRectF bounds(QPointF(), view);
     QSizeF size = view;
     if (mode == ImageView::ContentMode::AspectFit)
-        size = picture.scaled(view, Qt::KeepAspectRatio);
+        size = image.scaled(view, Qt::KeepAspectRatio);
     else if (mode == ImageView::ContentMode::AspectFill)
-        size = picture.scaled(view, Qt::KeepAspectRatioByExpanding);
+        size = image.scaled(view, Qt::KeepAspectRatioByExpanding);
     else if (mode == ImageView::ContentMode::Center)
-        size = picture;
+        size = image;
     QRectF target(QPointF(), size);
     target.moveCenter(bounds.center());
-    // A picture at its own size stays on whole points, and so sharp.
-    if (size == picture)
+    // An image at its own size stays on whole points, and so sharp.
+    if (size == image)
         target.moveTopLeft(QPointF(std::floor(target.x()), std::floor(target.y())));
     const QRectF visible = target.intersected(bounds);
-    const double x = picture.width() / size.width();
-    const double y = picture.height() / size.height();
+    const double x = image.width() / size.width();
+    const double y = image.height() / size.height();
     const QRectF source((visible.x() - target.x()) * x, (visible.y() - target.y()) * y, visible.width() * x,
                         visible.height() * y);
     return {source.intersected(whole), visible};

@@ -9,9 +9,9 @@ namespace virlo
 
 class Image;
 
-/// Shows an Image. The texture is made when a frame needs it and goes with the image or the view; the
-/// picture's memory is shared with the Image, not copied, on the software backend. `cornerRadius` rounds an
-/// image that fills the view, as it does the background. An empty view draws its background alone.
+/// Shows an Image. The texture is made when a frame needs it and destroyed with the image or the view; on the
+/// software backend it shares the Image's memory. `cornerRadius` rounds an image that fills the view, as it does
+/// the background. An empty view draws only its background.
 class ImageView : public virlo::View
 {
     Q_OBJECT
@@ -20,8 +20,7 @@ class ImageView : public virlo::View
     Q_PROPERTY(bool hasImage READ hasImage NOTIFY imageChanged FINAL)
 
 public:
-    /// Fill stretches; AspectFit leaves room, AspectFill cuts off what overflows; Center keeps the picture's
-    /// own size and cuts off what overflows.
+    /// Fill stretches; AspectFit leaves room; AspectFill crops; Center keeps the image's own size and crops.
     enum class ContentMode { Fill, AspectFit, AspectFill, Center };
     Q_ENUM(ContentMode)
 

@@ -10,6 +10,9 @@ namespace virlo
 
 Label::Label(QQuickItem* superview) : View(superview), m_text(new QQuickText(this))
 {
+    // Always explicit, and first of all: without an alignment of its own, an empty text asks the input method for
+    // its direction, which crashes on a Wayland display without a seat.
+    alignByScript();
     m_text->setTextFormat(QQuickText::PlainText);
     m_text->setElideMode(QQuickText::ElideRight);
     m_text->setVAlign(QQuickText::AlignVCenter);
@@ -30,7 +33,14 @@ void Label::setText(const QString& text)
     if (text == m_text->text())
         return;
     m_text->setText(text);
+    alignByScript();
     emit textChanged();
+}
+
+void Label::alignByScript()
+{
+    if (m_alignsByScript)
+        m_text->setHAlign(text().isRightToLeft() ? QQuickText::AlignRight : QQuickText::AlignLeft);
 }
 
 QColor Label::textColor() const
@@ -78,10 +88,10 @@ void Label::setTextAlignment(Qt::Alignment alignment)
 {
     const int horizontal = (alignment & Qt::AlignHorizontal_Mask).toInt();
     const int vertical = (alignment & Qt::AlignVertical_Mask).toInt();
-    if (horizontal != 0)
+    m_alignsByScript = horizontal == 0;
+    if (!m_alignsByScript)
         m_text->setHAlign(static_cast<QQuickText::HAlignment>(horizontal));
-    else
-        m_text->resetHAlign();
+    alignByScript();
     m_text->setVAlign(vertical != 0 ? static_cast<QQuickText::VAlignment>(vertical)
                                     : QQuickText::AlignVCenter);
     emit styleChanged();

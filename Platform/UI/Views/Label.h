@@ -7,7 +7,7 @@ class QQuickText;
 namespace virlo
 {
 
-/// Plain text; what looks like markup is shown as it stands. Too long a text ends in an ellipsis.
+/// Plain text; markup is shown as text. Text that is too long ends in an ellipsis.
 class Label : public virlo::View
 {
     Q_OBJECT
@@ -49,7 +49,10 @@ protected:
     void geometryChange(const QRectF& now, const QRectF& before) override;
 
 private:
+    void alignByScript();
+
     QQuickText* m_text;
+    bool m_alignsByScript = true;
     double m_fontSize = 34;
 };
 

@@ -32,7 +32,7 @@ LayerItem::LayerItem(QQuickItem* parent) : QQuickItem(parent), m_layer(std::make
 LayerItem::~LayerItem()
 {
     for (const auto& [property, target] : std::exchange(m_layer->targets, {}))
-        target.animation->letGo(*this, property);
+        target.animation->release(*this, property);
 }
 
 void LayerItem::set(AnimatableProperty property, const AnimatableValue& value)
@@ -43,7 +43,7 @@ void LayerItem::set(AnimatableProperty property, const AnimatableValue& value)
         if (running->second.animation != collecting) {
             ViewAnimation* before = running->second.animation;
             m_layer->targets.erase(running);
-            before->letGo(*this, property);
+            before->release(*this, property);
         }
     } else if (value == shown(property)) {
         return;

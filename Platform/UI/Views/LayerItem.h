@@ -18,13 +18,12 @@ class ViewLayer;
 enum class AnimatableProperty;
 using AnimatableValue = std::array<double, 6>;
 
-/// The look of a View: where it stands, its background with round corners, its shadow, its transform.
-/// Everything is drawn on Qt Quick's software backend as on the others, smooth under scale. Owned as the view
-/// that it is the base of; main thread.
+/// The appearance of a View: frame, background with round corners, shadow, transform. Everything is drawn
+/// alike on Qt Quick's software backend and on the others, smooth under scale. Main thread.
 ///
 /// `frame` is in the superview's points before the transform, which applies about the centre. Properties
-/// marked animatable move when set inside `Animation::animate`; they answer what was set last, not what
-/// stands on the screen on the way.
+/// marked animatable are animated when set inside `Animation::animate`; they return the value set last, not
+/// the one shown meanwhile.
 class LayerItem : public QQuickItem
 {
     Q_OBJECT
@@ -55,7 +54,7 @@ public:
     [[nodiscard]] double cornerRadius() const;
     void setCornerRadius(double radius);
     /// The shadow has the shape of the view's rounded bounds; it is drawn while its opacity and colour are
-    /// not clear.
+    /// not transparent.
     [[nodiscard]] QColor shadowColor() const; ///< animatable; black at first
     void setShadowColor(const QColor& color);
     [[nodiscard]] QPointF shadowOffset() const; ///< animatable
@@ -69,9 +68,8 @@ signals:
     void layerChanged();
 
 protected:
-    /// What the view shows between its background and its subviews: `node` as last answered, changed or
-    /// replaced (and then deleted); null for nothing. Called on the render thread while the main thread
-    /// waits.
+    /// The node between the background and the subviews: `node`, which was returned last, changed or deleted
+    /// and replaced; null for nothing. Called on the render thread while the main thread waits.
     virtual QSGNode* updateContentNode(QSGNode* node);
 
     QSGNode* updatePaintNode(QSGNode* node, UpdatePaintNodeData* data) final;

@@ -9,8 +9,8 @@ namespace virlo
 
 class Image;
 
-/// An image drawn once for the pixels that it takes: over something that moves it is blended without being
-/// scaled each time. For what stands still and is small. Main thread.
+/// An image that is scaled once to the window's pixels: over a video it is then blended without being scaled
+/// for each frame. For small images that rarely change. Main thread.
 class PaintedImageView : public PaintedView
 {
     Q_OBJECT

@@ -1,6 +1,6 @@
 #include "PaintedView.h"
 
-#include "PictureNode.h"
+#include "ImageNode.h"
 
 #include <QPainter>
 #include <QQuickWindow>
@@ -34,21 +34,21 @@ double PaintedView::resolution() const
 void PaintedView::updatePolish()
 {
     if (window() == nullptr || size().isEmpty()) {
-        m_picture = {};
+        m_drawing = {};
     } else {
         const double scale = m_resolution = resolution();
         const QSize pixels(static_cast<int>(std::ceil(width() * scale)),
                            static_cast<int>(std::ceil(height() * scale)));
-        if (m_picture.size() != pixels || !m_picture.isDetached())
-            m_picture = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
-        m_picture.fill(Qt::transparent);
-        QPainter painter(&m_picture);
+        if (m_drawing.size() != pixels || !m_drawing.isDetached())
+            m_drawing = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
+        m_drawing.fill(Qt::transparent);
+        QPainter painter(&m_drawing);
         painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform |
                                QPainter::TextAntialiasing);
         painter.scale(scale, scale);
         paint(painter);
     }
-    m_textureIsStale = true;
+    m_drawingIsNew = true;
     update();
 }
 
@@ -69,18 +69,18 @@ void PaintedView::itemChange(ItemChange change, const ItemChangeData& data)
 
 QSGNode* PaintedView::updateContentNode(QSGNode* old)
 {
-    auto* node = static_cast<PictureNode*>(old);
-    if (m_picture.isNull()) {
+    auto* node = static_cast<ImageNode*>(old);
+    if (m_drawing.isNull()) {
         delete node;
         return nullptr;
     }
     const bool isNew = node == nullptr;
     if (isNew)
-        node = new PictureNode(*window(), true);
-    if (std::exchange(m_textureIsStale, false) || isNew)
-        node->setPicture(m_picture);
-    // Of whole pixels: up to one more than the view.
-    node->setPlace(QRectF(QPointF(), QSizeF(m_picture.size()) / m_resolution), *this);
+        node = new ImageNode(*window());
+    if (std::exchange(m_drawingIsNew, false) || isNew)
+        node->setImage(m_drawing);
+    // In whole pixels: up to one more than the view's size.
+    node->setRect(QRectF(QPointF(), QSizeF(m_drawing.size()) / m_resolution));
     return node;
 }
 

@@ -11,7 +11,7 @@ namespace virlo
 
 /// A view whose content is drawn by QPainter, antialiased and smooth under scale, above its background.
 /// `paint` is called on the main thread, only after `setNeedsDisplay`, a change of size or of the window's
-/// scale; nothing is drawn at rest.
+/// scale.
 class PaintedView : public virlo::View
 {
     Q_OBJECT
@@ -36,9 +36,9 @@ protected:
     QSGNode* updateContentNode(QSGNode* node) override;
 
 private:
-    QImage m_picture;
-    double m_resolution = 1; ///< of the picture
-    bool m_textureIsStale = false;
+    QImage m_drawing;
+    double m_resolution = 1; ///< of the drawing
+    bool m_drawingIsNew = false;
 };
 
 } // namespace virlo

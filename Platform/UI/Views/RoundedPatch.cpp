@@ -33,7 +33,7 @@ void meanPass(std::vector<float>& samples, int lines, int lineStride, int length
     }
 }
 
-/// Three means come within a few percent of a Gaussian.
+/// Three running means approximate a Gaussian to a few percent.
 void blurAlpha(QImage& image, double deviation)
 {
     const int radius =
@@ -74,19 +74,19 @@ QImage tinted(const QImage& alpha, QRgb color)
 
 RoundedPatch::~RoundedPatch() = default;
 
-RoundedPatch::Picture RoundedPatch::draw(const RoundedShape& shape)
+RoundedPatch::Patch RoundedPatch::draw(const RoundedShape& shape)
 {
     const double corner = std::min({shape.corner, shape.size.width() / 2, shape.size.height() / 2});
-    Picture picture;
-    picture.outset = std::ceil(3 * shape.blur);
-    picture.inset = std::ceil(std::max(corner, picture.outset)) + 1;
-    QSizeF size(2 * picture.inset + 1, 2 * picture.inset + 1);
+    Patch patch;
+    patch.outset = std::ceil(3 * shape.blur);
+    patch.inset = std::ceil(std::max(corner, patch.outset)) + 1;
+    QSizeF size(2 * patch.inset + 1, 2 * patch.inset + 1);
     if (shape.size.width() < size.width() || shape.size.height() < size.height()) {
         size = shape.size;
-        picture.inset = 0;
+        patch.inset = 0;
     }
-    const QSize pixels(static_cast<int>(std::ceil(size.width() + 2 * picture.outset)),
-                       static_cast<int>(std::ceil(size.height() + 2 * picture.outset)));
+    const QSize pixels(static_cast<int>(std::ceil(size.width() + 2 * patch.outset)),
+                       static_cast<int>(std::ceil(size.height() + 2 * patch.outset)));
     QImage alpha(pixels, QImage::Format_Alpha8);
     alpha.fill(0);
     {
@@ -94,12 +94,12 @@ RoundedPatch::Picture RoundedPatch::draw(const RoundedShape& shape)
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
         painter.setBrush(Qt::black);
-        painter.drawRoundedRect(QRectF(QPointF(picture.outset, picture.outset), size), corner, corner);
+        painter.drawRoundedRect(QRectF(QPointF(patch.outset, patch.outset), size), corner, corner);
     }
     if (shape.blur > 0)
         blurAlpha(alpha, shape.blur);
-    picture.image = tinted(alpha, shape.color);
-    return picture;
+    patch.image = tinted(alpha, shape.color);
+    return patch;
 }
 
 void RoundedPatch::makePieces(int count, QQuickWindow& window)
@@ -125,14 +125,14 @@ void RoundedPatch::update(const RoundedShape& shape, QPointF origin, QQuickWindo
     if (m_texture && shape == m_shape && origin == m_origin)
         return;
     const bool onlyResized = m_texture && shape.color == m_shape.color && shape.corner == m_shape.corner &&
-                             shape.blur == m_shape.blur && m_picture.inset > 0 &&
-                             std::min(shape.size.width(), shape.size.height()) >= 2 * m_picture.inset + 1;
+                             shape.blur == m_shape.blur && m_patch.inset > 0 &&
+                             std::min(shape.size.width(), shape.size.height()) >= 2 * m_patch.inset + 1;
     const bool same = m_texture && shape == m_shape;
     if (!same && !onlyResized) {
-        m_picture = draw(shape);
+        m_patch = draw(shape);
         const std::unique_ptr<QSGTexture> before = std::move(m_texture);
-        m_texture.reset(window.createTextureFromImage(m_picture.image, QQuickWindow::TextureHasAlphaChannel));
-        makePieces(m_picture.inset > 0 ? 9 : 1, window);
+        m_texture.reset(window.createTextureFromImage(m_patch.image, QQuickWindow::TextureHasAlphaChannel));
+        makePieces(m_patch.inset > 0 ? 9 : 1, window);
     }
     m_shape = shape;
     m_origin = origin;
@@ -141,16 +141,16 @@ void RoundedPatch::update(const RoundedShape& shape, QPointF origin, QQuickWindo
 
 void RoundedPatch::place(const RoundedShape& shape, QPointF origin)
 {
-    const QSizeF image = m_picture.image.size();
+    const QSizeF image = m_patch.image.size();
     const QRectF whole =
         QRectF(origin, shape.size)
-            .marginsAdded(QMarginsF(m_picture.outset, m_picture.outset, m_picture.outset, m_picture.outset));
+            .marginsAdded(QMarginsF(m_patch.outset, m_patch.outset, m_patch.outset, m_patch.outset));
     if (m_pieces.size() == 1) {
         m_pieces.front()->setRect(QRectF(whole.topLeft(), image));
         m_pieces.front()->setSourceRect(QRectF(QPointF(), image));
         return;
     }
-    const double edge = m_picture.outset + m_picture.inset;
+    const double edge = m_patch.outset + m_patch.inset;
     const std::array<double, 4> sourceX{0, edge, image.width() - edge, image.width()};
     const std::array<double, 4> sourceY{0, edge, image.height() - edge, image.height()};
     const std::array<double, 4> targetX{whole.left(), whole.left() + edge, whole.right() - edge,

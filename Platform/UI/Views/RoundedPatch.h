@@ -23,8 +23,8 @@ struct RoundedShape {
     friend bool operator==(const RoundedShape&, const RoundedShape&) = default;
 };
 
-/// Draws a RoundedShape as a small picture stretched between its corners: smooth under scale on every
-/// backend, whatever the size. The blur reaches outside the shape. Render thread.
+/// Draws a RoundedShape as a small image stretched between its corners (nine-patch): smooth under scale on
+/// every backend, whatever the size. The blur extends outside the shape. Render thread.
 class RoundedPatch : public QSGTransformNode
 {
 public:
@@ -34,20 +34,19 @@ public:
     void update(const RoundedShape& shape, QPointF origin, QQuickWindow& window);
 
 private:
-    struct Picture {
+    struct Patch {
         QImage image;
-        double outset = 0; ///< how far it reaches outside the shape
-        double inset =
-            0; ///< how much of each edge inside the shape must not be stretched; 0 where nothing is stretched
+        double outset = 0; ///< how far it extends outside the shape
+        double inset = 0;  ///< the part of each edge that must not be stretched; 0 where nothing is
     };
 
-    [[nodiscard]] static Picture draw(const RoundedShape& shape);
+    [[nodiscard]] static Patch draw(const RoundedShape& shape);
     void makePieces(int count, QQuickWindow& window);
     void place(const RoundedShape& shape, QPointF origin);
 
     RoundedShape m_shape;
     QPointF m_origin;
-    Picture m_picture;
+    Patch m_patch;
     std::unique_ptr<QSGTexture> m_texture;
     std::vector<QSGImageNode*> m_pieces;
 };

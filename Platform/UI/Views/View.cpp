@@ -1,16 +1,12 @@
 #include "View.h"
 
-#include "Application.h"
 #include "FocusEngine.h"
 #include "MainLoop.h"
-#include "QtMainLoop.h"
 #include "TapRecognizer.h"
 #include "ViewController.h"
 
 #include <private/qqmlmetatype_p.h>
 #include <private/qquickaccessibleattached_p.h>
-#include <private/qquickanchors_p.h>
-#include <private/qquickitem_p.h>
 
 #include <algorithm>
 #include <utility>
@@ -35,19 +31,11 @@ QQuickAccessibleAttached& accessible(const QObject* object)
 
 } // namespace
 
-/// A program that shows views has the main loop and the application's life from the start: naming them here
-/// keeps them in a program that links this library statically.
-[[maybe_unused]] static const bool runtimeKept = [] {
-    (void)QtMainLoop::instance();
-    Application::require();
-    return true;
-}();
-
 View::View(QQuickItem* superview) : LayerItem(superview) {}
 
 View::~View()
 {
-    FocusEngine::viewGoes(*this);
+    FocusEngine::viewIsDestroyed(*this);
 }
 
 void View::destroyLater(View* view)
@@ -103,7 +91,7 @@ namespace
 
 void collectSubviews(const QQuickItem& item, std::vector<View*>& views)
 {
-    for (QQuickItem* child : QQuickItemPrivate::get(&item)->paintOrderChildItems()) {
+    for (QQuickItem* child : View::childrenInPaintOrder(item)) {
         if (auto* view = qobject_cast<View*>(child))
             views.push_back(view);
         else
@@ -118,6 +106,14 @@ std::vector<View*> View::subviews() const
     std::vector<View*> views;
     collectSubviews(*this, views);
     return views;
+}
+
+QList<QQuickItem*> View::childrenInPaintOrder(const QQuickItem& item)
+{
+    auto children = item.childItems();
+    std::stable_sort(children.begin(), children.end(),
+                     [](const QQuickItem* one, const QQuickItem* other) { return one->z() < other->z(); });
+    return children;
 }
 
 View* View::viewWithTag(int tag)
@@ -136,23 +132,31 @@ bool View::isDescendantOf(const View& view) const
     return this == &view || view.isAncestorOf(this);
 }
 
+void View::pin(View& view, const std::function<QRectF()>& frame)
+{
+    for (const auto& connection : std::exchange(view.m_pins, {}))
+        disconnect(connection);
+    const auto place = [this, pinned = &view, frame] {
+        if (pinned->parentItem() != this)
+            return;
+        const QRectF rect = frame();
+        pinned->setPosition(rect.topLeft());
+        pinned->setSize(rect.size());
+    };
+    view.m_pins = {connect(this, &QQuickItem::widthChanged, &view, place),
+                   connect(this, &QQuickItem::heightChanged, &view, place)};
+    place();
+}
+
 void View::pinToEdges(View& view)
 {
-    if (view.parentItem() == this)
-        QQuickItemPrivate::get(&view)->anchors()->setFill(this);
+    pin(view, [this] { return QRectF(QPointF(), size()); });
 }
 
 void View::pinToLowerLeadingCorner(View& view, const QSizeF& size, double margin)
 {
-    view.setSize(size);
-    if (view.parentItem() != this)
-        return;
-    QQuickItemPrivate* const own = QQuickItemPrivate::get(this);
-    QQuickAnchors& anchors = *QQuickItemPrivate::get(&view)->anchors();
-    anchors.setLeft(own->left());
-    anchors.setLeftMargin(margin);
-    anchors.setBottom(own->bottom());
-    anchors.setBottomMargin(margin);
+    pin(view,
+        [this, size, margin] { return QRectF(QPointF(margin, height() - margin - size.height()), size); });
 }
 
 // Focus
@@ -242,7 +246,7 @@ void View::setAccessibleName(const QString& name)
     emit accessibleNameChanged();
 }
 
-// What Qt tells
+// Notifications from Qt
 
 void View::itemChange(ItemChange change, const ItemChangeData& data)
 {

@@ -6,6 +6,7 @@
 
 #include <QAccessible>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -16,12 +17,12 @@ class FocusEngine;
 class TapRecognizer;
 class ViewController;
 
-/// A rectangle of a screen: a look (see LayerItem), subviews, focus and presses.
+/// A rectangle of a screen: appearance (see LayerItem), subviews, focus and presses.
 ///
-/// Made in QML (`import Virlo.UI`) or by `make`. Views of a scene belong to the scene's root; a view made by
-/// `make` belongs to its shared pointers, and `addSubview` holds one. Main thread only, but the last shared
-/// pointer may go anywhere: the view is then destroyed in a later turn of the main loop, never on the
-/// caller's stack.
+/// Created in QML (`import Virlo.UI`) or by `make`. Views of a scene belong to the scene's root; a view made
+/// by `make` belongs to its shared pointers, and `addSubview` holds one. Main thread only, but the last
+/// shared pointer may be released on any thread: the view is then destroyed in a later turn of the main loop,
+/// never on the caller's stack.
 class View : public virlo::LayerItem, public Responder, public FocusEnvironment
 {
     Q_OBJECT
@@ -44,8 +45,8 @@ public:
     ~View() override;
 
     // The tree
-    /// Shows `view` above the other subviews and keeps it alive until it leaves this view; one that is here
-    /// or elsewhere moves here.
+    /// Shows `view` above the other subviews and keeps it alive until it leaves this view; a view that is
+    /// here or elsewhere already is moved.
     void addSubview(const std::shared_ptr<View>& view);
     /// As above for a view that something else owns, such as a view controller.
     void addSubview(View& view);
@@ -57,35 +58,36 @@ public:
     [[nodiscard]] std::vector<View*> subviews() const;
     /// The first view of this tree, this one included, that carries the tag; null where none does.
     [[nodiscard]] View* viewWithTag(int tag);
+    /// As they are painted, by z and then by order; QQuickItem's own list is in order alone.
+    [[nodiscard]] static QList<QQuickItem*> childrenInPaintOrder(const QQuickItem& item);
     /// Also true for the view itself.
     [[nodiscard]] bool isDescendantOf(const View& view) const;
 
     /// The controller whose root view this is; null for any other view.
     [[nodiscard]] ViewController* viewController() const noexcept { return m_viewController; }
 
-    /// Makes `view`, a subview of this one, fill it at whatever size this view has.
+    /// Makes `view` fill this one whatever its size, as long as it is a direct subview.
     void pinToEdges(View& view);
-    /// Keeps `view`, a subview of this one, at its size and `margin` away from this view's leading and lower
-    /// edges.
+    /// Keeps `view` at `size` and `margin` away from this view's leading and lower edges, as long as it is a
+    /// direct subview.
     void pinToLowerLeadingCorner(View& view, const QSizeF& size, double margin);
 
     // Focus
-    /// What `focusable` says, unless overridden; who overrides it calls `focusabilityDidChange` when its
-    /// answer changes.
+    /// `focusable`, unless overridden; an override calls `focusabilityDidChange` when its result changes.
     [[nodiscard]] virtual bool canBecomeFocused() const { return m_focusable; }
 
     [[nodiscard]] bool focusable() const noexcept { return m_focusable; }
 
     void setFocusable(bool focusable);
 
-    /// Whether it hides what lies below it from the focus, within its bounds, while it is visible.
+    /// Whether views below it, within its bounds, cannot be focused while it is visible.
     [[nodiscard]] bool obscuresFocus() const noexcept { return m_obscuresFocus; }
 
     void setObscuresFocus(bool obscures);
 
     [[nodiscard]] bool isFocused() const noexcept { return m_focused; }
 
-    /// This view where it can become focused, else null.
+    /// This view if it can become focused, else null.
     [[nodiscard]] View* preferredFocusedView() override;
     void focusabilityDidChange();
 
@@ -95,7 +97,7 @@ public:
     [[nodiscard]] const std::vector<std::shared_ptr<TapRecognizer>>& gestureRecognizers() const noexcept;
     [[nodiscard]] Responder* nextResponder() const override;
 
-    /// What a screen reader says of it; empty at first, and then the view is passed over.
+    /// The name that a screen reader speaks; empty at first, and then the view is skipped.
     [[nodiscard]] QString accessibleName() const { return m_accessibleName; }
 
     void setAccessibleName(const QString& name);
@@ -106,8 +108,7 @@ signals:
     void accessibleNameChanged();
 
 protected:
-    /// Called when the view comes to a window, leaves it, or its superview changes; after the base's own
-    /// work.
+    /// Called after the view was added to a window, left it, or changed its superview.
     virtual void didMoveToWindow() {}
 
     [[nodiscard]] virtual QAccessible::Role accessibleRole() const { return QAccessible::Pane; }
@@ -126,9 +127,11 @@ private:
     static void destroyLater(View* view);
     void setFocused(bool focused);
     void revalidateFocus();
+    void pin(View& view, const std::function<QRectF()>& frame);
 
     FocusEngine* m_engine = nullptr; ///< in a screen's root view
     std::vector<std::shared_ptr<View>> m_held;
+    std::vector<QMetaObject::Connection> m_pins; ///< keep this view in place in its superview
     std::vector<std::shared_ptr<TapRecognizer>> m_recognizers;
     ViewController* m_viewController = nullptr;
     int m_tag = 0;

@@ -107,13 +107,12 @@ void ViewAnimation::move(LayerItem& view, AnimatableProperty property, const Ani
     m_tracks.push_back({&view, property, from, to});
 }
 
-void ViewAnimation::letGo(const LayerItem& view, AnimatableProperty property)
+void ViewAnimation::release(const LayerItem& view, AnimatableProperty property)
 {
     const auto isIt = [&](const Track& track) { return track.view == &view && track.property == property; };
     m_tracks.erase(std::remove_if(m_tracks.begin(), m_tracks.end(), isIt), m_tracks.end());
     m_cutShort = true;
-    // Whoever took the last property over is in the middle of its change: the completion must not run on its
-    // stack.
+    // The caller is changing the property: the completion must not run on its stack.
     if (m_tracks.empty() && m_self)
         MainLoop::shared().post([self = shared_from_this()] { self->cancel(); });
 }
@@ -138,7 +137,7 @@ bool ViewAnimation::isRunning() const
     return m_self != nullptr;
 }
 
-double ViewAnimation::share(int milliseconds) const
+double ViewAnimation::progressAt(int milliseconds) const
 {
     static const QEasingCurve easing(QEasingCurve::InOutQuad);
     const double linear = std::clamp(milliseconds / static_cast<double>(m_milliseconds), 0.0, 1.0);
@@ -147,9 +146,8 @@ double ViewAnimation::share(int milliseconds) const
 
 void ViewAnimation::updateCurrentTime(int milliseconds)
 {
-    const double done = share(milliseconds);
-    // A step and what listens to a view's properties may be anybody's code, which may let go of tracks and
-    // views.
+    const double done = progressAt(milliseconds);
+    // The step and listeners to the view's properties may remove tracks and destroy views.
     const auto tracks = m_tracks;
     for (const Track& track : tracks) {
         const bool stillOurs = std::any_of(m_tracks.begin(), m_tracks.end(), [&](const Track& other) {
@@ -187,7 +185,7 @@ void ViewAnimation::end(bool finished)
         completion(finished);
         completion = nullptr;
     }
-    // Qt is in the middle of this object, and of its list of animations, which a completion may change.
+    // Qt is iterating over its list of animations, which a completion may change.
     MainLoop::shared().post([self = std::move(self), completion = std::move(completion), finished] {
         if (completion)
             completion(finished);

@@ -27,8 +27,8 @@ enum class AnimatableProperty {
 };
 using AnimatableValue = std::array<double, 6>;
 
-/// The Animation at work: keeps itself alive while it runs. Views tell it of changes noted, taken over or
-/// gone.
+/// The implementation of Animation: keeps itself alive while it runs. Views report changes to animate,
+/// changes taken over by others, and their own end.
 class ViewAnimation final : public QAbstractAnimation,
                             public Animation,
                             public std::enable_shared_from_this<ViewAnimation>
@@ -45,11 +45,11 @@ public:
 
     void begin();
 
-    /// Notes that the property moves to `to`; a second note for the same property changes its end alone.
+    /// Animates the property to `to`; a second call for the same property changes only its end.
     void move(LayerItem& view, AnimatableProperty property, const AnimatableValue& from,
               const AnimatableValue& to);
-    /// The property is no longer this animation's business.
-    void letGo(const LayerItem& view, AnimatableProperty property);
+    /// Stops animating the property.
+    void release(const LayerItem& view, AnimatableProperty property);
 
     /// For the application's end.
     static void cancelAll();
@@ -72,7 +72,7 @@ private:
     };
 
     ViewAnimation(Seconds duration, Curve curve, Completion completion);
-    [[nodiscard]] double share(int milliseconds) const;
+    [[nodiscard]] double progressAt(int milliseconds) const;
     void end(bool finished);
 
     int m_milliseconds;

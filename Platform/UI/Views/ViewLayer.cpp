@@ -55,8 +55,8 @@ void ViewLayerNode::updateShadow(const ViewLayer& layer, QSizeF size, QQuickWind
         m_shadow->appendChildNode(new RoundedPatch);
         prependChildNode(m_shadow);
     }
-    // The colour's own alpha goes with the opacity and the blur moves in half points, so that an animation of
-    // either does not blur anew for every frame.
+    // The colour's own alpha is part of the opacity and the blur changes in half points, so that an animation
+    // of either does not compute the blur again for every frame.
     const QRgb color = qRgb(layer.shadowColor.red(), layer.shadowColor.green(), layer.shadowColor.blue());
     const double blur = std::round(layer.shadowRadius * 2) / 2;
     m_shadow->setOpacity(layer.shadowOpacity * layer.shadowColor.alphaF());
@@ -98,8 +98,8 @@ void ViewLayerNode::updateBackground(const ViewLayer& layer, QSizeF size, QQuick
 
 void ViewLayerNode::setContent(QSGNode* content)
 {
-    // What the view replaced it has deleted, and with that taken out of here; the new one may have the same
-    // address.
+    // Replaced nodes are already deleted, which also removed them from this parent; a new one may have the
+    // same address.
     m_content = content;
     if (content != nullptr && content->parent() == nullptr)
         appendChildNode(content);

@@ -33,7 +33,7 @@ private:
     AffineTransform m_value;
 };
 
-/// How a view looks apart from its content, and which of that is on the move.
+/// A view's appearance apart from its content, and which of its properties are being animated.
 class ViewLayer
 {
 public:
@@ -57,11 +57,11 @@ public:
 };
 
 /// The scene-graph side of a layer: shadow, background, content, in this order. Shadow and round corners are
-/// pictures stretched between their corners, so they cost the same on every backend and stay smooth under
+/// images stretched between their corners, so they cost the same on every backend and stay smooth under
 /// scale.
 ///
-/// It and RoundedPatch are transform nodes without a transform: the software renderer places what is added
-/// later only under nodes that it keeps a state for, and plain nodes are none.
+/// It, RoundedPatch and ImageNode are transform nodes without a transform: the software renderer places a
+/// child that is added later only under nodes that it keeps a state for, and plain nodes have none.
 class ViewLayerNode : public QSGTransformNode
 {
 public:
