@@ -3,7 +3,9 @@
 #include "DesktopURLOpener.h"
 #include "GlobalQueue.h"
 #include "MainLoop.h"
+#include "MainScreen.h"
 #include "NotificationCenter.h"
+#include "QtMainLoop.h"
 #include "SerialQueue.h"
 #include "URLSession.h"
 
@@ -13,6 +15,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <mutex>
 #include <utility>
 
 namespace virlo
@@ -21,7 +24,7 @@ namespace virlo
 namespace
 {
 
-std::atomic<URLOpener*> openerInForce{nullptr};
+std::atomic<URLOpener*> currentOpener{nullptr};
 
 bool anyWindowVisible()
 {
@@ -30,80 +33,91 @@ bool anyWindowVisible()
                        [](const QWindow* window) { return window->isVisible(); });
 }
 
-/// Follows one QGuiApplication; its signals end with it.
-class Watcher : public QObject
+/// Follows one QGuiApplication, which owns it.
+class ApplicationObserver : public QObject
 {
 public:
-    explicit Watcher(QGuiApplication* application) : QObject(application)
+    explicit ApplicationObserver(QGuiApplication* application) : QObject(application)
     {
         connect(application, &QGuiApplication::applicationStateChanged, this,
                 [this] { stateMayHaveChanged(); });
         connect(application, &QGuiApplication::focusWindowChanged, this, [this] { watchWindows(); });
-        connect(application, &QCoreApplication::aboutToQuit, this, &Watcher::terminate);
+        connect(application, &QCoreApplication::aboutToQuit, this, &ApplicationObserver::terminate);
         stateMayHaveChanged();
     }
 
 private:
-    enum class Standing { Starting, Active, Inactive, Background };
+    enum class Activity { Starting, Active, Inactive, Background };
 
-    [[nodiscard]] Standing standing() const
+    [[nodiscard]] Activity activity() const
     {
         switch (QGuiApplication::applicationState()) {
         case Qt::ApplicationActive:
             // Not every platform says that the app is inactive once its last window is hidden.
-            if (m_standing == Standing::Starting || anyWindowVisible())
-                return Standing::Active;
-            return Standing::Background;
+            if (m_activity == Activity::Starting || anyWindowVisible())
+                return Activity::Active;
+            return Activity::Background;
         case Qt::ApplicationInactive:
             // An app that has not been active yet is starting, not leaving; one in the background stays
             // there.
-            if (m_standing == Standing::Active || m_standing == Standing::Inactive)
-                return anyWindowVisible() ? Standing::Inactive : Standing::Background;
-            return m_standing;
+            if (m_activity == Activity::Active || m_activity == Activity::Inactive)
+                return anyWindowVisible() ? Activity::Inactive : Activity::Background;
+            return m_activity;
         case Qt::ApplicationHidden:
         case Qt::ApplicationSuspended:
-            return Standing::Background;
+            return Activity::Background;
         }
-        return m_standing;
+        return m_activity;
     }
 
     void stateMayHaveChanged()
     {
-        const Standing now = standing();
-        if (std::exchange(m_standing, now) == now)
+        MainScreen::refresh();
+        const Activity now = activity();
+        if (std::exchange(m_activity, now) == now)
             return;
         watchWindows();
-        if (now == Standing::Active)
+        if (now == Activity::Active)
             NotificationCenter::defaultCenter().post(ApplicationDidBecomeActiveNotification);
-        else if (now == Standing::Background)
+        else if (now == Activity::Background)
             NotificationCenter::defaultCenter().post(ApplicationDidEnterBackgroundNotification);
     }
 
     /// The last window may be hidden, or shown again, without another change of state.
     void watchWindows()
     {
+        MainScreen::refresh();
         const auto windows = QGuiApplication::topLevelWindows();
-        for (const QWindow* window : windows)
-            connect(window, &QWindow::visibleChanged, this, &Watcher::lookLater, Qt::UniqueConnection);
+        for (const QWindow* window : windows) {
+            connect(window, &QWindow::visibleChanged, this, &ApplicationObserver::checkLater,
+                    Qt::UniqueConnection);
+            connect(window, &QWindow::widthChanged, this, &ApplicationObserver::checkLater,
+                    Qt::UniqueConnection);
+            connect(window, &QWindow::heightChanged, this, &ApplicationObserver::checkLater,
+                    Qt::UniqueConnection);
+        }
     }
 
     /// Later, since one window may go to make room for another.
-    void lookLater() { QMetaObject::invokeMethod(this, &Watcher::stateMayHaveChanged, Qt::QueuedConnection); }
+    void checkLater()
+    {
+        QMetaObject::invokeMethod(this, &ApplicationObserver::stateMayHaveChanged, Qt::QueuedConnection);
+    }
 
     void terminate()
     {
         NotificationCenter::defaultCenter().post(ApplicationWillTerminateNotification);
         const auto end = std::chrono::steady_clock::now() + Application::terminationLimit;
-        const auto left = [end] {
+        const auto remaining = [end] {
             return std::max(Seconds(end - std::chrono::steady_clock::now()), Seconds(0));
         };
-        // The closing request is queued work first, an exchange then, and its completion queued work again.
-        GlobalQueue::drain(left());
-        URLSession::drain(left());
-        GlobalQueue::drain(left());
+        // The closing request is queued work first, then a transfer, and its completion is queued work again.
+        GlobalQueue::drain(remaining());
+        URLSession::drain(remaining());
+        GlobalQueue::drain(remaining());
     }
 
-    Standing m_standing = Standing::Starting;
+    Activity m_activity = Activity::Starting;
 };
 
 } // namespace
@@ -115,7 +129,7 @@ void Application::openURL(const std::optional<URL>& url, std::function<void(bool
         bool accepted = false;
         if (url) {
             static DesktopURLOpener& desktop = *new DesktopURLOpener;
-            URLOpener* opener = openerInForce;
+            URLOpener* opener = currentOpener;
             accepted = (opener != nullptr ? *opener : desktop).open(*url);
         }
         if (completion)
@@ -123,22 +137,25 @@ void Application::openURL(const std::optional<URL>& url, std::function<void(bool
     });
 }
 
-void Application::require() {}
-
 void Application::setURLOpener(URLOpener* opener)
 {
-    openerInForce = opener;
+    currentOpener = opener;
 }
 
-void startApplicationWatch()
+void Application::start()
 {
-    // The application object is still being made here.
-    MainLoop::shared().post([] {
-        if (auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
-            new Watcher(application);
+    static std::once_flag once;
+    // Runs at once where there is an application object already, else each time that one is made.
+    std::call_once(once, [] {
+        qAddPreRoutine([] {
+            QtMainLoop::instance().begin();
+            // The application object is still under construction here.
+            MainLoop::shared().post([] {
+                if (auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
+                    new ApplicationObserver(application);
+            });
+        });
     });
 }
-
-Q_COREAPP_STARTUP_FUNCTION(startApplicationWatch)
 
 } // namespace virlo

@@ -10,9 +10,8 @@
 namespace virlo
 {
 
-/// Opens URLs outside the app: the seam through which hosts, demos and tests put an opener of their own.
-/// `open` is called off the main thread, one call at a time, may block, and answers whether something
-/// accepted the URL.
+/// Opens URLs outside the app; hosts, demos and tests may provide their own. `open` is called off the main
+/// thread, one call at a time, may block, and returns whether something accepted the URL.
 class VIRLO_EXPORT URLOpener
 {
 public:
@@ -20,12 +19,12 @@ public:
     virtual bool open(const URL& url) = 0;
 };
 
-/// The app that the library runs in. From the making of the QGuiApplication on it posts, on the main thread,
-/// the notifications of NotificationCenter.h: did become active when the app becomes active; did enter
-/// background when it is hidden or suspended, or is inactive with no window to be seen; will terminate when
-/// it is about to quit. After the last it lets queued work and running HTTP exchanges end, for at most
-/// `terminationLimit` in all, so that a closing request leaves; the host's `QGuiApplication::exec` returns
-/// that much later.
+/// The app that the library runs in. From the creation of the QGuiApplication on it posts, on the main
+/// thread, the notifications of NotificationCenter.h: did become active when the app becomes active; did
+/// enter background when it is hidden or suspended, or is inactive with no visible window; will terminate
+/// when it is about to quit. After the last one it waits for queued work and running HTTP transfers, for at
+/// most `terminationLimit` in all, so that a closing request is sent; the host's `QGuiApplication::exec`
+/// returns that much later.
 class VIRLO_EXPORT Application
 {
 public:
@@ -35,13 +34,13 @@ public:
     /// with whether it was accepted; false for no URL. Any thread, waits for nothing.
     static void openURL(const std::optional<URL>& url, std::function<void(bool accepted)> completion = {});
 
-    /// Null puts the desktop's own opener in force again: it runs `xdg-open`, takes a failure that comes
-    /// within some seconds for a refusal, and refuses relative URLs and those of local files. Not owned; it
-    /// must outlive its last call.
+    /// Null restores the desktop's own opener: it runs `xdg-open`, takes a failure within some seconds for a
+    /// refusal, and refuses relative URLs and those of local files. Not owned; it must outlive its last call.
     static void setURLOpener(URLOpener* opener);
 
-    /// Names the class, so that the linker keeps it, and with it its start with the application.
-    static void require();
+    /// Starts the main loop and the notifications: with the application object, or at once where there is
+    /// one. The shared library calls it when it is loaded. Any thread; later calls do nothing.
+    static void start();
 };
 
 } // namespace virlo

@@ -16,7 +16,7 @@ namespace virlo
 bool DesktopURLOpener::open(const URL& url)
 {
     using namespace std::chrono_literals;
-    constexpr auto patience = 5s;
+    constexpr auto limit = 5s;
     reap();
     const std::string scheme = url.scheme();
     if (scheme.empty() || scheme == "file")
@@ -29,13 +29,13 @@ bool DesktopURLOpener::open(const URL& url)
     if (posix_spawnp(&child, command.c_str(), nullptr, nullptr, arguments.data(), environ) != 0)
         return false;
 
-    const auto end = std::chrono::steady_clock::now() + patience;
+    const auto end = std::chrono::steady_clock::now() + limit;
     while (std::chrono::steady_clock::now() < end) {
         int status = 0;
         const pid_t ended = waitpid(child, &status, WNOHANG);
         if (ended == child)
             return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-        // The host takes its children's ends itself: nobody will tell us.
+        // The host reaps its children itself, so the exit status is unknown.
         if (ended < 0)
             return true;
         std::this_thread::sleep_for(10ms);

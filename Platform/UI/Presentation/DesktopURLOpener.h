@@ -10,9 +10,9 @@ namespace virlo
 {
 
 /// Opens URLs by the desktop's `xdg-open`. Unlike QDesktopServices it may be called off the main thread and
-/// hears of a refusal: it waits for the command's answer for some seconds and takes a command that still runs
-/// (a browser in the foreground) for success. Nothing is opened for a relative URL or a local file, which a
-/// server has no business to name.
+/// reports a refusal: it waits some seconds for the command's exit status and takes a command that still runs
+/// (a browser in the foreground) for success. Relative URLs and local files are refused: a server must not
+/// name them.
 class DesktopURLOpener : public URLOpener
 {
 public:

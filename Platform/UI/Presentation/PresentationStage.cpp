@@ -1,6 +1,7 @@
 #include "PresentationStage.h"
 
 #include "FocusEngine.h"
+#include "MainScreen.h"
 #include "PaintedView.h"
 #include "RemoteKeys.h"
 #include "ViewController.h"
@@ -9,9 +10,6 @@
 #include <QKeyEvent>
 #include <QQuickWindow>
 #include <QSGRectangleNode>
-
-#include <private/qquickanchors_p.h>
-#include <private/qquickitem_p.h>
 
 #include <algorithm>
 #include <utility>
@@ -82,7 +80,7 @@ PresentationStage::~PresentationStage()
 
 void PresentationStage::enter()
 {
-    m_standing = true;
+    m_isEntered = true;
     m_hostFocus = focusItem(*m_window);
     if (QQuickItem* grabber = m_window->mouseGrabberItem())
         grabber->ungrabMouse();
@@ -91,10 +89,14 @@ void PresentationStage::enter()
     view.setParentItem(m_canvas);
     view.setPosition({0, 0});
     view.setSize(m_canvas->size());
-    m_presses = std::make_shared<PressDelivery>(view);
+    m_presses = std::make_shared<PressDispatcher>(view);
 
-    setParentItem(m_window->contentItem());
-    QQuickItemPrivate::get(this)->anchors()->setFill(m_window->contentItem());
+    QQuickItem* const content = m_window->contentItem();
+    setParentItem(content);
+    const auto fill = [this, content] { setSize(content->size()); };
+    connect(content, &QQuickItem::widthChanged, this, fill);
+    connect(content, &QQuickItem::heightChanged, this, fill);
+    fill();
     layOutCanvas();
 
     m_window->installEventFilter(this);
@@ -108,15 +110,17 @@ void PresentationStage::enter()
 
 void PresentationStage::startFocus()
 {
-    if (!m_standing)
+    if (!m_isEntered)
         return;
-    m_focus = std::make_unique<FocusEngine>(m_controller, m_controller.view());
+    // A press that is held while the focus moves must not fire the button that lost it.
+    m_focus = std::make_unique<FocusEngine>(m_controller, m_controller.view(),
+                                            [presses = m_presses] { presses->cancelDelivered(); });
     m_focus->validate();
 }
 
 void PresentationStage::leave()
 {
-    if (!std::exchange(m_standing, false))
+    if (!std::exchange(m_isEntered, false))
         return;
     disconnect(m_swapped);
     m_focus.reset();
@@ -127,9 +131,10 @@ void PresentationStage::leave()
         return;
     m_window->removeEventFilter(this);
     disconnect(m_window, nullptr, this, nullptr);
-    const bool mayGiveBack = hasFocus();
+    disconnect(m_window->contentItem(), nullptr, this, nullptr);
+    const bool hadFocus = hasFocus();
     setParentItem(nullptr);
-    if (mayGiveBack && m_hostFocus && m_hostFocus->window() == m_window && m_hostFocus->isVisible())
+    if (hadFocus && m_hostFocus && m_hostFocus->window() == m_window && m_hostFocus->isVisible())
         m_hostFocus->forceActiveFocus(Qt::OtherFocusReason);
 }
 
@@ -149,7 +154,7 @@ bool PresentationStage::eventFilter(QObject*, QEvent* event)
         event->accept();
         return true;
     case QEvent::KeyPress:
-        // What a text field does not use comes back through the items, to `keyPressEvent`.
+        // Keys that a text field does not use come back through the items, to `keyPressEvent`.
         if (isTypingText())
             return false;
         keyDown(*static_cast<QKeyEvent*>(event));
@@ -230,14 +235,14 @@ void PresentationStage::keyUp(const QKeyEvent& event)
 void PresentationStage::noteActiveFocus()
 {
     QQuickItem* item = m_window->activeFocusItem();
-    if (!m_standing || item == nullptr)
+    if (!m_isEntered || item == nullptr)
         return;
     if (item == this || isAncestorOf(item)) {
         m_ownFocus = item;
         return;
     }
-    // The host moved its focus underneath: that is the item to hand back to. Changing the focus here would
-    // run inside the host's own change of it.
+    // The host moved its focus underneath: that item gets the focus back at the end. Changing the focus here
+    // would run inside the host's own change of it.
     if (item != m_window->contentItem())
         m_hostFocus = item;
     QMetaObject::invokeMethod(this, &PresentationStage::keepFocus, Qt::QueuedConnection);
@@ -245,7 +250,7 @@ void PresentationStage::noteActiveFocus()
 
 void PresentationStage::keepFocus()
 {
-    if (!m_standing || hasActiveFocus())
+    if (!m_isEntered || hasActiveFocus())
         return;
     QQuickItem* own = m_ownFocus && isAncestorOf(m_ownFocus) ? m_ownFocus.data() : this;
     own->forceActiveFocus(Qt::OtherFocusReason);
@@ -255,6 +260,7 @@ void PresentationStage::keepFocus()
 
 void PresentationStage::layOutCanvas()
 {
+    MainScreen::refresh();
     const double scale = std::min(width() / m_canvas->width(), height() / m_canvas->height());
     if (scale <= 0)
         return;
@@ -262,7 +268,7 @@ void PresentationStage::layOutCanvas()
     m_canvas->setScale(scale);
     m_canvas->setPosition(
         {(width() - m_canvas->width() * scale) / 2, (height() - m_canvas->height() * scale) / 2});
-    // Only where there are bars can anything reach outside the canvas and still be seen.
+    // Only where there are bars can anything outside the canvas be visible.
     m_canvas->setClip(m_canvas->x() > 0 || m_canvas->y() > 0);
     if (rescaled)
         redrawPaintedViews(*m_canvas);
@@ -294,7 +300,7 @@ void PresentationStage::frameSwapped()
         this,
         [this] {
             disconnect(m_swapped);
-            if (m_standing && m_didShowFirstFrame)
+            if (m_isEntered && m_didShowFirstFrame)
                 m_didShowFirstFrame();
         },
         Qt::QueuedConnection);

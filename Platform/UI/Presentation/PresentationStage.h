@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PressDelivery.h"
+#include "PressDispatcher.h"
 
 #include <QPointer>
 #include <QQuickItem>
@@ -18,9 +18,9 @@ namespace virlo
 class FocusEngine;
 class ViewController;
 
-/// What a presentation puts into a host's window: a black ground over everything, the canvas on it, and the
-/// taking of the window's input. Made by WindowPresentation; from `leave` on it is out of the window for good
-/// and hands nothing on. Main thread.
+/// The item that a presentation puts into a host's window: a black background over everything and the canvas
+/// on it. It takes the window's input. Made by WindowPresentation; after `leave` it is out of the window for
+/// good. Main thread.
 class PresentationStage : public QQuickItem
 {
     Q_OBJECT
@@ -32,10 +32,10 @@ public:
 
     /// Puts the controller's view on the canvas and takes the window's input.
     void enter();
-    /// Gives the input back and the focus to the host's item that had it last.
+    /// Releases the input and returns the focus to the host's item that had it last.
     void leave();
 
-    /// Begins to keep the focus, once the view has been told that it appears.
+    /// Starts the focus engine, after the view has been told that it appears.
     void startFocus();
 
 protected:
@@ -60,12 +60,12 @@ private:
     QQuickItem* m_canvas;
     QPointer<QQuickItem> m_hostFocus;
     QPointer<QQuickItem> m_ownFocus; ///< the stage's item that had the window's focus last
-    std::shared_ptr<PressDelivery> m_presses;
+    std::shared_ptr<PressDispatcher> m_presses;
     std::unique_ptr<FocusEngine> m_focus;
     QMetaObject::Connection m_swapped;
     std::atomic<bool> m_synchronised{false};
     std::atomic<bool> m_reported{false};
-    bool m_standing = false;
+    bool m_isEntered = false;
 };
 
 } // namespace virlo

@@ -24,7 +24,7 @@ void QtMainLoop::post(std::function<void()> work)
     {
         const std::lock_guard lock(m_mutex);
         if (m_receiver) {
-            m_waiting.push_back(std::move(work));
+            m_queued.push_back(std::move(work));
             QMetaObject::invokeMethod(
                 m_receiver.get(), [this] { runNext(); }, Qt::QueuedConnection);
             return;
@@ -39,10 +39,10 @@ bool QtMainLoop::runNext()
     std::function<void()> work;
     {
         const std::lock_guard lock(m_mutex);
-        if (m_waiting.empty())
+        if (m_queued.empty())
             return false;
-        work = std::move(m_waiting.front());
-        m_waiting.pop_front();
+        work = std::move(m_queued.front());
+        m_queued.pop_front();
     }
     runGuarded(work, "work posted to the main loop");
     return true;
@@ -54,7 +54,7 @@ bool QtMainLoop::runUntil(const std::function<bool()>& done, Seconds limit)
     if (QCoreApplication::instance() == nullptr)
         return MainLoop::shared().runUntil(done, limit);
     const auto start = std::chrono::steady_clock::now();
-    // Another thread may make `done` true without posting anything: the tick looks again.
+    // Another thread may make `done` true without posting anything: each tick checks again.
     QTimer tick;
     tick.start(2ms);
     while (!done()) {
@@ -78,6 +78,7 @@ void QtMainLoop::begin()
     {
         const std::lock_guard lock(m_mutex);
         m_receiver = std::make_unique<QObject>();
+        m_receiver->moveToThread(QCoreApplication::instance()->thread());
     }
     if (&before != this) {
         post([&before] {
@@ -98,12 +99,5 @@ void QtMainLoop::end()
     const std::lock_guard lock(m_mutex);
     receiver.swap(m_receiver);
 }
-
-void startQtMainLoop()
-{
-    QtMainLoop::instance().begin();
-}
-
-Q_COREAPP_STARTUP_FUNCTION(startQtMainLoop)
 
 } // namespace virlo

@@ -12,9 +12,9 @@
 namespace virlo
 {
 
-/// The main loop over Qt's event loop. It puts itself in force when the program makes its QCoreApplication
-/// and takes over what was posted before. When the application goes it runs what still waits and steps back
-/// for the built-in loop. Work runs in the order posted, each piece in an event of its own.
+/// The main loop over Qt's event loop. From `begin` on it is the shared one and takes over what was posted
+/// before. When the application object is destroyed it runs what is still queued and restores the built-in
+/// loop. Tasks run in the order posted, each in an event of its own.
 class QtMainLoop : public MainLoop
 {
 public:
@@ -24,21 +24,20 @@ public:
     void post(std::function<void()> work) override;
     bool runUntil(const std::function<bool()>& done, Seconds limit) override;
 
-    /// Runs what waits and what that posts in turn, for at most a second. For the application's end; main
+    /// Called by `Application::start` for each application object, during its construction or later.
+    void begin();
+    /// Runs what is queued and what that posts in turn, for at most a second. For the application's end; main
     /// thread.
     void flush();
 
 private:
     QtMainLoop() = default;
-    void begin();
     void end();
     bool runNext();
 
     std::mutex m_mutex;
-    std::deque<std::function<void()>> m_waiting;
+    std::deque<std::function<void()>> m_queued;
     std::unique_ptr<QObject> m_receiver;
-
-    friend void startQtMainLoop();
 };
 
 } // namespace virlo

@@ -1,7 +1,7 @@
 #include "Storyboard.h"
 
 #include "MainLoop.h"
-#include "SceneLibrary.h"
+#include "SceneLoader.h"
 #include "SystemLog.h"
 #include "ViewController.h"
 
@@ -79,10 +79,7 @@ void Storyboard::warmUp(const std::string& identifier, std::function<void()> don
 {
     const auto scene = findScene(m_name, identifier);
     MainLoop::performOnMain([document = scene ? scene->document : QUrl(), done = std::move(done)] {
-        if (!document.isEmpty())
-            SceneLibrary::warmUp(document, done);
-        else if (done)
-            MainLoop::shared().post(done);
+        SceneLoader::warmUp(document, done);
     });
 }
 

@@ -13,17 +13,16 @@ class ViewController;
 
 /// Scenes by identifier. A scene is a view controller class and a QML document; the document's root is a View
 /// (of `import Virlo.UI`) whose properties are the controller's outlets (`ViewController::outlet`). Any
-/// thread, but for `warmUp`'s work, which happens on the main thread.
+/// thread.
 ///
 /// Documents are compiled once for the process, by an engine that the library owns (the host may have none,
-/// or its own); it ends with the application.
+/// or its own); it is destroyed with the application.
 class Storyboard
 {
 public:
     using Maker = std::function<std::shared_ptr<ViewController>()>;
 
-    /// Makes a scene known, usually from a static initialiser; a second one of the same names takes the
-    /// first's place.
+    /// Makes a scene known; a second one of the same names replaces the first.
     static void registerScene(const std::string& storyboard, const std::string& identifier,
                               const QUrl& document, Maker maker);
 
@@ -35,9 +34,9 @@ public:
     [[nodiscard]] std::shared_ptr<ViewController>
     instantiateViewControllerWithIdentifier(const std::string& identifier) const;
 
-    /// Has the scene's document compiled and the device's fonts looked through, off the main thread, so that
-    /// loading its view later only makes the objects. `done`, if any, is called on the main thread once that
-    /// is so, or has failed, never on the caller's stack. Any thread; nothing is done twice.
+    /// Compiles the scene's document and reads the device's fonts, off the main thread, so that loading its
+    /// view later only creates the objects. `done`, if any, is called on the main thread when that has ended
+    /// or failed, never on the caller's stack. Nothing is done twice.
     void warmUp(const std::string& identifier, std::function<void()> done = {}) const;
 
 private:

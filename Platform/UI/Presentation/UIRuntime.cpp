@@ -4,7 +4,7 @@
 #include "ProcessShutdown.h"
 #include "QtMainLoop.h"
 #include "QtWork.h"
-#include "SceneLibrary.h"
+#include "SceneLoader.h"
 #include "ViewAnimation.h"
 #include "ViewController.h"
 #include "WindowPresentation.h"
@@ -26,7 +26,7 @@ void stop()
 {
     QtWork::end();
     if (begun && MainLoop::isMainThread()) // exit() may have been called elsewhere
-        SceneLibrary::clear();
+        SceneLoader::clear();
 }
 
 } // namespace
@@ -48,7 +48,7 @@ void UIRuntime::end()
     ViewAnimation::cancelAll();
     QtMainLoop::instance().flush();
     ViewController::unloadViews();
-    SceneLibrary::clear();
+    SceneLoader::clear();
 }
 
 } // namespace virlo

@@ -1,7 +1,7 @@
 #include "ViewController.h"
 
 #include "MainLoop.h"
-#include "SceneLibrary.h"
+#include "SceneLoader.h"
 #include "SystemLog.h"
 #include "UIRuntime.h"
 #include "WindowPresentation.h"
@@ -58,14 +58,30 @@ void ViewController::loadViewIfNeeded()
         return;
     UIRuntime::begin();
     m_view = loadView();
+    m_scene.failed = m_view == nullptr;
+    if (!m_view)
+        m_view = std::make_unique<View>();
     m_view->m_viewController = this;
     loaded().push_back(this);
-    viewDidLoad();
+    if (!m_scene.failed)
+        viewDidLoad();
+}
+
+void ViewController::prepareView(std::function<void()> done)
+{
+    MainLoop::shared().post([weak = weak_from_this(), done = std::move(done)] {
+        const auto self = weak.lock();
+        SceneLoader::warmUp(self ? self->m_scene.document : QUrl(), [weak, done] {
+            if (const auto prepared = weak.lock())
+                prepared->loadViewIfNeeded();
+            done();
+        });
+    });
 }
 
 std::unique_ptr<View> ViewController::loadView()
 {
-    return m_scene.document.isEmpty() ? std::make_unique<View>() : SceneLibrary::load(m_scene);
+    return m_scene.document.isEmpty() ? std::make_unique<View>() : SceneLoader::load(m_scene);
 }
 
 void ViewController::unloadViews()
@@ -77,22 +93,17 @@ void ViewController::unloadViews()
     }
 }
 
-QObject* ViewController::outletObject(const char* name, const QMetaObject& type) const
+QObject* ViewController::outletObject(const char* name, const QMetaObject& type)
 {
     if (!m_scene.root)
         return nullptr;
-    const std::string scene = m_scene.document.fileName().toStdString();
-    if (m_scene.root->metaObject()->indexOfProperty(name) < 0) {
-        systemLog("The scene " + scene + " has no outlet \"" + name + "\".");
-        return nullptr;
-    }
-    auto* object = m_scene.root->property(name).value<QObject*>();
-    if (object == nullptr || type.cast(object) == nullptr) {
-        systemLog("The outlet \"" + std::string(name) + "\" of the scene " + scene + " is no " +
-                  type.className() + ".");
-        return nullptr;
-    }
-    return object;
+    auto* const object = m_scene.root->property(name).value<QObject*>();
+    if (object != nullptr && type.cast(object) != nullptr)
+        return object;
+    if (!std::exchange(m_scene.failed, true))
+        systemLog("The scene " + m_scene.document.fileName().toStdString() + " has no outlet \"" + name +
+                  "\" that is a " + type.className() + ".");
+    return nullptr;
 }
 
 // Containment
@@ -137,8 +148,8 @@ std::shared_ptr<WindowPresentation> ViewController::presentation() const
 
 void ViewController::dismissViewController()
 {
-    if (const auto standing = presentation())
-        standing->dismiss();
+    if (const auto current = presentation())
+        current->dismiss();
 }
 
 View* ViewController::preferredFocusedView()

@@ -2,9 +2,10 @@
 
 #include "FocusEnvironment.h"
 #include "Responder.h"
-#include "SceneObjects.h"
+#include "SceneInstance.h"
 #include "View.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -14,11 +15,12 @@ namespace virlo
 
 class WindowPresentation;
 
-/// Runs a screen or a part of one: owns its view, hears of its appearing, has a say in the focus.
+/// Controls a screen or a part of one: owns its view, is told when it appears, takes part in the choice of
+/// the focus.
 ///
-/// Made by `make` or by a Storyboard, on any thread, and held by shared pointers; used on the main thread
-/// only. The last pointer may go on any thread and inside any of its own calls: the controller, its view and
-/// everything its scene made are then destroyed on the main thread, in a later turn of the main loop. A
+/// Created by `make` or by a Storyboard, on any thread, and held by shared pointers; used on the main thread
+/// only. The last pointer may be released on any thread and inside any of its own calls: the controller, its
+/// view and its scene's objects are then destroyed on the main thread, in a later turn of the main loop. A
 /// parent keeps its children alive.
 ///
 /// Calls come in this order: `viewDidLoad` once, then for each time on screen `viewWillAppear`,
@@ -46,13 +48,23 @@ public:
     [[nodiscard]] View& view();
     void loadViewIfNeeded();
 
+    /// Compiles the scene and reads the device's fonts off the main thread, then loads the view; the main
+    /// thread never waits for a font. `done` is called on the main thread, also where the controller has
+    /// gone. Any thread.
+    void prepareView(std::function<void()> done);
+
     [[nodiscard]] bool isViewLoaded() const noexcept { return m_view != nullptr; }
 
+    /// Whether the scene could not be loaded (the view is then empty, and `viewDidLoad` was not called) or
+    /// lacks an outlet that was asked for. One line in the log says which. Such a controller is not
+    /// presented.
+    [[nodiscard]] bool sceneHasFailed() const noexcept { return m_scene.failed; }
+
     // Containment
-    /// Takes `child` in; a child of another parent moves. Its view is the caller's to place: the child
-    /// appears with its parent, or at once when its view comes into the view of a parent that is on screen.
+    /// Adds `child`; a child of another parent moves. The caller places its view: the child appears with its
+    /// parent, or at once when its view is added to the view of a parent that is on screen.
     void addChildViewController(const std::shared_ptr<ViewController>& child);
-    /// Leaves the parent, which lets go of this controller; its view leaves its superview, with the
+    /// Leaves the parent, which releases this controller; its view leaves its superview, with the
     /// disappearing calls where it was on screen. Nothing where there is no parent.
     void removeFromParentViewController();
 
@@ -60,7 +72,7 @@ public:
 
     [[nodiscard]] const std::vector<std::shared_ptr<ViewController>>& childViewControllers() const noexcept;
 
-    /// How it stands over a window, or null: for a child its parent's.
+    /// Its presentation over a window, or null: for a child its parent's.
     [[nodiscard]] std::shared_ptr<WindowPresentation> presentation() const;
     /// Dismisses the presentation that it is in, if any.
     void dismissViewController();
@@ -80,14 +92,15 @@ protected:
 
     virtual void viewDidDisappear() {}
 
-    /// Makes the view: an empty one, or the scene's root where a storyboard made this controller.
+    /// Creates the view: an empty one, or the scene's root where a storyboard made this controller; null
+    /// where the scene cannot be loaded.
     [[nodiscard]] virtual std::unique_ptr<View> loadView();
 
-    /// The object that the scene's root holds in its property `name`; null, with an error in the log, where
-    /// there is no such property or it holds something else. Null without a word before the view is loaded or
+    /// The object in the property `name` of the scene's root. Null where there is no such property or it
+    /// holds something else: the scene has then failed. Null without a log line before the view is loaded or
     /// without a scene.
     template <typename T>
-    [[nodiscard]] T* outlet(const char* name) const
+    [[nodiscard]] T* outlet(const char* name)
     {
         QObject* object = outletObject(name, T::staticMetaObject);
         return static_cast<T*>(object);
@@ -105,7 +118,7 @@ private:
     enum class Appearance { Gone, Appearing, Appeared, Disappearing };
 
     static void destroyLater(ViewController* controller);
-    [[nodiscard]] QObject* outletObject(const char* name, const QMetaObject& type) const;
+    [[nodiscard]] QObject* outletObject(const char* name, const QMetaObject& type);
     void beginAppearing();
     void endAppearing();
     void beginDisappearing();
@@ -115,7 +128,7 @@ private:
     /// For the application's end: no view may outlive it.
     static void unloadViews();
 
-    SceneObjects m_scene;
+    SceneInstance m_scene;
     std::unique_ptr<View> m_view;
     ViewController* m_parent = nullptr;
     std::vector<std::shared_ptr<ViewController>> m_children;

@@ -19,9 +19,9 @@ namespace virlo
 namespace
 {
 
-/// Keeps presentations alive while they stand. Main thread. Never destroyed: a host that calls exit() with
-/// an ad on its screen would have its items torn down after Qt's own statics.
-std::vector<std::shared_ptr<WindowPresentation>>& standing()
+/// Keeps presentations alive. Main thread. Never destroyed: a host that calls exit() with an ad on its screen
+/// would have its items destroyed after Qt's own statics.
+std::vector<std::shared_ptr<WindowPresentation>>& presented()
 {
     static auto* const list = new std::vector<std::shared_ptr<WindowPresentation>>;
     return *list;
@@ -43,7 +43,7 @@ WindowPresentation::~WindowPresentation() = default;
 std::shared_ptr<WindowPresentation> WindowPresentation::present(std::shared_ptr<ViewController> controller,
                                                                 QQuickWindow* window, Handlers handlers)
 {
-    // Callers on other threads may let go at once; the last reference must go on the main thread.
+    // Callers on other threads may release it at once; it must be destroyed on the main thread.
     std::shared_ptr<WindowPresentation> presentation(
         new WindowPresentation(std::move(handlers)),
         [](WindowPresentation* one) { MainLoop::performOnMain([one] { delete one; }); });
@@ -63,16 +63,20 @@ void WindowPresentation::start(std::shared_ptr<ViewController> controller, QQuic
     if (!controller || window == nullptr || taken || holdsPresentation(*window)) {
         systemLog(!controller || window == nullptr ? "Cannot present: there is no screen or no window."
                   : taken                          ? "Cannot present: the screen is shown already."
-                          : "Cannot present: another screen stands over the window.");
+                          : "Cannot present: another screen is shown over the window.");
         end(End::Refused);
         return;
     }
     UIRuntime::begin();
+    controller->loadViewIfNeeded();
+    if (controller->sceneHasFailed()) {
+        end(End::Refused);
+        return;
+    }
     const auto self = shared_from_this();
-    standing().push_back(self);
+    presented().push_back(self);
     m_controller = std::move(controller);
     m_controller->m_presentation = self;
-    m_controller->loadViewIfNeeded();
     m_stage = std::make_unique<PresentationStage>(*window, *m_controller, [this] { didShowFirstFrame(); });
     QObject::connect(window, &QObject::destroyed, m_stage.get(), [this] { end(End::WindowGone); });
     m_stage->enter();
@@ -94,7 +98,7 @@ void WindowPresentation::dismiss()
     MainLoop::performOnMain([self = shared_from_this()] { self->end(End::Dismissed); });
 }
 
-bool WindowPresentation::isStanding() const
+bool WindowPresentation::isPresented() const
 {
     return m_stage != nullptr;
 }
@@ -111,10 +115,10 @@ void WindowPresentation::end(End reason)
         stage->leave();
         controller->endDisappearing();
         controller->m_presentation.reset();
-        standing().erase(std::find(standing().begin(), standing().end(), self));
+        presented().erase(std::find(presented().begin(), presented().end(), self));
     }
-    // The stage may be in the middle of the key event that led here, and the handlers must not run on the
-    // caller's stack.
+    // The stage may be handling the key event that led here, and the handlers must not run on the caller's
+    // stack.
     MainLoop::shared().post([stage = std::move(stage), handlers = std::exchange(m_handlers, {}), reason] {
         if (handlers.didEnd)
             handlers.didEnd(reason);
@@ -123,8 +127,8 @@ void WindowPresentation::end(End reason)
 
 void WindowPresentation::endAll()
 {
-    while (!standing().empty()) {
-        const auto last = standing().back();
+    while (!presented().empty()) {
+        const auto last = presented().back();
         last->end(End::WindowGone);
     }
 }

@@ -14,15 +14,15 @@ class ViewController;
 /// Shows a view controller over everything in a host's window, on a canvas of 1920 × 1080 points that is
 /// scaled as a whole to the window, with black bars where the window's shape differs.
 ///
-/// While it stands, it takes every key, shortcut, pointer and touch event of the window; nothing reaches the
-/// host's items. Arrows move the focus (held down, they repeat); Return, Enter, Space and Select are Select;
-/// Escape, Back and Backspace are Menu; media play, pause and their toggle are PlayPause. When it ends, the
-/// host's item that had the focus last has it again, if it still lives and can be seen, and everything made
-/// for the presentation is destroyed.
+/// It takes every key, shortcut, pointer and touch event of the window; nothing reaches the host's items.
+/// Arrows move the focus (held down, they repeat); Return, Enter, Space and Select are Select; Escape, Back
+/// and Backspace are Menu; media play, pause and their toggle are PlayPause. When it ends, the focus returns
+/// to the host's item that had it last, if that still exists and is visible, and everything made for the
+/// presentation is destroyed.
 ///
-/// It keeps itself and the controller alive while it stands. Operations may be called on any thread and
-/// inside any callback or key event; handlers are called on the main thread, never on the caller's stack. One
-/// presentation at a time stands over a window.
+/// It keeps itself and the controller alive until it ends. Operations may be called on any thread and inside
+/// any callback or key event; handlers are called on the main thread, never on the caller's stack. A window
+/// has one presentation at a time.
 class WindowPresentation : public std::enable_shared_from_this<WindowPresentation>
 {
 public:
@@ -32,7 +32,8 @@ public:
     enum class End {
         Dismissed,  ///< by `dismiss`
         WindowGone, ///< the window or the application ended underneath
-        Refused     ///< there is no window or controller, or one of them is in a presentation already; logged
+        Refused     ///< no window or controller, one of them is in a presentation already, or the scene
+                    ///< cannot be loaded; logged
     };
 
     struct Handlers {
@@ -43,17 +44,17 @@ public:
         std::function<void(End)> didEnd;
     };
 
-    /// Starts before it returns where called on the main thread, else in a later turn of its loop; `window`
-    /// may go in between only on the main thread and with notice given by `dismiss`.
+    /// Starts before it returns where called on the main thread, else in a later turn of its loop; until then
+    /// `window` may be destroyed only on the main thread, after `dismiss`.
     static std::shared_ptr<WindowPresentation> present(std::shared_ptr<ViewController> controller,
                                                        QQuickWindow* window, Handlers handlers = {});
 
     ~WindowPresentation();
 
-    /// Ends it, before it returns where called on the main thread; nothing where it has ended.
+    /// Ends it, before it returns where called on the main thread. Later calls do nothing.
     void dismiss();
     /// Main thread: between its start and its end.
-    [[nodiscard]] bool isStanding() const;
+    [[nodiscard]] bool isPresented() const;
 
 private:
     friend class UIRuntime;
