@@ -2,13 +2,12 @@
 
 #include "Image.h"
 #include "VIRLOAdItem.h"
-#include "WindowPresentation.h"
 
 #include <utility>
 
 VIRLOAdFullscreenImageStore::VIRLOAdFullscreenImageStore() : VIRLOImageStore("VIRLOAdFullscreenImageStore")
 {
-    // Only for what the disk did not take.
+    // Only for images that could not be written.
     imageCache().setCountLimit(4);
     imageCache().setCostLimit(std::size_t{8} << 20);
 }
@@ -32,9 +31,7 @@ std::shared_ptr<const virlo::Image> VIRLOAdFullscreenImageStore::imageForItem(co
         bytes = readFile(imageCacheDirectory(), item.identifier());
     if (!bytes)
         return nullptr;
-    using virlo::WindowPresentation;
-    return virlo::Image::decodeCovering(*bytes, WindowPresentation::canvasWidth,
-                                        WindowPresentation::canvasHeight);
+    return virlo::Image::decode(*bytes);
 }
 
 void VIRLOAdFullscreenImageStore::setImageForItem(std::string bytes, const VIRLOAdItem& item)

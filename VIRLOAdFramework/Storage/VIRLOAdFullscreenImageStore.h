@@ -2,18 +2,18 @@
 
 #include "VIRLOImageStore.h"
 
-/// The full-screen ad's pictures, on disk only; there are no thumbnails. What the disk does not take (it is
-/// full or broken, or the identifier is no file name) is kept in memory instead, the last few pictures of it,
-/// so that it can be shown at all.
+/// The full-screen ad's images, on disk only; there are no thumbnails. The last few images that cannot be
+/// written (the disk is full or broken, or the identifier is no file name) are kept in memory instead, so
+/// that they can be shown at all.
 class VIRLOAdFullscreenImageStore : public VIRLOImageStore
 {
 public:
     /// The process's one, made on first use.
     [[nodiscard]] static std::shared_ptr<VIRLOAdFullscreenImageStore> sharedStore();
-    /// What `sharedStore` makes: a store on the same folders with a memory of its own.
+    /// What `sharedStore` makes: a store on the same folders with a memory cache of its own.
     [[nodiscard]] static std::shared_ptr<VIRLOAdFullscreenImageStore> initSingleton();
 
-    /// A picture much larger than the canvas comes reduced, at the least size that still covers it.
+    /// At full resolution.
     [[nodiscard]] std::shared_ptr<const virlo::Image> imageForItem(const VIRLOAdItem& item) override;
     void setImageForItem(std::string bytes, const VIRLOAdItem& item) override;
 

@@ -62,7 +62,8 @@ VIRLOAdInterstitialImageStore::screenshot(const VIRLOAdItem& item, const virlo::
     const Key key = cacheIndetifierForScreenshotOfItemAtIndexPath(item, indexPath);
     if (const Bytes bytes = recall(m_screenshotsCache, key))
         return decode(*bytes);
-    // Not where they are written, and into the cache of whole pictures under the item: kept so on purpose.
+    // Deliberately not the folder that they are written to, and cached as the item's own image: a screenshot
+    // is kept for as long as it is in memory, and no longer.
     const Bytes bytes = readFile(imageCacheDirectory(), key);
     if (!bytes)
         return nullptr;

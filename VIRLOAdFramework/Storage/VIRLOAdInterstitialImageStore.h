@@ -5,20 +5,21 @@
 
 #include <functional>
 
-/// The interstitial's covers and screenshots: 20 pictures in memory, at most 10 MiB, 100 thumbnails, at most
-/// 5 MiB, and 100 screenshots, at most 10 MiB.
+/// The interstitial's cover images and screenshots: 20 images in memory, at most 10 MiB, 100 thumbnails, at
+/// most 5 MiB, and 100 screenshots, at most 10 MiB.
 class VIRLOAdInterstitialImageStore : public VIRLOCachedImageStore, public VIRLOScreenshotsStoreProtocol
 {
 public:
     /// The process's one, made on first use.
     [[nodiscard]] static std::shared_ptr<VIRLOAdInterstitialImageStore> sharedStore();
-    /// What `sharedStore` makes: a store on the same folders with a memory of its own.
+    /// What `sharedStore` makes: a store on the same folders with memory caches of its own.
     [[nodiscard]] static std::shared_ptr<VIRLOAdInterstitialImageStore> initSingleton();
 
     using VIRLOCachedImageStore::imageForItem;
     using VIRLOCachedImageStore::setImageForItem;
-    /// Screenshots are written to the folder of thumbnails and looked for in the folder of images, on
-    /// purpose: one is found while it is in memory and downloaded again afterwards.
+    /// Screenshots are written to the folder of thumbnails and read from the folder of images: an ad's
+    /// screenshots change without a new identifier, so one is found only while it is in memory and downloaded
+    /// again afterwards.
     [[nodiscard]] std::shared_ptr<const virlo::Image>
     imageForItemAtIndexPath(const VIRLOAdItem& item, const virlo::IndexPath& indexPath) override;
     void setImageForItemAtIndexPath(std::string bytes, const VIRLOAdItem& item,

@@ -18,6 +18,6 @@ std::shared_ptr<VIRLOAppGridImageStore> VIRLOAppGridImageStore::initSingleton()
 
 VIRLOImageStore::Bytes VIRLOAppGridImageStore::thumbnailOf(const Bytes& bytes) const
 {
-    const bool looksLikeImage = VIRLOMimeType::mimeType(*bytes).find("image") != std::string::npos;
-    return looksLikeImage ? VIRLOCachedImageStore::thumbnailOf(bytes) : bytes;
+    const bool isImage = VIRLOMimeType::mimeType(*bytes).find("image") != std::string::npos;
+    return isImage ? VIRLOCachedImageStore::thumbnailOf(bytes) : bytes;
 }

@@ -43,10 +43,10 @@ std::shared_ptr<const Image> VIRLOCachedImageStore::thumbnailForItem(const VIRLO
 void VIRLOCachedImageStore::setImageForItem(std::string bytes, const VIRLOAdItem& item)
 {
     const Key& key = item.identifier();
-    const auto picture = std::make_shared<const std::string>(std::move(bytes));
-    remember(imageCache(), key, picture);
-    writeFile(imageCacheDirectory(), key, *picture);
-    const Bytes thumbnail = thumbnailOf(picture);
+    const auto image = std::make_shared<const std::string>(std::move(bytes));
+    remember(imageCache(), key, image);
+    writeFile(imageCacheDirectory(), key, *image);
+    const Bytes thumbnail = thumbnailOf(image);
     if (!thumbnail)
         return;
     remember(thumbnailCache(), key, thumbnail);
@@ -55,12 +55,12 @@ void VIRLOCachedImageStore::setImageForItem(std::string bytes, const VIRLOAdItem
 
 VIRLOImageStore::Bytes VIRLOCachedImageStore::thumbnailOf(const Bytes& bytes) const
 {
-    // At a reduced size: a thumbnail needs a fiftieth of a full picture's pixels.
-    constexpr int side = VIRLORoundedCorners::thumbnailSide;
-    const auto picture = Image::decodeCovering(*bytes, side, side);
-    if (!picture)
+    // At a reduced size: a thumbnail needs a fiftieth of a full image's pixels.
+    const int side = VIRLORoundedCorners::thumbnailPixels();
+    const auto image = Image::decodeCovering(*bytes, side, side);
+    if (!image)
         return nullptr;
-    const auto thumbnail = VIRLORoundedCorners::VIRLO_thumbnailWithRoundedCorners(*picture);
+    const auto thumbnail = VIRLORoundedCorners::VIRLO_thumbnailWithRoundedCorners(*image);
     auto data = thumbnail ? thumbnail->pngData() : std::string();
     return data.empty() ? nullptr : std::make_shared<const std::string>(std::move(data));
 }

@@ -2,8 +2,8 @@
 
 #include "VIRLOImageStore.h"
 
-/// What the stores with memory caches have in common: reads that look into memory first, writes that go to
-/// both levels together with a thumbnail. Every read decodes again, so that memory holds encoded bytes only.
+/// The common part of the stores with memory caches: reads try memory first, writes go to both levels
+/// together with a thumbnail. Every read decodes again, so that memory holds encoded bytes only.
 class VIRLOCachedImageStore : public VIRLOImageStore
 {
 public:
@@ -20,7 +20,7 @@ protected:
     /// decode.
     [[nodiscard]] virtual Bytes thumbnailOf(const Bytes& bytes) const;
 
-    /// A file that decodes goes into `cache`.
+    /// From `cache`, or else from the file; a file that decodes is put into `cache`.
     [[nodiscard]] static std::shared_ptr<const virlo::Image>
     imageOf(Cache& cache, const std::string& directory, const Key& key);
 };

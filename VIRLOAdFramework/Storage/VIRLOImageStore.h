@@ -9,14 +9,14 @@
 #include <string>
 #include <string_view>
 
-/// Pictures of ad items as encoded bytes, at two levels: a bounded memory cache and files in the host's
+/// Images of ad items as encoded bytes, at two levels: a bounded memory cache and files in the host's
 /// caches folder. Each kind of screen has a store of its own class, one for the process.
 ///
 /// Files: "<caches>/<class name>/images/<identifier>", the bytes as downloaded, and
 /// "<caches>/<class name>/thumbnails/<identifier>", PNG; the system may empty the caches folder at any time.
 /// Names are the items' identifiers exactly as given. An identifier that cannot be a file name never reaches
-/// the disk: its picture is kept in memory alone. A damaged file reads as none, a write that fails is
-/// ignored.
+/// the disk: its image is kept in memory alone. A file that does not decode counts as missing, a write that
+/// fails is ignored.
 ///
 /// Every operation and the first use of a store may wait for the disk and decode: call it from a worker. Any
 /// thread; files change as a whole.
@@ -47,7 +47,7 @@ public:
 protected:
     using Bytes = std::shared_ptr<const std::string>;
     using Cache = virlo::MemoryCache<std::string, Bytes>;
-    /// What names an item (or a screenshot) in a cache and a folder; nothing for an item without identifier.
+    /// The name of an item (or a screenshot) in a cache and a folder; none for an item without identifier.
     using Key = std::optional<std::string>;
 
     explicit VIRLOImageStore(const char* className);

@@ -10,8 +10,8 @@ namespace virlo
 class Image;
 }
 
-/// Where an item's picture is kept between its download and its showing. Every call may block for the disk
-/// and for decoding. Any thread; nothing fails: what cannot be read is absent.
+/// Keeps an item's image between its download and its presentation. Every call may block for the disk and for
+/// decoding. Any thread; nothing fails: what cannot be read is absent.
 class VIRLOImageStoreProtocol
 {
 public:
@@ -20,6 +20,6 @@ public:
     /// Decoded, or null.
     [[nodiscard]] virtual std::shared_ptr<const virlo::Image> imageForItem(const VIRLOAdItem& item) = 0;
     [[nodiscard]] virtual std::shared_ptr<const virlo::Image> thumbnailForItem(const VIRLOAdItem& item) = 0;
-    /// `bytes` as they were downloaded, which may be no picture at all.
+    /// `bytes` as they were downloaded, which may be no image at all.
     virtual void setImageForItem(std::string bytes, const VIRLOAdItem& item) = 0;
 };

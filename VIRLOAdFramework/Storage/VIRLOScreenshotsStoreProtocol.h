@@ -12,7 +12,7 @@ namespace virlo
 class Image;
 }
 
-/// What an image store also adopts where it keeps the screenshots of an item, each by its place. As
+/// Adopted by an image store that also keeps the screenshots of an item, each by its index path. As
 /// VIRLOImageStoreProtocol otherwise.
 class VIRLOScreenshotsStoreProtocol
 {

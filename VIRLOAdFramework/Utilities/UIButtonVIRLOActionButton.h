@@ -7,9 +7,9 @@ namespace virlo
 class Button;
 }
 
-/// The look of a platform button after an ad's description of it. Main thread.
+/// Applies an ad's description of a button to a platform button. Main thread.
 namespace UIButtonVIRLOActionButton
 {
-/// Text as the title where there is one, and the two colours. Place and action are the screen's.
+/// The text as the title, where there is one, and the two colours. The screen sets position and action.
 void applyPropertiesFromModel(virlo::Button& button, const VIRLOActionButton& model);
 } // namespace UIButtonVIRLOActionButton

@@ -9,9 +9,9 @@ namespace virlo
 class ActivityIndicatorView;
 }
 
-/// A dark cover with a spinning wheel over a whole view. While it is shown it has the focus, so that what
-/// lies below cannot be pressed again; Menu passes through. Made by `virlo::View::make`; the view that it
-/// covers keeps it until `dismiss`. Main thread.
+/// A busy overlay: dark, with a spinning wheel, over a whole view. While it is shown it has the focus, so
+/// that nothing below can be pressed again; Menu passes through. Made by `virlo::View::make`; the view that
+/// it covers keeps it until `dismiss`. Main thread.
 class VIRLOActivityIndicator : public virlo::View, public std::enable_shared_from_this<VIRLOActivityIndicator>
 {
     Q_OBJECT
@@ -19,9 +19,9 @@ class VIRLOActivityIndicator : public virlo::View, public std::enable_shared_fro
 public:
     VIRLOActivityIndicator();
 
-    /// Moves here where it is shown already.
+    /// Moves to `view` if it is shown already.
     void shownInView(virlo::View& view);
-    /// Nothing where it is not shown.
+    /// Nothing if it is not shown.
     void dismiss();
 
     [[nodiscard]] const virlo::ActivityIndicatorView& activityIndicator() const noexcept

@@ -2,8 +2,8 @@
 
 #include "Button.h"
 
-/// A button that lifts itself while it is pressed. What it looked like before is kept at every highlight,
-/// also at a second one in a row: that one keeps the lifted look. Main thread.
+/// A button that is lifted while it is pressed. The normal appearance is saved at every highlight; a second
+/// one in a row deliberately saves the lifted appearance as the normal one. Main thread.
 class VIRLOButton : public virlo::Button
 {
     Q_OBJECT
@@ -14,7 +14,7 @@ public:
 
     void setHighlighted(bool highlighted) override;
 
-    /// The look before the last highlight.
+    /// The appearance before the last highlight.
     [[nodiscard]] QPointF normalShadowOffset() const noexcept { return m_normalShadowOffset; }
 
     [[nodiscard]] double normalShadowRadius() const noexcept { return m_normalShadowRadius; }

@@ -12,10 +12,10 @@ namespace
 {
 
 constexpr virlo::Seconds stepDuration{1.0};
-/// The next second's tick may come a frame or two after the last frame of this second's way. Until then the
-/// way's end stands, or the ring would flash its rest value each second.
+/// The next second's tick may come a frame or two after the last frame of this second's animation. Its end
+/// value is shown until then, or the ring would flash its resting value each second.
 constexpr virlo::Seconds tickSlack{0.1};
-/// Of a full ring a hair's width stays open, so that it still draws as a slice.
+/// A full ring stays open by less than a pixel, so that it is still drawn as a slice.
 constexpr double fullest = 0.9999998807907104;
 
 } // namespace
@@ -38,19 +38,20 @@ void VIRLOCircularProgressLayer::addProgressAnimation(double from, double to)
     removeProgressAnimation();
     m_animated = from;
     const virlo::Seconds whole = stepDuration + tickSlack;
-    // Drawn anew a pixel further on: less is not seen, and would be drawn sixty times a second.
+    // Redrawn when its end has moved by a pixel: anything less is invisible, and would be drawn sixty times a
+    // second.
     const double pixels = std::numbers::pi * std::min(width(), height()) * resolution();
     const auto step = [this, from, to, whole, pixels](double share) {
         const double now = from + (to - from) * std::min(1.0, share * (whole / stepDuration));
-        const bool isSeen = std::round(now * pixels) != std::round(m_animated * pixels);
+        const bool isVisible = std::round(now * pixels) != std::round(m_animated * pixels);
         m_animated = now;
-        if (!isSeen)
+        if (!isVisible)
             return;
         setNeedsDisplay();
     };
-    // Told in a later turn of the loop, when the layer may have gone or another way have begun.
-    const auto ended = [layer = QPointer(this), way = ++m_way](bool finished) {
-        if (!finished || !layer || layer->m_way != way)
+    // Called in a later turn of the loop, when the layer may be destroyed or another animation may run.
+    const auto ended = [layer = QPointer(this), generation = ++m_generation](bool finished) {
+        if (!finished || !layer || layer->m_generation != generation)
             return;
         layer->m_animation.reset();
         layer->setNeedsDisplay();
@@ -64,7 +65,7 @@ void VIRLOCircularProgressLayer::removeProgressAnimation()
     if (const auto animation = std::move(m_animation))
         animation->cancel();
     m_animation.reset();
-    ++m_way;
+    ++m_generation;
 }
 
 void VIRLOCircularProgressLayer::setTrackTintColor(const QColor& color)
@@ -101,7 +102,7 @@ void VIRLOCircularProgressLayer::drawInContext(QPainter& context, const QRectF& 
     const QPointF center = bounds.center();
     const double radius = std::min(bounds.width(), bounds.height()) * 0.5;
     const QRectF circle(center.x() - radius, center.y() - radius, 2 * radius, 2 * radius);
-    // A count from 0 has no shares: what comes out of dividing by it draws as an empty or a full ring.
+    // A countdown from 0 divides by zero: NaN is drawn as an empty ring.
     const double share = std::isnan(presentedProgress()) ? 0 : std::min(presentedProgress(), fullest);
 
     context.save();
@@ -110,7 +111,7 @@ void VIRLOCircularProgressLayer::drawInContext(QPainter& context, const QRectF& 
     context.drawEllipse(circle);
     if (share > 0) {
         QPainterPath slice(center);
-        // Qt counts its angles against the clock.
+        // Qt's angles grow counterclockwise.
         slice.arcTo(circle, 90, (m_clockwiseProgress ? -360 : 360) * share);
         slice.closeSubpath();
         context.setBrush(m_progressTintColor);

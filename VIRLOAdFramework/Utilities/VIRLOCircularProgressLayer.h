@@ -7,8 +7,8 @@
 
 #include <memory>
 
-/// A ring, clear in the middle, of which a share from the top on is filled. It draws only when something
-/// changed, and once a frame while an animation runs. Owned by the view that it fills; main thread.
+/// A ring of which a share is filled, beginning at the top. It is drawn only when something changed, at most
+/// once a frame while an animation runs. Owned by the view that it fills; main thread.
 class VIRLOCircularProgressLayer : public virlo::PaintedView
 {
     Q_OBJECT
@@ -17,15 +17,16 @@ public:
     explicit VIRLOCircularProgressLayer(QQuickItem* superview = nullptr);
     ~VIRLOCircularProgressLayer() override;
 
-    /// The share at rest, 0 to 1; anything else is drawn as the nearer end.
+    /// The filled share without an animation, 0 to 1; other values are drawn as the nearer end.
     [[nodiscard]] double progress() const noexcept { return m_progress; }
 
     void setProgress(double progress);
 
-    /// What stands on the screen: the animation's share while one runs, else `progress`.
+    /// The share that is shown: the animation's while one runs, else `progress`.
     [[nodiscard]] double presentedProgress() const noexcept { return m_animation ? m_animated : m_progress; }
 
-    /// Shows the way from `from` to `to` in a second, in place of any way before, and then `progress` again.
+    /// Animates from `from` to `to` in one second, replacing any other animation, and then shows `progress`
+    /// again.
     void addProgressAnimation(double from, double to);
     void removeProgressAnimation();
 
@@ -46,7 +47,7 @@ public:
 
     void setClockwiseProgress(bool clockwise);
 
-    /// What `paint` does, for whoever draws elsewhere.
+    /// Draws the ring into `bounds`.
     void drawInContext(QPainter& context, const QRectF& bounds) const;
 
 protected:
@@ -56,7 +57,7 @@ private:
     double m_progress = 0;
     double m_animated = 0;
     std::shared_ptr<virlo::Animation> m_animation;
-    unsigned m_way = 0; ///< counts the ways begun and removed
+    unsigned m_generation = 0; ///< counts the animations begun and removed
     QColor m_trackTintColor = QColor::fromRgbF(0, 0, 0, 0.25F);
     QColor m_progressTintColor = Qt::white;
     double m_thicknessRatio = 0.15;

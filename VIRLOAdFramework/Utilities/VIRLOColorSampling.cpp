@@ -9,21 +9,21 @@
 namespace
 {
 
-/// Byte `index` of the picture's bitmap: rows of red, green, blue and alpha, premultiplied.
+/// Byte `index` of the image's bitmap: rows of red, green, blue and alpha, premultiplied.
 std::uint8_t byteAt(const QImage& pixels, std::size_t index)
 {
     const auto pixel = static_cast<int>(index / 4 % static_cast<std::size_t>(pixels.width()));
     const auto row = static_cast<int>(index / 4 / static_cast<std::size_t>(pixels.width()));
-    const QRgb colour = reinterpret_cast<const QRgb*>(pixels.constScanLine(row))[pixel];
+    const QRgb color = reinterpret_cast<const QRgb*>(pixels.constScanLine(row))[pixel];
     switch (index % 4) {
     case 0:
-        return static_cast<std::uint8_t>(qRed(colour));
+        return static_cast<std::uint8_t>(qRed(color));
     case 1:
-        return static_cast<std::uint8_t>(qGreen(colour));
+        return static_cast<std::uint8_t>(qGreen(color));
     case 2:
-        return static_cast<std::uint8_t>(qBlue(colour));
+        return static_cast<std::uint8_t>(qBlue(color));
     default:
-        return pixels.hasAlphaChannel() ? static_cast<std::uint8_t>(qAlpha(colour)) : 255;
+        return pixels.hasAlphaChannel() ? static_cast<std::uint8_t>(qAlpha(color)) : 255;
     }
 }
 

@@ -5,7 +5,7 @@ namespace virlo
 class View;
 }
 
-/// A mark on a view that should have the focus first. Main thread.
+/// Marks the view that should get the focus first. Main thread.
 namespace VIRLOFocusPreference
 {
 void VIRLO_markFocusPreference(virlo::View& view);

@@ -1,6 +1,7 @@
 #include "VIRLORoundedCorners.h"
 
 #include "Image.h"
+#include "MainScreen.h"
 #include "QtWork.h"
 
 #include <QPainter>
@@ -8,20 +9,10 @@
 #include <algorithm>
 #include <cmath>
 
-namespace
+int VIRLORoundedCorners::thumbnailPixels()
 {
-
-/// `picture` shrunk to about `size` where it is much larger: the painter's own scaling looks at four pixels
-/// only.
-QImage nearSize(const QImage& picture, const QSizeF& size)
-{
-    const QSize wanted(static_cast<int>(std::ceil(size.width())), static_cast<int>(std::ceil(size.height())));
-    if (picture.width() <= wanted.width() || picture.height() <= wanted.height())
-        return picture;
-    return picture.scaled(wanted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    return static_cast<int>(std::lround(thumbnailSide * virlo::MainScreen::scale()));
 }
-
-} // namespace
 
 std::shared_ptr<const virlo::Image>
 VIRLORoundedCorners::VIRLO_thumbnailWithRoundedCorners(const virlo::Image& image)
@@ -29,24 +20,26 @@ VIRLORoundedCorners::VIRLO_thumbnailWithRoundedCorners(const virlo::Image& image
     const virlo::QtWork work;
     if (!work.mayBegin())
         return nullptr;
-    const double side = thumbnailSide;
-    const auto scale = static_cast<float>(std::max(side / image.width(), side / image.height()));
-    const QSizeF size(image.width() * double{scale}, image.height() * double{scale});
-    const QImage picture = nearSize(image.qImage(), size);
+    const int side = thumbnailPixels();
+    const auto scale =
+        static_cast<float>(std::max(side / double(image.width()), side / double(image.height())));
+    // Scaled as a whole first: the painter's own scaling samples four pixels only.
+    const auto scaledSide = [&](int length) {
+        return std::max(side, static_cast<int>(std::lround(length * double{scale})));
+    };
+    const QImage filling = image.qImage().scaled(scaledSide(image.width()), scaledSide(image.height()),
+                                                 Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 
-    QTransform place;
-    place.translate((side - size.width()) * 0.5, (side - size.height()) * 0.5);
-    place.scale(size.width() / picture.width(), size.height() / picture.height());
-    QBrush brush(picture);
-    brush.setTransform(place);
-
-    QImage canvas(thumbnailSide, thumbnailSide, QImage::Format_ARGB32_Premultiplied);
+    QImage canvas(side, side, QImage::Format_ARGB32_Premultiplied);
     canvas.fill(Qt::transparent);
     QPainter painter(&canvas);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(brush);
-    painter.drawRoundedRect(canvas.rect(), cornerRadius, cornerRadius);
+    painter.setBrush(Qt::black);
+    const double radius = cornerRadius * side / thumbnailSide;
+    painter.drawRoundedRect(canvas.rect(), radius, radius);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.drawImage(QPointF((side - filling.width()) * 0.5, (side - filling.height()) * 0.5), filling);
     painter.end();
     return virlo::Image::fromQImage(std::move(canvas));
 }

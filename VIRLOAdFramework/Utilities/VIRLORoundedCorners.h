@@ -10,11 +10,13 @@ class Image;
 /// Thumbnails. Any thread.
 namespace VIRLORoundedCorners
 {
-inline constexpr int thumbnailSide = 150;
-inline constexpr int cornerRadius = 30;
+inline constexpr double thumbnailSide = 150; ///< in points
+inline constexpr double cornerRadius = 30;
 
-/// 150 × 150 points: the picture's middle, scaled to fill, with round corners on a clear ground.
-/// Nothing once the process ends.
+/// The side of a thumbnail in the window's pixels.
+[[nodiscard]] int thumbnailPixels();
+/// 150 × 150 points in the window's pixels: the middle of the image, scaled to fill, with rounded corners on
+/// a transparent background. Null once the process ends.
 [[nodiscard]] std::shared_ptr<const virlo::Image>
 VIRLO_thumbnailWithRoundedCorners(const virlo::Image& image);
 } // namespace VIRLORoundedCorners

@@ -16,8 +16,8 @@ namespace
 {
 constexpr virlo::Seconds tick{1.0};
 constexpr virlo::Seconds fadeDuration{1.0};
-/// The picture's side as a share of the button's.
-constexpr double pictureShare = 4.0 / 9.0;
+/// The image's side as a share of the button's.
+constexpr double imageShare = 4.0 / 9.0;
 } // namespace
 
 VIRLOTimerButton::VIRLOTimerButton(QQuickItem* superview)
@@ -126,7 +126,7 @@ void VIRLOTimerButton::updateCountdown()
         setProgressAnimated(m_timerValue / m_initialTimerValue, true);
         return;
     }
-    // The timer goes on until the fade has ended: its next tick finds the fade under way.
+    // The timer runs until the fade has ended, so its next tick comes during the fade.
     if (m_fading)
         return;
     m_fading = true;
@@ -153,8 +153,8 @@ void VIRLOTimerButton::finish()
 void VIRLOTimerButton::setProgressAnimated(double progress, bool animated)
 {
     m_layer->removeProgressAnimation();
-    // The layer's own progress stays full while the way of each second is shown: so the ring closes again
-    // around the picture when the count is over.
+    // The layer's own progress stays full while each second is animated: so the ring closes again around the
+    // image when the countdown is over.
     if (animated)
         m_layer->addProgressAnimation(progress + 1 / m_initialTimerValue, progress);
     else
@@ -190,6 +190,6 @@ void VIRLOTimerButton::geometryChange(const QRectF& now, const QRectF& before)
 {
     Control::geometryChange(now, before);
     m_timerValueLabel->setFontSize(now.height() / 3.0);
-    const double side = std::min(now.width(), now.height()) * pictureShare;
+    const double side = std::min(now.width(), now.height()) * imageShare;
     m_imageView->setFrame({(now.width() - side) / 2, (now.height() - side) / 2, side, side});
 }

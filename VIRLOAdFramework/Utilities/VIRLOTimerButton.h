@@ -16,10 +16,9 @@ class ImageView;
 class Label;
 } // namespace virlo
 
-/// A ring that counts whole seconds down. Having reached 0 it fades its number out and its picture in, and
-/// only then can it have the focus and be pressed. Once started it cannot be stopped or set anew before it
-/// has come to its end. Main thread; seconds come from a repeating timer on the main loop, which ends with
-/// the button.
+/// A ring that counts whole seconds down. At 0 it fades its number out and its image in, and only then can it
+/// be focused and pressed. Once started it cannot be stopped or set again before its end. Main thread; the
+/// timer is a repeating one on the main loop, which ends with the button.
 class VIRLOTimerButton : public virlo::Control
 {
     Q_OBJECT
@@ -30,7 +29,7 @@ class VIRLOTimerButton : public virlo::Control
     Q_PROPERTY(double thicknessRatio READ thicknessRatio WRITE setThicknessRatio NOTIFY styleChanged FINAL)
     Q_PROPERTY(
         bool clockwiseProgress READ clockwiseProgress WRITE setClockwiseProgress NOTIFY styleChanged FINAL)
-    Q_PROPERTY(bool active READ isActive NOTIFY activeChanged FINAL)
+    Q_PROPERTY(bool active READ active NOTIFY activeChanged FINAL)
 
 public:
     explicit VIRLOTimerButton(QQuickItem* superview = nullptr);
@@ -45,11 +44,11 @@ public:
     [[nodiscard]] bool clockwiseProgress() const;
     void setClockwiseProgress(bool clockwise);
 
-    /// Shown when the count is over, fitted into the middle of the ring.
+    /// Shown when the countdown is over, fitted into the middle of the ring.
     [[nodiscard]] std::shared_ptr<const virlo::Image> image() const;
     void setImage(std::shared_ptr<const virlo::Image> image);
 
-    /// Seconds. Setting it also sets `timerValue` and fills the ring; without effect while the timer runs.
+    /// Seconds. Setting it also sets `timerValue` and fills the ring; ignored while the timer runs.
     [[nodiscard]] double initialTimerValue() const noexcept { return m_initialTimerValue; }
 
     void setInitialTimerValue(double seconds);
@@ -59,13 +58,13 @@ public:
     void setTimerValue(double seconds);
 
     void start();
-    /// What the timer calls each second.
+    /// Called by the timer each second.
     void updateCountdown();
     void setProgressAnimated(double progress, bool animated);
     [[nodiscard]] bool timerIsRunning() const;
 
-    /// True once the count is over.
-    [[nodiscard]] bool isActive() const noexcept { return m_active; }
+    /// True once the countdown is over.
+    [[nodiscard]] bool active() const noexcept { return m_active; }
 
     [[nodiscard]] bool canBecomeFocused() const override;
     void pressesEnded(const std::vector<virlo::Press>& presses) override;

@@ -72,8 +72,8 @@ void VIRLOTimerProgress::setInitialTimerValue(double seconds)
 
 void VIRLOTimerProgress::setTimerValue(double seconds)
 {
-    // The ring's own share lags one value behind the way's end on purpose; values that come each second never
-    // let it be seen.
+    // The ring's own share is deliberately one value behind the animation's end; with a new value each second
+    // it is never seen.
     m_layer->setProgress(m_timerValue / m_initialTimerValue);
     m_layer->addProgressAnimation(static_cast<float>(m_timerValue / m_initialTimerValue),
                                   static_cast<float>(seconds / m_initialTimerValue));

@@ -11,7 +11,7 @@ namespace virlo
 class Label;
 }
 
-/// A ring with a number of seconds in its middle, driven from outside about once a second. Main thread.
+/// A ring with a number of seconds in its middle, set by its owner about once a second. Main thread.
 class VIRLOTimerProgress : public virlo::View
 {
     Q_OBJECT
@@ -42,7 +42,7 @@ public:
 
     [[nodiscard]] double timerValue() const noexcept { return m_timerValue; }
 
-    /// Moves the ring from the old value's share to the new one's in a second.
+    /// Animates the ring from the old value's share to the new one's in one second.
     void setTimerValue(double seconds);
 
     [[nodiscard]] const VIRLOCircularProgressLayer& layer() const noexcept { return *m_layer; }
