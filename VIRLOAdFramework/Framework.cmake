@@ -2,8 +2,9 @@ include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 find_package(nlohmann_json REQUIRED)
 
-# What hosts link: everything below in one library, of which only what carries VIRLO_EXPORT can be seen.
-add_library(VIRLOAdFramework SHARED $<TARGET_OBJECTS:virlo-screens-static>)
+# What hosts link: everything below in one library that exports only what carries VIRLO_EXPORT. The archives are linked
+# whole, since hosts may call what the library itself does not.
+add_library(VIRLOAdFramework SHARED LibraryStart.cpp $<TARGET_OBJECTS:virlo-screens>)
 add_library(VIRLOAdFramework::VIRLOAdFramework ALIAS VIRLOAdFramework)
 set_target_properties(VIRLOAdFramework PROPERTIES
   LINKER_LANGUAGE CXX
@@ -12,7 +13,7 @@ set_target_properties(VIRLOAdFramework PROPERTIES
   LINK_LIBRARY_OVERRIDE "WHOLE_ARCHIVE,virlo-core,virlo-platform,virlo-platform-ui,virlo-platform-player,virlo-platform-media")
 target_link_libraries(VIRLOAdFramework
   PUBLIC nlohmann_json::nlohmann_json
-  PRIVATE virlo-screens-static)
+  PRIVATE virlo-screens)
 target_link_options(VIRLOAdFramework PRIVATE "-Wl,--version-script=${CMAKE_CURRENT_SOURCE_DIR}/Exports.map")
 set_property(TARGET VIRLOAdFramework APPEND PROPERTY LINK_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/Exports.map")
 target_compile_features(VIRLOAdFramework INTERFACE cxx_std_20)

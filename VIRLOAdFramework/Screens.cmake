@@ -1,17 +1,22 @@
 find_package(Qt6 6.4 REQUIRED COMPONENTS Quick)
 
-# The image stores, the controls and the screens, apart from the shared library so that tests see what that
-# one hides. Linked whole (by way of virlo-screens): the screens install themselves from static initialisers.
-qt_add_library(virlo-screens-static STATIC)
-set_target_properties(virlo-screens-static PROPERTIES AUTOMOC ON)
-target_include_directories(virlo-screens-static PUBLIC
-  "${CMAKE_CURRENT_SOURCE_DIR}/ViewControllers"
-  "${CMAKE_CURRENT_SOURCE_DIR}/ViewControllers/Fullscreen"
-  "${CMAKE_CURRENT_SOURCE_DIR}/ViewControllers/Interstitial"
-  "${CMAKE_CURRENT_SOURCE_DIR}/ViewControllers/Video"
-)
-target_link_libraries(virlo-screens-static PUBLIC virlo-core virlo-platform-ui virlo-platform-media Qt6::Quick)
-target_sources(virlo-screens-static PRIVATE
+# The screens: for each a folder of ViewControllers. A screen with a scene also has a QML document in Storyboard, named
+# by its identifier. VIRLOAdStoryboardScreens.cpp lists them for the code.
+set(VIRLO_SCREENS Fullscreen Interstitial Video)
+
+# The image stores, the controls and the screens, apart from the shared library so that tests can use what that one hides.
+# A program that links it calls VIRLOAdStoryboardScreens::start.
+qt_add_library(virlo-screens STATIC)
+set_target_properties(virlo-screens PROPERTIES AUTOMOC ON)
+target_link_libraries(virlo-screens PUBLIC virlo-core virlo-platform-ui virlo-platform-media Qt6::Quick)
+target_include_directories(virlo-screens PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}/ViewControllers")
+foreach(screen IN LISTS VIRLO_SCREENS)
+  file(GLOB sources CONFIGURE_DEPENDS
+    RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" ViewControllers/${screen}/*.cpp ViewControllers/${screen}/*.h)
+  target_sources(virlo-screens PRIVATE ${sources})
+  target_include_directories(virlo-screens PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}/ViewControllers/${screen}")
+endforeach()
+target_sources(virlo-screens PRIVATE
   Storage/VIRLOAdFullscreenImageStore.cpp
   Storage/VIRLOAdInterstitialImageStore.cpp
   Storage/VIRLOAppGridFeaturedImageStore.cpp
@@ -30,14 +35,6 @@ target_sources(virlo-screens-static PRIVATE
   Utilities/VIRLORoundedCorners.cpp
   Utilities/VIRLOTimerButton.cpp
   Utilities/VIRLOTimerProgress.cpp
-  ViewControllers/Fullscreen/VIRLOAdFullscreenViewController.cpp
-  ViewControllers/Interstitial/VIRLOAdInterstitialScreenshots.cpp
-  ViewControllers/Interstitial/VIRLOAdInterstitialViewController.cpp
-  ViewControllers/Video/VIRLOAdVideoView.cpp
-  ViewControllers/Video/VIRLOAdVideoView.h
-  ViewControllers/Video/VIRLOAdVideoViewController.cpp
-  ViewControllers/Video/VIRLOAdVideoViewController+Playback.cpp
-  ViewControllers/Video/VIRLOAdVideoViewController+Reporting.cpp
   ViewControllers/VIRLOAdPresenter.cpp
   ViewControllers/VIRLOAdStoryboardScreens.cpp
   ViewControllers/VIRLOAdViewController.cpp
@@ -45,7 +42,8 @@ target_sources(virlo-screens-static PRIVATE
   ViewControllers/VIRLOFocusLift.cpp
 )
 
-qt_add_qml_module(virlo-screens-static
+file(GLOB scenes CONFIGURE_DEPENDS RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" Storyboard/*.qml)
+qt_add_qml_module(virlo-screens
   URI VIRLOAdFramework
   VERSION 1.0
   NO_PLUGIN
@@ -58,16 +56,11 @@ qt_add_qml_module(virlo-screens-static
     Utilities/VIRLOCarouselElement.h
     Utilities/VIRLOTimerButton.h
     Utilities/VIRLOTimerProgress.h
-  QML_FILES
-    Storyboard/QDXAdFullscreenViewController.qml
-    Storyboard/QDXAdSingleViewController.qml
+  QML_FILES ${scenes}
 )
-# The code that Qt generates from the documents shadows its own names.
-get_target_property(generated virlo-screens-static SOURCES)
-list(FILTER generated INCLUDE REGEX "/qmlcache/")
-set_source_files_properties(${generated} PROPERTIES COMPILE_OPTIONS -Wno-shadow)
+virlo_admit_generated_qml(virlo-screens)
 
-qt_add_resources(virlo-screens-static virlo-pictures
+qt_add_resources(virlo-screens virlo-images
   PREFIX "/com.virlohq.VIRLOAdFramework"
   BASE Resources
   FILES
@@ -82,8 +75,5 @@ qt_add_resources(virlo-screens-static virlo-pictures
     Resources/icon_phone.png
     Resources/icon_sms.png
 )
-
-add_library(virlo-screens INTERFACE)
-target_link_libraries(virlo-screens INTERFACE "$<LINK_LIBRARY:WHOLE_ARCHIVE,virlo-screens-static>")
 
 include("${CMAKE_CURRENT_LIST_DIR}/Framework.cmake")

@@ -6,6 +6,8 @@
 #include "Benchmarks.h"
 #include "TestImages.h"
 
+#include "VIRLOAdStoryboardScreens.h"
+
 #include <QGuiApplication>
 
 #include <array>
@@ -42,6 +44,7 @@ int drawImages(const std::filesystem::path& folder, int last)
 
 int main(int count, char** arguments)
 {
+    VIRLOAdStoryboardScreens::start();
     QGuiApplication application(count, arguments);
     const std::string name = count > 2 ? arguments[1] : "";
     try {

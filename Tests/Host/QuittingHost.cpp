@@ -11,6 +11,7 @@
 #include "VIRLOAdController.h"
 #include "VIRLOAdPresenter.h"
 #include "VIRLOAdServerAPI.h"
+#include "VIRLOAdStoryboardScreens.h"
 #include "VIRLOAppRequestStore.h"
 #include "VIRLOTrackingManager.h"
 
@@ -38,6 +39,7 @@ int main(int count, char** arguments)
 {
     if (count != 5)
         return 2;
+    VIRLOAdStoryboardScreens::start();
     QGuiApplication application(count, arguments);
     virlo::Bundle::setMainBundle("com.example.quitting-host", "Quitting Host", "1.0");
     virlo::URLSessionConfiguration::setDefaultTrustedAuthoritiesFile(arguments[2]);

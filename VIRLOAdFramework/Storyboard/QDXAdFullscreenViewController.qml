@@ -2,11 +2,11 @@ import QtQuick
 import Virlo.UI
 import VIRLOAdFramework
 
-// One picture from edge to edge, the action button where the ad says, the countdown in the lower left corner.
+// One full-screen image, the action button where the ad says, the countdown in the lower left corner.
 View {
     id: screen
 
-    property alias backgroundImage: picture
+    property alias backgroundImage: background
     property alias closeButton: countdown
     property alias closeButtonHalo: halo
     property alias activityIndicator: wheel
@@ -27,7 +27,7 @@ View {
     LayoutConstraint { id: actionTop }
 
     ImageView {
-        id: picture
+        id: background
         anchors.fill: parent
         contentMode: ImageView.AspectFill
     }
@@ -73,7 +73,7 @@ View {
         focusRingWidth: 6
     }
 
-    // The ring and its number read on any picture.
+    // Keeps the ring and its number readable on any image.
     ImageView {
         id: halo
         anchors.centerIn: countdown

@@ -14,8 +14,7 @@ using virlo::WindowPresentation;
 namespace
 {
 
-/// The dismissal that stands in for an `adCompleted` which the host did not set: for the time of one
-/// presentation.
+/// Sets the dismissal as `adCompleted` for one presentation, where the host has set none.
 class Dismissal
 {
 public:

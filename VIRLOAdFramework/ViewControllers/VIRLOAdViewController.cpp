@@ -13,7 +13,7 @@ VIRLOAdViewController::AdCompleted VIRLOAdViewController::adCompleted() const
 
 void VIRLOAdViewController::setAdCompleted(AdCompleted adCompleted)
 {
-    // What the old one held is let go of outside the lock.
+    // The old one is destroyed outside the lock.
     const std::lock_guard lock(m_mutex);
     m_adCompleted.swap(adCompleted);
 }

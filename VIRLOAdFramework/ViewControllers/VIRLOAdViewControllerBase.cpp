@@ -12,6 +12,7 @@
 #include "VIRLOAdServerAPI.h"
 #include "VIRLOAdVideoViewController.h"
 #include "VIRLOAppRequestStore.h"
+#include "VIRLOConstans.h"
 
 #include <utility>
 
@@ -22,28 +23,28 @@ using virlo::URL;
 
 namespace
 {
-constexpr double soonAfterClosing = 5.0;
-constexpr double longAfterClosing = 30.0;
+constexpr double earlyCheck = 5.0; ///< for quick servers
+constexpr double lateCheck = 30.0; ///< for slow ones
 
-/// Covers a screen for as long as anybody may still answer: an exchange that is dropped unanswered takes its
-/// cover with it.
-class Cover
+/// The busy overlay over a screen, for as long as somebody holds this: a request that is dropped without a
+/// completion removes it too.
+class BusyOverlay
 {
 public:
-    explicit Cover(virlo::View& view) : m_indicator(virlo::View::make<VIRLOActivityIndicator>())
+    explicit BusyOverlay(virlo::View& view) : m_indicator(virlo::View::make<VIRLOActivityIndicator>())
     {
         m_indicator->shownInView(view);
     }
 
-    ~Cover()
+    ~BusyOverlay()
     {
         MainLoop::shared().post([indicator = std::move(m_indicator)] { indicator->dismiss(); });
     }
 
-    void lift() { m_indicator->dismiss(); }
+    void dismiss() { m_indicator->dismiss(); }
 
-    Cover(const Cover&) = delete;
-    Cover& operator=(const Cover&) = delete;
+    BusyOverlay(const BusyOverlay&) = delete;
+    BusyOverlay& operator=(const BusyOverlay&) = delete;
 
 private:
     std::shared_ptr<VIRLOActivityIndicator> m_indicator;
@@ -67,7 +68,7 @@ void VIRLOAdViewControllerBase::setApi(std::weak_ptr<VIRLOAdServerAPI> api)
 void VIRLOAdViewControllerBase::viewWillAppear()
 {
     ViewController::viewWillAppear();
-    // A part of another ad screen leaves Menu to that one.
+    // A child of another ad screen leaves Menu to its parent.
     if (dynamic_cast<VIRLOAdViewControllerBase*>(parentViewController()))
         return;
     m_menuButtonRecognizer = std::make_shared<virlo::TapRecognizer>([weak = weakSelf(*this)] {
@@ -89,9 +90,8 @@ void VIRLOAdViewControllerBase::viewDidDisappear()
 
 void VIRLOAdViewControllerBase::openItem(const std::shared_ptr<VIRLOAdItem>& item)
 {
-    if (!item || !item->actionButton())
-        return;
-    const std::string actionType = item->actionButton()->actionType().value_or("");
+    const auto button = item ? item->actionButton() : nullptr;
+    const auto actionType = button ? button->actionType() : std::nullopt;
     VIRLOAdFrameworkLogger::logInfoWithFormat("Open item (%@): %@", actionType, item);
     if (actionType == "CLICK_TO_APPSTORE")
         openAppFromItem(item);
@@ -99,33 +99,40 @@ void VIRLOAdViewControllerBase::openItem(const std::shared_ptr<VIRLOAdItem>& ite
         openContentForItem(item);
 }
 
+std::function<bool()> VIRLOAdViewControllerBase::closedFromNowOn() const
+{
+    return [self = shared_from_this(), this, closings = m_closings.load()] { return m_closings != closings; };
+}
+
 void VIRLOAdViewControllerBase::openAppFromItem(const std::shared_ptr<VIRLOAdItem>& item)
 {
+    VIRLOAdFrameworkLogger::logInfoWithFormat("Initiate download: %@", item->clickURL());
     const auto server = api();
     if (!server)
         return;
-    VIRLOAdFrameworkLogger::logInfoWithFormat("Initiate download: %@", item->clickURL());
-    const auto cover = std::make_shared<Cover>(view());
-    const auto resolved = [weak = weakSelf(*this), item, cover](const std::optional<URL>& url,
-                                                                const OptionalError&) {
-        const auto self = weak.lock();
-        if (!self)
+    // The requests hold the screen: what follows them is the viewer's choice, not a matter of who else holds
+    // it.
+    const auto self = std::static_pointer_cast<VIRLOAdViewControllerBase>(shared_from_this());
+    const auto isClosed = closedFromNowOn();
+    const auto overlay = std::make_shared<BusyOverlay>(view());
+    const auto resolved = [self, isClosed, item, overlay](const std::optional<URL>& url,
+                                                          const OptionalError&) {
+        if (isClosed())
             return;
-        MainLoop::shared().post([cover, url] {
-            cover->lift();
-            Application::openURL(url);
+        MainLoop::shared().post([isClosed, overlay, url] {
+            overlay->dismiss();
+            if (!isClosed())
+                Application::openURL(url);
         });
-        // At once and on this thread: who waits for the ad's end need not wait for the page.
+        // On this thread, without waiting for the page to open.
         self->completeAd();
         if (item->activationCheckURL())
             VIRLOAppRequestStore::sharedStore()->addItem(*item->activationCheckURL());
     };
-    server->registerClickForItemWithCompletion(
-        *item, [weak = weakSelf(*this), item, resolved](const OptionalError&) {
-            const auto self = weak.lock();
-            if (const auto strongApi = self ? self->api() : nullptr)
-                strongApi->initiateAppDownloadByURLWithCompletion(item->clickURL(), resolved);
-        });
+    server->registerClickForItemWithCompletion(*item, [self, isClosed, item, resolved](const OptionalError&) {
+        if (const auto strongApi = isClosed() ? nullptr : self->api())
+            strongApi->initiateAppDownloadByURLWithCompletion(item->clickURL(), resolved);
+    });
 }
 
 void VIRLOAdViewControllerBase::openContentForItem(const std::shared_ptr<VIRLOAdItem>& item)
@@ -140,24 +147,28 @@ void VIRLOAdViewControllerBase::openContentForItem(const std::shared_ptr<VIRLOAd
                                                   item->clickURL(), item->clickFallback());
         Application::openURL(item->clickFallback());
     };
-    server->registerClickForItemWithCompletion(*item,
-                                               [weak = weakSelf(*this), item, opened](const OptionalError&) {
-                                                   if (weak.lock())
-                                                       Application::openURL(item->clickURL(), opened);
-                                               });
+    server->registerClickForItemWithCompletion(
+        *item, [isClosed = closedFromNowOn(), item, opened](const OptionalError&) {
+            MainLoop::shared().post([isClosed, item, opened] {
+                if (!isClosed())
+                    Application::openURL(item->clickURL(), opened);
+            });
+        });
 }
 
 void VIRLOAdViewControllerBase::closeAd()
 {
     const auto controller = VIRLOAdController::sharedAdController();
-    controller->checkAvailableCurrencyAfterTimeInterval(soonAfterClosing);
-    controller->checkAvailableCurrencyAfterTimeInterval(longAfterClosing);
+    controller->checkAvailableCurrencyAfterTimeInterval(earlyCheck);
+    controller->checkAvailableCurrencyAfterTimeInterval(lateCheck);
     if (closeOverlay())
         return;
-    if (const auto video = firstVideo())
+    if (const auto video = firstVideo()) {
         video->completeAd();
-    else
-        completeAd();
+        return;
+    }
+    ++m_closings;
+    completeAd();
 }
 
 void VIRLOAdViewControllerBase::preloadVideo(virlo::DispatchGroup group,
@@ -186,7 +197,7 @@ void VIRLOAdViewControllerBase::preloadVideo(virlo::DispatchGroup group,
         [weak = weakSelf(*this), video, group, show = std::move(show)](const OptionalError& error) {
             MainLoop::shared().post([weak, video, group, show, failed = error.has_value()]() mutable {
                 const auto self = weak.lock();
-                if (self && !failed) {
+                if (self && !failed && !self->sceneHasFailed()) {
                     self->addChildViewController(video);
                     video->view().setFrame(self->view().bounds());
                     show(*video);
@@ -201,6 +212,13 @@ std::shared_ptr<VIRLOAdVideoViewController> VIRLOAdViewControllerBase::firstVide
     const auto& children = childViewControllers();
     return children.empty() ? nullptr
                             : std::dynamic_pointer_cast<VIRLOAdVideoViewController>(children.front());
+}
+
+OptionalError VIRLOAdViewControllerBase::sceneError() const
+{
+    if (!sceneHasFailed())
+        return std::nullopt;
+    return virlo::Error{VIRLOAdFrameworkBundleIdentifier, 0, {{"Reason", "The scene cannot be loaded."}}};
 }
 
 void VIRLOAdViewControllerBase::reportImpressionOfItem(const std::shared_ptr<VIRLOAdItem>& item) const
@@ -239,11 +257,26 @@ void VIRLOAdViewControllerBase::resumeVideos()
         video->resume();
 }
 
+std::shared_ptr<VIRLOAdVideoViewController> VIRLOAdViewControllerBase::videoOnTop()
+{
+    const auto subviews = view().subviews();
+    for (auto subview = subviews.rbegin(); subview != subviews.rend(); ++subview) {
+        if (!(*subview)->isVisible() ||
+            ((*subview)->viewController() == nullptr && !(*subview)->obscuresFocus()))
+            continue;
+        for (const auto& video : videos()) {
+            if (&video->view() == *subview)
+                return video;
+        }
+        return nullptr;
+    }
+    return nullptr;
+}
+
 void VIRLOAdViewControllerBase::pressesEnded(const std::vector<virlo::Press>& presses)
 {
-    std::vector<virlo::Press> others = presses;
-    for (const auto& video : videos())
-        others = video->handlePresses(others);
+    const auto video = videoOnTop();
+    const auto others = video ? video->handlePresses(presses) : presses;
     if (!others.empty())
         ViewController::pressesEnded(others);
 }

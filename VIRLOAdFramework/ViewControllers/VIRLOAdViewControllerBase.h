@@ -1,8 +1,10 @@
 #pragma once
 
+#include "Error.h"
 #include "VIRLOAdViewController.h"
 #include "ViewController.h"
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -18,9 +20,9 @@ class DispatchGroup;
 class TapRecognizer;
 } // namespace virlo
 
-/// What every full-screen ad screen has: Menu closes it, and an item is opened by its action type after its
-/// click was registered. Held by shared pointers (`virlo::ViewController::make` or a storyboard); `setAd` and
-/// `setApi` before anything else, on any thread; the rest on the main thread.
+/// The base of every full-screen ad screen: Menu closes it, and an item is opened by its action type after
+/// its click was registered. Held by shared pointers (`virlo::ViewController::make` or a storyboard); `setAd`
+/// and `setApi` come first, on any thread; the rest on the main thread.
 class VIRLOAdViewControllerBase : public virlo::ViewController, public VIRLOAdViewController
 {
 public:
@@ -31,31 +33,33 @@ public:
 
     virtual void setAd(std::shared_ptr<VIRLOAdvertisement> ad);
 
-    /// Null once the server object has gone.
+    /// Null once the server object is destroyed.
     [[nodiscard]] std::shared_ptr<VIRLOAdServerAPI> api() const { return m_api.lock(); }
 
     void setApi(std::weak_ptr<VIRLOAdServerAPI> api);
 
-    /// Opens what the item offers: its app's page or its content. Nothing for an item of another action type
-    /// or without an action button; then no click is registered either. What is under way when the screen
-    /// goes is dropped.
+    /// Opens the item's app page or content. Nothing for an item of another action type or without an action
+    /// button; then no click is registered either. Once the viewer has closed the screen, by Menu or its
+    /// close button, nothing opens any more; otherwise an opening that has begun is completed, whoever holds
+    /// the screen.
     void openItem(const std::shared_ptr<VIRLOAdItem>& item);
-    /// Registers the click, finds out where the item's `clickURL` leads, opens that, and ends the ad by
-    /// `adCompleted`, called on a worker. A failure on the way stops nothing: what was found is opened.
+    /// Registers the click, resolves the item's `clickURL`, opens the result, ends the ad by `adCompleted`,
+    /// called on a worker, and stores the item's conversion-poll URL. A failure of a step does not stop the
+    /// next.
     void openAppFromItem(const std::shared_ptr<VIRLOAdItem>& item);
     /// Registers the click and opens the item's `clickURL`, or its `clickFallback` where nothing accepts
     /// that. The ad stays behind the content: `adCompleted` is not called.
     void openContentForItem(const std::shared_ptr<VIRLOAdItem>& item);
 
-    /// Menu, or a close button: ends what lies over the ad, else a video that is its first child, else the ad
-    /// itself. Each time it also has rewards looked for in 5 and in 30 seconds, for quick servers and for
-    /// slow ones.
+    /// Menu, or a close button: closes the overlay, or else a video that is the first child, or else the ad
+    /// itself. Each time it also requests currency checks in 5 and in 30 seconds.
     void closeAd();
 
-    /// Play/pause and mute go to a video that is a child; the rest is passed on.
+    /// Play/pause and mute go to a child video, unless an overlay or another child lies above it; the rest is
+    /// passed on.
     void pressesEnded(const std::vector<virlo::Press>& presses) override;
 
-    /// Present while the screen can be seen, unless it is a part of another ad screen, which has Menu then.
+    /// Null while the screen is not shown, and for the child of another ad screen, which handles Menu itself.
     [[nodiscard]] const std::shared_ptr<virlo::TapRecognizer>& menuButtonRecognizer() const noexcept
     {
         return m_menuButtonRecognizer;
@@ -65,26 +69,29 @@ protected:
     void viewWillAppear() override;
     void viewDidDisappear() override;
 
-    /// Where something lies over the ad that takes a close itself: ends that and answers true, and the ad
-    /// stays. The base has nothing of the kind.
+    /// Closes an overlay that takes the close for itself, and returns whether there was one; the ad stays
+    /// then. The base has none.
     [[nodiscard]] virtual bool closeOverlay();
 
-    /// Where the item has a video: preloads it as a child that takes the whole screen, leaves once it has
-    /// ended, and then has the focus placed anew. `show` puts its view into this one, on the main thread. A
-    /// video whose document cannot be read is left out. Stays in the group until that is done.
+    /// If the item has a video: preloads it as a child that fills the screen, removes it once it has ended, and
+    /// then updates the focus. `show` inserts its view into this one, on the main thread. A video whose document
+    /// cannot be read is left out. The group is left when that is done.
     void preloadVideo(virlo::DispatchGroup group, const std::shared_ptr<VIRLOAdItem>& item,
                       std::function<void(VIRLOAdVideoViewController& video)> show);
-    /// The first child, where it is a video; else null.
+    /// The first child if it is a video, else null.
     [[nodiscard]] std::shared_ptr<VIRLOAdVideoViewController> firstVideo() const;
 
-    /// Reports the item's impression in the background, unless the server has taken a report of it.
+    /// For the preload's completion: an error if the scene could not be loaded.
+    [[nodiscard]] virlo::OptionalError sceneError() const;
+
+    /// Reports the item's impression in the background, unless the server has accepted a report of it.
     void reportImpressionOfItem(const std::shared_ptr<VIRLOAdItem>& item) const;
 
-    /// For the time in which something lies over the ad.
+    /// While an overlay is shown.
     void pauseVideos();
     void resumeVideos();
 
-    /// This object as its own class, for work that comes back after it may have gone.
+    /// This object as its own class, for callbacks that may come after its end.
     template <typename Self>
     [[nodiscard]] static std::weak_ptr<Self> weakSelf(Self& self)
     {
@@ -94,9 +101,13 @@ protected:
 private:
     void completeAd() const;
     [[nodiscard]] std::vector<std::shared_ptr<VIRLOAdVideoViewController>> videos() const;
-    void appDownloadDidResolve(const VIRLOAdItem& item) const;
+    /// The one that lies above all other children and overlays; null if there is none.
+    [[nodiscard]] std::shared_ptr<VIRLOAdVideoViewController> videoOnTop();
+    /// Tells, on any thread, whether the viewer has closed the screen since this call. Holds the screen.
+    [[nodiscard]] std::function<bool()> closedFromNowOn() const;
 
     std::shared_ptr<VIRLOAdvertisement> m_ad;
     std::weak_ptr<VIRLOAdServerAPI> m_api;
     std::shared_ptr<virlo::TapRecognizer> m_menuButtonRecognizer;
+    std::atomic<int> m_closings{0}; ///< how often the viewer has closed the screen
 };

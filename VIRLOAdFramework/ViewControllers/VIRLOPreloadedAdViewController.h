@@ -4,7 +4,7 @@
 
 #include <functional>
 
-/// Adopted by screens that fetch things before they are shown.
+/// Adopted by screens that load images or videos before they are shown.
 class VIRLOPreloadedAdViewController
 {
 public:

@@ -9,23 +9,23 @@
 #include "ImageView.h"
 #include "LayoutConstraint.h"
 #include "MainLoop.h"
-#include "Storyboard.h"
+#include "MainScreen.h"
 #include "UIButtonVIRLOActionButton.h"
 #include "VIRLOAdFrameworkLogger.h"
 #include "VIRLOAdFullscreenImageStore.h"
 #include "VIRLOAdItem.h"
 #include "VIRLOAdServerAPI.h"
 #include "VIRLOAdServerApiImageDownloader.h"
-#include "VIRLOAdStoryboardScreens.h"
 #include "VIRLOAdVideoViewController.h"
 #include "VIRLOAdvertisement.h"
 #include "VIRLOColorSampling.h"
+#include "VIRLOFocusLift.h"
 #include "VIRLOFocusPreference.h"
 #include "VIRLOFrameworkImages.h"
 #include "VIRLOTimerButton.h"
+#include "WindowPresentation.h"
 
-#include <QPointer>
-
+#include <cmath>
 #include <utility>
 
 using virlo::DispatchGroup;
@@ -36,11 +36,10 @@ using virlo::OptionalError;
 namespace
 {
 
-/// From here on a corner counts as light.
+/// The least red, green and blue of a light corner.
 constexpr float lightComponent = 0.9F;
 constexpr double closeButtonMargin = 75.0;
 constexpr double closeButtonHeight = 99.0;
-constexpr double focusedScale = 1.05;
 constexpr QColor darkGrey(85, 85, 85);
 
 const char* iconNamed(const std::string& actionType)
@@ -64,14 +63,6 @@ VIRLOAdFullscreenViewController::~VIRLOAdFullscreenViewController()
         m_imgDownloader->endSession();
 }
 
-void VIRLOAdFullscreenViewController::registerScene()
-{
-    virlo::Storyboard::registerScene(
-        VIRLOAdStoryboardScreens::storyboardName, "QDXAdFullscreenViewController",
-        QUrl(QStringLiteral("qrc:/qt/qml/VIRLOAdFramework/Storyboard/QDXAdFullscreenViewController.qml")),
-        [] { return ViewController::make<VIRLOAdFullscreenViewController>(); });
-}
-
 void VIRLOAdFullscreenViewController::preloadAdElementsWithCompletion(Completion completion)
 {
     const auto items = ad() ? ad()->items() : VIRLOAdvertisement::Items();
@@ -80,94 +71,72 @@ void VIRLOAdFullscreenViewController::preloadAdElementsWithCompletion(Completion
 
     DispatchGroup group;
     preloadView(group);
-    preloadPicture(group);
-    preloadVideo(group);
-    // Holds the screen: the downloader that the picture comes through is the screen's.
-    group.notify(GlobalQueue::high(), [self = shared_from_this(), completion = std::move(completion)] {
-        completion(std::nullopt);
+    preloadImage(group);
+    // Above the close button, the topmost view of the scene: the video covers everything.
+    preloadVideo(group, m_adItem, [weak = weakSelf(*this)](VIRLOAdVideoViewController& video) {
+        if (const auto self = weak.lock())
+            self->view().insertSubviewAbove(video.view(), *self->m_closeButton);
+    });
+    // Holds the screen, which owns the image downloader.
+    const auto self = std::static_pointer_cast<VIRLOAdFullscreenViewController>(shared_from_this());
+    group.notify(GlobalQueue::high(), [self, completion = std::move(completion)] {
+        completion(self->sceneError());
     });
 }
 
 void VIRLOAdFullscreenViewController::preloadView(DispatchGroup group)
 {
     group.enter();
-    MainLoop::shared().post([weak = weakSelf(*this), group]() mutable {
-        if (const auto self = weak.lock())
-            self->loadViewIfNeeded();
-        group.leave();
-    });
+    prepareView([group]() mutable { group.leave(); });
 }
 
-void VIRLOAdFullscreenViewController::preloadPicture(DispatchGroup group)
+void VIRLOAdFullscreenViewController::preloadImage(DispatchGroup group)
 {
     if (!m_adItem)
         return;
     group.enter();
-    const auto hand = [weak = weakSelf(*this), group](Picture picture) {
-        MainLoop::shared().post([weak, group, picture = std::move(picture)]() mutable {
+    const auto deliver = [weak = weakSelf(*this), group](const StoredImage& stored) {
+        MainLoop::shared().post([weak, group, image = displayImage(stored)]() mutable {
             if (const auto self = weak.lock())
-                self->pictureDidPreload(std::move(picture));
+                self->imageDidPreload(std::move(image));
             group.leave();
         });
     };
-    GlobalQueue::high().async([hand, item = m_adItem, downloader = m_imgDownloader] {
+    GlobalQueue::high().async([deliver, item = m_adItem, downloader = m_imgDownloader] {
         const auto store = VIRLOAdFullscreenImageStore::sharedStore();
         downloader->setImagesStore(store);
-        if (auto picture = store->imageForItem(*item)) {
-            hand(std::move(picture));
+        if (const auto image = store->imageForItem(*item)) {
+            deliver(image);
             return;
         }
         downloader->retrieveImageForItemWithCompletion(
-            item, [hand, item, store](const OptionalError&) { hand(store->imageForItem(*item)); });
+            item, [deliver, item, store](const OptionalError&) { deliver(store->imageForItem(*item)); });
     });
 }
 
-void VIRLOAdFullscreenViewController::preloadVideo(DispatchGroup group)
+VIRLOAdFullscreenViewController::DisplayImage
+VIRLOAdFullscreenViewController::displayImage(const StoredImage& stored)
 {
-    if (!m_adItem || !m_adItem->markupURL())
-        return;
-    group.enter();
-    const auto video = virlo::ViewController::make<VIRLOAdVideoViewController>();
-    video->setApi(api());
-    video->setAd(ad());
-    video->setAdCompleted([weak = weakSelf(*this), weakVideo = std::weak_ptr(video)] {
-        MainLoop::shared().post([weak, weakVideo] {
-            const auto self = weak.lock();
-            const auto ended = weakVideo.lock();
-            if (!self || !ended)
-                return;
-            ended->view().removeFromSuperview();
-            ended->removeFromParentViewController();
-            // What it covered may be chosen now.
-            self->setNeedsFocusUpdate();
-            self->updateFocusIfNeeded();
-        });
-    });
-    video->preloadAdElementsWithCompletion(
-        [weak = weakSelf(*this), video, group](const OptionalError& error) {
-            MainLoop::shared().post([weak, video, group, failed = error.has_value()]() mutable {
-                const auto self = weak.lock();
-                if (self && !failed)
-                    self->layOver(video);
-                group.leave();
-            });
-        });
+    using virlo::WindowPresentation;
+    if (!stored)
+        return {};
+    // The image view fills the canvas. The point is in the original's pixels, whatever the image's size.
+    const double y = WindowPresentation::canvasHeight - closeButtonMargin - closeButtonHeight;
+    const virlo::Color corner = VIRLOColorSampling::colorAtPoint(*stored, closeButtonMargin, y);
+    const bool isLight =
+        corner.red >= lightComponent && corner.green >= lightComponent && corner.blue >= lightComponent;
+    const double scale = virlo::MainScreen::scale();
+    return {stored->covering(static_cast<int>(std::ceil(WindowPresentation::canvasWidth * scale)),
+                             static_cast<int>(std::ceil(WindowPresentation::canvasHeight * scale))),
+            isLight};
 }
 
-void VIRLOAdFullscreenViewController::layOver(const std::shared_ptr<VIRLOAdVideoViewController>& video)
+void VIRLOAdFullscreenViewController::imageDidPreload(DisplayImage image)
 {
-    addChildViewController(video);
-    video->view().setFrame(view().bounds());
-    // The close button is the uppermost of the scene: the video covers everything.
-    view().insertSubviewAbove(video->view(), *m_closeButton);
-}
-
-void VIRLOAdFullscreenViewController::pictureDidPreload(Picture picture)
-{
-    m_preloadedPicture = std::move(picture);
-    m_pictureState = PictureState::Missing;
-    if (isViewLoaded())
-        showPreloadedPicture();
+    m_preloadedImage = std::move(image);
+    m_imageState = ImageState::Missing;
+    if (isViewLoaded() && !sceneHasFailed())
+        showPreloadedImage();
 }
 
 void VIRLOAdFullscreenViewController::viewDidLoad()
@@ -180,9 +149,11 @@ void VIRLOAdFullscreenViewController::viewDidLoad()
     m_actionButton = outlet<virlo::Button>("actionButton");
     m_actionButtonPositionX = outlet<virlo::LayoutConstraint>("actionButtonPositionX");
     m_actionButtonPositionY = outlet<virlo::LayoutConstraint>("actionButtonPositionY");
+    if (sceneHasFailed())
+        return;
     setUpCloseButton();
     setUpActionButton();
-    showPreloadedPicture();
+    showPreloadedImage();
 }
 
 void VIRLOAdFullscreenViewController::setUpCloseButton()
@@ -205,7 +176,7 @@ void VIRLOAdFullscreenViewController::setUpActionButton()
     }
     m_actionButton->setCornerRadius(10.0);
     UIButtonVIRLOActionButton::applyPropertiesFromModel(*m_actionButton, *model);
-    // The space keeps the text away from the icon.
+    // The space separates the text from the icon.
     m_actionButton->setTitle(virlo::toQString(" " + model->text().value_or("")));
     m_actionButtonPositionX->setConstant(model->xPosition());
     m_actionButtonPositionY->setConstant(model->yPosition());
@@ -217,22 +188,14 @@ void VIRLOAdFullscreenViewController::setUpActionButton()
     });
 }
 
-void VIRLOAdFullscreenViewController::showPreloadedPicture()
+void VIRLOAdFullscreenViewController::showPreloadedImage()
 {
-    if (m_pictureState != PictureState::Missing || !m_preloadedPicture)
+    if (m_imageState != ImageState::Missing || !m_preloadedImage.image)
         return;
-    m_pictureState = PictureState::Shown;
-    VIRLOAdFrameworkLogger::logInfoWithFormat("Background image: %@", m_preloadedPicture);
-    m_backgroundImage->setImage(std::move(m_preloadedPicture));
-    adaptCloseButtonToPicture();
-}
-
-void VIRLOAdFullscreenViewController::adaptCloseButtonToPicture()
-{
-    const double height = m_backgroundImage->frame().height();
-    const virlo::Color corner = VIRLOColorSampling::colorAtPoint(
-        *m_backgroundImage->image(), closeButtonMargin, height - closeButtonMargin - closeButtonHeight);
-    if (corner.red < lightComponent || corner.green < lightComponent || corner.blue < lightComponent)
+    m_imageState = ImageState::Shown;
+    VIRLOAdFrameworkLogger::logInfoWithFormat("Background image: %@", m_preloadedImage.image);
+    m_backgroundImage->setImage(std::move(m_preloadedImage.image));
+    if (!m_preloadedImage.hasLightCorner)
         return;
     m_closeButton->setProgressTintColor(darkGrey);
     m_closeButton->setImage(VIRLOFrameworkImages::imageNamed("fullscreen_close_dark.png"));
@@ -242,26 +205,27 @@ void VIRLOAdFullscreenViewController::adaptCloseButtonToPicture()
 void VIRLOAdFullscreenViewController::viewWillAppear()
 {
     VIRLOAdViewControllerBase::viewWillAppear();
-    if (m_pictureState == PictureState::Missing)
-        loadPictureLate();
+    if (m_imageState == ImageState::Missing)
+        loadLateImage();
 }
 
-void VIRLOAdFullscreenViewController::loadPictureLate()
+void VIRLOAdFullscreenViewController::loadLateImage()
 {
-    m_pictureState = PictureState::AskedAgain;
+    m_imageState = ImageState::RequestedAgain;
+    VIRLOAdFrameworkLogger::logInfoWithFormat("Background image: %@", m_preloadedImage.image);
     m_activityIndicator->startAnimating();
     VIRLOAdFrameworkLogger::logInfoWithFormat("Load background image");
     m_imgDownloader->retrieveImageForItemWithCompletion(
         m_adItem, [weak = weakSelf(*this), item = m_adItem](const OptionalError&) {
-            auto picture = VIRLOAdFullscreenImageStore::sharedStore()->imageForItem(*item);
-            VIRLOAdFrameworkLogger::logInfoWithFormat("Background image loaded: %@", picture);
-            MainLoop::shared().post([weak, picture = std::move(picture)]() mutable {
+            auto image = displayImage(VIRLOAdFullscreenImageStore::sharedStore()->imageForItem(*item)).image;
+            VIRLOAdFrameworkLogger::logInfoWithFormat("Background image loaded: %@", image);
+            MainLoop::shared().post([weak, image = std::move(image)]() mutable {
                 const auto self = weak.lock();
-                // Without a picture the wheel goes on. The close button keeps its normal look whatever the
-                // corner: a late picture is not looked at, on purpose.
-                if (!self || !picture)
+                // Without an image the wheel keeps spinning. The close button deliberately keeps its normal
+                // appearance: it may have been shown for seconds and must not change under the viewer's eyes.
+                if (!self || !image)
                     return;
-                self->m_backgroundImage->setImage(std::move(picture));
+                self->m_backgroundImage->setImage(std::move(image));
                 self->m_activityIndicator->stopAnimating();
             });
         });
@@ -270,26 +234,12 @@ void VIRLOAdFullscreenViewController::loadPictureLate()
 void VIRLOAdFullscreenViewController::viewDidAppear()
 {
     VIRLOAdViewControllerBase::viewDidAppear();
-    reportImpression();
+    reportImpressionOfItem(m_adItem);
     VIRLOFocusPreference::VIRLO_markFocusPreference(*m_actionButton);
     m_focusViewPreference = m_actionButton;
     setNeedsFocusUpdate();
     updateFocusIfNeeded();
     m_closeButton->start();
-}
-
-void VIRLOAdFullscreenViewController::reportImpression()
-{
-    if (!m_adItem || m_adItem->impressionMarked())
-        return;
-    GlobalQueue::background().async([server = api(), item = m_adItem] {
-        if (!server)
-            return;
-        server->registerImpressionForItemWithCompletion(*item, [item](const OptionalError& error) {
-            if (!error)
-                item->setImpressionMarked(true);
-        });
-    });
 }
 
 void VIRLOAdFullscreenViewController::openForm()
@@ -306,22 +256,6 @@ void VIRLOAdFullscreenViewController::didUpdateFocusInContextWithAnimationCoordi
     const virlo::FocusUpdateContext& context, virlo::FocusAnimationCoordinator& coordinator)
 {
     VIRLOAdViewControllerBase::didUpdateFocusInContextWithAnimationCoordinator(context, coordinator);
-    // The countdown is a control of its own kind and no button: it keeps its size.
-    if (auto* const next = qobject_cast<virlo::Button*>(context.nextFocusedView))
-        coordinator.addCoordinatedAnimations([next = QPointer(next)] {
-            if (!next)
-                return;
-            next->setTransform(virlo::AffineTransform::scale(focusedScale, focusedScale));
-            next->setShadowColor(Qt::black);
-            next->setShadowOffset({0.0, 15.0});
-            next->setShadowOpacity(0.4);
-            next->setShadowRadius(10.0);
-        });
-    if (auto* const previous = qobject_cast<virlo::Button*>(context.previouslyFocusedView))
-        coordinator.addCoordinatedAnimations([previous = QPointer(previous)] {
-            if (!previous)
-                return;
-            previous->setTransform(virlo::AffineTransform());
-            previous->setShadowColor(Qt::transparent);
-        });
+    // The close button is not a Button: it keeps its size.
+    VIRLOFocusLift::fullscreen.apply(context, coordinator);
 }

@@ -19,15 +19,15 @@ class ImageView;
 class LayoutConstraint;
 } // namespace virlo
 
-/// One item as a picture from edge to edge, with one action button where the ad says and a close button that
-/// counts down first. Scene: "QDXAdFullscreenViewController".
+/// One item as a full-screen image, with one action button where the ad says and a close button that counts
+/// down first. Scene: "QDXAdFullscreenViewController".
 ///
-/// The preload makes the views on the main thread while a worker fetches and decodes the picture, so that
-/// presenting has nothing left to do. A picture that has not come by then is asked for again when the screen
-/// appears, under a spinning wheel.
+/// The preload creates the views on the main thread while a worker loads and decodes the image, so that
+/// presenting has nothing left to do. An image that is missing then is requested again when the screen
+/// appears, under a spinning wheel. A scene that cannot be loaded ends the preload with an error.
 ///
 /// An item with a video shows that first, over everything, until it has ended or Menu was pressed; the close
-/// button counts meanwhile. A video whose document cannot be read is left out.
+/// button counts down meanwhile. A video whose document cannot be read is left out.
 ///
 /// First focus: the action button. Back: Menu, at any time; the close button once it has counted down.
 class VIRLOAdFullscreenViewController : public VIRLOAdViewControllerBase,
@@ -36,9 +36,6 @@ class VIRLOAdFullscreenViewController : public VIRLOAdViewControllerBase,
 public:
     VIRLOAdFullscreenViewController();
     ~VIRLOAdFullscreenViewController() override;
-
-    /// Registers the scene with the storyboard.
-    static void registerScene();
 
     void preloadAdElementsWithCompletion(Completion completion) override;
 
@@ -59,27 +56,32 @@ protected:
     void viewDidAppear() override;
 
 private:
-    using Picture = std::shared_ptr<const virlo::Image>;
-    enum class PictureState { Awaited, Shown, Missing, AskedAgain };
+    using StoredImage = std::shared_ptr<const virlo::Image>;
 
-    void preloadPicture(virlo::DispatchGroup group);
-    void preloadVideo(virlo::DispatchGroup group);
-    void layOver(const std::shared_ptr<VIRLOAdVideoViewController>& video);
+    /// An image reduced to the window's pixels.
+    struct DisplayImage {
+        StoredImage image;
+        bool hasLightCorner = false; ///< under the close button
+    };
+
+    enum class ImageState { Pending, Shown, Missing, RequestedAgain };
+
     void preloadView(virlo::DispatchGroup group);
+    void preloadImage(virlo::DispatchGroup group);
+    [[nodiscard]] static DisplayImage displayImage(const StoredImage& stored);
+    void imageDidPreload(DisplayImage image);
     void setUpCloseButton();
     void setUpActionButton();
-    void pictureDidPreload(Picture picture);
-    void showPreloadedPicture();
-    void adaptCloseButtonToPicture();
-    void loadPictureLate();
-    void reportImpression();
+    void showPreloadedImage();
+    void loadLateImage();
 
     std::shared_ptr<VIRLOAdItem> m_adItem;
-    std::shared_ptr<VIRLOAdServerApiImageDownloader> m_imgDownloader; ///< made before the preload goes on
-    Picture m_preloadedPicture; ///< held from its decoding to its showing
-    PictureState m_pictureState = PictureState::Awaited;
+    std::shared_ptr<VIRLOAdServerApiImageDownloader>
+        m_imgDownloader;           ///< set before the preload's tasks begin
+    DisplayImage m_preloadedImage; ///< from its decoding until it is shown
+    ImageState m_imageState = ImageState::Pending;
     virlo::View* m_focusViewPreference = nullptr;
-    // Of the scene, which lives as long as this controller.
+    // Objects of the scene, which exists as long as this controller.
     virlo::ImageView* m_backgroundImage = nullptr;
     VIRLOTimerButton* m_closeButton = nullptr;
     virlo::ImageView* m_closeButtonHalo = nullptr;

@@ -91,7 +91,7 @@ void VIRLOAdInterstitialViewController::setAd(std::shared_ptr<VIRLOAdvertisement
     const auto items = ad ? ad->items() : VIRLOAdvertisement::Items();
     m_adItem = items.empty() ? nullptr : items.front();
     VIRLOAdViewControllerBase::setAd(std::move(ad));
-    if (isViewLoaded())
+    if (isViewLoaded() && !sceneHasFailed())
         showTexts();
 }
 
@@ -104,9 +104,7 @@ void VIRLOAdInterstitialViewController::preloadAdElementsWithCompletion(Completi
 
     DispatchGroup group;
     group.enter();
-    MainLoop::shared().post([weak = weakSelf(*this), group]() mutable {
-        if (const auto self = weak.lock())
-            self->loadViewIfNeeded();
+    prepareView([group] {
         // After the carousel was filled.
         MainLoop::shared().post([group]() mutable { group.leave(); });
     });
@@ -119,8 +117,9 @@ void VIRLOAdInterstitialViewController::preloadAdElementsWithCompletion(Completi
     });
     m_screenshots->preload(group);
     // Holds the screen: the downloader that the images come through is the screen's.
-    group.notify(GlobalQueue::high(), [self = shared_from_this(), completion = std::move(completion)] {
-        completion(std::nullopt);
+    const auto self = std::static_pointer_cast<VIRLOAdInterstitialViewController>(shared_from_this());
+    group.notify(GlobalQueue::high(), [self, completion = std::move(completion)] {
+        completion(self->sceneError());
     });
 }
 
@@ -159,6 +158,8 @@ void VIRLOAdInterstitialViewController::viewDidLoad()
     m_ratingLabel = outlet<virlo::Label>("ratingLabel");
     m_descriptionLabel = outlet<virlo::Label>("descriptionLabel");
     m_shakeOffset = outlet<virlo::LayoutConstraint>("shakeOffset");
+    if (sceneHasFailed())
+        return;
     showTexts();
     setUpActionButton();
     loadCover();
