@@ -36,9 +36,9 @@ TEST_F(FullscreenFlow, TheActionHasTheFirstFocusAndTheCountingCloseButtonRefuses
         clock.advance(Seconds(1));
         animations.advance(Seconds(0.1));
     }
-    EXPECT_FALSE(closeButton(screen).isActive());
+    EXPECT_FALSE(closeButton(screen).active());
     animations.advance(Seconds(1));
-    EXPECT_TRUE(closeButton(screen).isActive());
+    EXPECT_TRUE(closeButton(screen).active());
     EXPECT_EQ(focus(screen), "action");
 }
 
@@ -99,17 +99,6 @@ TEST_F(FullscreenFlow, MenuLeavesAtAnyTime)
     }
 }
 
-TEST_F(FullscreenFlow, SelectOnTheCloseButtonLeavesOnceItHasCountedDown)
-{
-    const auto screen = shown(ad({}, {}, 1));
-    countDown(1);
-    click(Qt::Key_Left);
-    click(Qt::Key_MediaPlay);
-    ASSERT_FALSE(isOver());
-    click(Qt::Key_Return);
-    EXPECT_TRUE(isOver());
-}
-
 TEST_F(FullscreenFlow, EveryCloseLooksForRewardsInFiveAndThirtySeconds)
 {
     VIRLOAdFrameworkLogger::setDebugLevel(4);
@@ -161,17 +150,6 @@ TEST_F(FullscreenFlow, ReportsAFailedImpressionAgainAtTheNextAppearance)
     present(screen);
     EXPECT_TRUE(settle([&] { return screen->adItem()->impressionMarked(); }));
     EXPECT_EQ(requests(path), 2);
-}
-
-TEST_F(FullscreenFlow, ACountThatRanOutBeginsWithItsFadeWhenTheScreenComesBack)
-{
-    const auto screen = shown(ad({}, {}, 1));
-    countDown(1);
-    click(Qt::Key_Escape);
-    present(screen);
-    EXPECT_FALSE(closeButton(screen).isActive());
-    countDown(0);
-    EXPECT_TRUE(closeButton(screen).isActive());
 }
 
 TEST_F(FullscreenFlow, AnAdWithoutAButtonOrWithoutItemsCanStillBeLeft)

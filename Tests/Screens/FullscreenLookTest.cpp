@@ -74,13 +74,13 @@ struct Ground {
     QColor color;
 };
 
-class OnPicture : public ScreenTest, public testing::WithParamInterface<Ground>
+class OnImage : public ScreenTest, public testing::WithParamInterface<Ground>
 {
 };
 
-TEST_P(OnPicture, TheCountCanBeReadAndTheFocusCannotBeMissed)
+TEST_P(OnImage, TheCountCanBeReadAndTheFocusCannotBeMissed)
 {
-    // The worst that a server can send: a button in the picture's own colour.
+    // The worst that a server can send: a button in the image's own colour.
     const auto screen = readyOver(GetParam().color, ad({}, colored(GetParam().color), 3));
     present(screen);
     clock.advance(Seconds(1));
@@ -100,7 +100,7 @@ TEST_P(OnPicture, TheCountCanBeReadAndTheFocusCannotBeMissed)
     EXPECT_GE(strikingDifferences(onAction.copy(close), onClose.copy(close)), 2000);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, OnPicture,
+INSTANTIATE_TEST_SUITE_P(All, OnImage,
                          testing::Values(Ground{"White", QColor(255, 255, 255)},
                                          Ground{"LightGrey", QColor(215, 215, 215)},
                                          Ground{"Grey", QColor(128, 128, 128)},
@@ -129,14 +129,35 @@ TEST_F(FullscreenLook, ALightCornerTurnsTheCloseButtonDark)
     EXPECT_EQ(closeButton(pink).progressTintColor(), QColor(Qt::white));
 }
 
-TEST_F(FullscreenLook, TheCornerIsTheOneUnderTheCloseButton)
+TEST_F(FullscreenLook, TheCornerIsSampledInTheOriginalsPixels)
 {
-    QImage image(1920, 1080, QImage::Format_RGB32);
-    image.fill(Qt::black);
-    image.setPixelColor(75, 906, Qt::white);
+    for (const QSize size : {QSize(1920, 1080), QSize(3840, 2160)}) {
+        QImage image(size, QImage::Format_RGB32);
+        image.fill(Qt::black);
+        image.setPixelColor(75, 906, Qt::white);
+        const JSON one = ad();
+        serve("/pictures/" + identifier(), encoded(image));
+        const auto screen = ready(one);
+        EXPECT_TRUE(shows(closeButton(screen), "fullscreen_close_dark.png")) << size.width();
+        EXPECT_EQ(backgroundImage(screen).image()->width(), 1920) << "the window's own pixels";
+    }
+}
+
+TEST_F(FullscreenLook, ALargeImageHasItsFullResolutionInALargeWindow)
+{
+    window.resize(3840, 2160);
+    pumpMainLoop();
+    QImage lines(3840, 2160, QImage::Format_RGB32);
+    for (int x = 0; x < lines.width(); ++x) {
+        for (int y = 0; y < lines.height(); ++y)
+            lines.setPixel(x, y, x % 2 == 0 ? qRgb(255, 255, 255) : qRgb(0, 0, 0));
+    }
     const JSON one = ad();
-    serve("/pictures/" + identifier(), encoded(image));
-    EXPECT_TRUE(shows(closeButton(ready(one)), "fullscreen_close_dark.png"));
+    serve("/pictures/" + identifier(), encoded(lines));
+    present(ready(one));
+    const QImage shown = shoot("full-resolution");
+    EXPECT_EQ(shown.pixelColor(2000, 700), QColor(Qt::white));
+    EXPECT_EQ(shown.pixelColor(2001, 700), QColor(Qt::black));
 }
 
 struct Placed {
@@ -233,7 +254,7 @@ TEST_F(FullscreenLook, FitsWindowsOfOtherSizesAndShapes)
     }
 }
 
-TEST_F(FullscreenLook, ShowsAWheelUntilALatePictureComes)
+TEST_F(FullscreenLook, ShowsAWheelUntilALateImageComes)
 {
     const JSON one = ad();
     server().setFault({.path = "/pictures/*", .status = 404, .body = "gone"});
@@ -247,18 +268,18 @@ TEST_F(FullscreenLook, ShowsAWheelUntilALatePictureComes)
                        .body = picture(Qt::white)});
     present(screen);
     EXPECT_TRUE(isSpinning(screen));
-    shoot("picture-missing");
+    shoot("image-missing");
     ASSERT_TRUE(settle([&] { return backgroundImage(screen).hasImage(); }));
     EXPECT_FALSE(isSpinning(screen));
     EXPECT_EQ(requests("/pictures/" + identifier()), 2);
-    // A late picture is not looked at: the close button keeps its look on a light one.
+    // A late image is not sampled: the close button keeps its appearance on a light one.
     EXPECT_TRUE(shows(closeButton(screen), "fullscreen_close.png"));
-    EXPECT_EQ(shoot("picture-late").pixelColor(960, 300), QColor(Qt::white));
+    EXPECT_EQ(shoot("image-late").pixelColor(960, 300), QColor(Qt::white));
 }
 
-TEST_F(FullscreenLook, APictureThatNeverComesLeavesTheWheel)
+TEST_F(FullscreenLook, AnImageThatNeverComesLeavesTheWheel)
 {
-    server().setFault({.path = "/pictures/*", .status = 200, .body = "no picture"});
+    server().setFault({.path = "/pictures/*", .status = 200, .body = "no image"});
     const auto screen = ready(ad());
     present(screen);
     ASSERT_TRUE(awaitRequests("/pictures/" + identifier(), 2));

@@ -4,6 +4,7 @@
 #include "LogCapture.h"
 #include "MainLoop.h"
 #include "Settle.h"
+#include "VIRLOAdFrameworkLogger.h"
 #include "VIRLOAdPresenter.h"
 #include "VIRLOAdServerAPI.h"
 #include "VIRLOAppRequestStore.h"
@@ -22,7 +23,7 @@ namespace
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// Stands in for the device: keeps what it was asked to open, and refuses what it is told to.
+/// Records what it is asked to open, and refuses `refused`.
 class Opener : public URLOpener
 {
 public:
@@ -115,14 +116,42 @@ TEST_F(Opening, AnAppWhoseClickAndLinkFailStillEndsTheAd)
     screen->setAdCompleted({});
 }
 
-TEST_F(Opening, AnAppWithoutPollAddsNone)
+TEST_F(Opening, AnAppOpensAlsoWhereTheHostHasDismissedAndReleasedTheScreen)
 {
-    const auto before = VIRLOAppRequestStore::sharedStore()->items().size();
-    const auto screen = shown(ad());
-    click(Qt::Key_Return);
+    server().setFault(
+        {.path = "/click/*", .delay = std::chrono::milliseconds(300), .status = 200, .body = "{}"});
+    std::atomic<int> completed{0};
+    std::weak_ptr<VIRLOAdFullscreenViewController> released;
+    {
+        const auto screen = readyOver(Qt::darkBlue, ad({{"pollingUrl", url("/poll/released")}}));
+        released = screen;
+        screen->setAdCompleted([&] { ++completed; });
+        present(screen);
+        click(Qt::Key_Return);
+        VIRLOAdPresenter::dismiss(screen);
+    }
     ASSERT_TRUE(awaitOpened());
-    settleAll();
-    EXPECT_EQ(VIRLOAppRequestStore::sharedStore()->items().size(), before);
+    EXPECT_EQ(completed, 1);
+    EXPECT_TRUE(awaitPoll("/poll/released"));
+    EXPECT_TRUE(settle([&] { return released.expired(); }));
+}
+
+TEST_F(Opening, LogsTheActionAlsoWhereThereIsNone)
+{
+    VIRLOAdFrameworkLogger::setDebugLevel(4);
+    allowLog(testing::A<std::string>());
+    for (const JSON& item : {JSON{{"actionButton", nullptr}}, JSON{{"actionButton", {{"text", "Look"}}}},
+                             JSON{{"actionButton", {{"actionType", "CLICK_TO_DANCE"}}}}})
+        readyOver(Qt::darkBlue, ad(item))->openForm();
+    const auto lines = settledLogLines();
+    const auto count = [&](const std::string& start) {
+        return std::count_if(lines.begin(), lines.end(),
+                             [&](const std::string& line) { return line.starts_with(start); });
+    };
+    EXPECT_EQ(count("Open item ((null)): "), 2);
+    EXPECT_EQ(count("Open item (CLICK_TO_DANCE): "), 1);
+    EXPECT_THAT(opener.opened(), IsEmpty());
+    VIRLOAdFrameworkLogger::setDebugLevel(2);
 }
 
 TEST_F(Opening, ContentRegistersTheClickAndLeavesTheAdBehindIt)
@@ -148,51 +177,22 @@ TEST_F(Opening, ContentThatNothingOpensFallsBack)
     EXPECT_EQ(focus(screen), "action");
 }
 
-TEST_F(Opening, UnknownActionsDoNothing)
-{
-    for (const char* action : {"CLICK_TO_DANCE", "click_to_content", ""}) {
-        const auto screen = shown(ad({}, {{"actionType", action}}));
-        click(Qt::Key_Return);
-        settleAll();
-        EXPECT_EQ(requests("/click/" + identifier()), 0);
-        click(Qt::Key_Escape);
-    }
-    EXPECT_THAT(opener.opened(), IsEmpty());
-}
-
-TEST_F(Opening, MenuDuringTheClickDropsWhatFollows)
+TEST_F(Opening, MenuDuringTheClickStopsTheOpeningThoughTheHostHoldsTheScreen)
 {
     server().setFault(
         {.path = "/click/*", .delay = std::chrono::milliseconds(700), .status = 200, .body = "{}"});
-    std::weak_ptr<VIRLOAdFullscreenViewController> gone;
-    {
-        const auto screen = shown(ad());
-        gone = screen;
-        click(Qt::Key_Return);
-        EXPECT_EQ(focus(screen), "busy");
-        click(Qt::Key_Escape);
-        EXPECT_TRUE(window.left().hasActiveFocus());
-    }
-    EXPECT_TRUE(settle([&] { return gone.expired(); }));
+    const auto screen = shown(ad());
+    click(Qt::Key_Return);
+    EXPECT_EQ(focus(screen), "busy");
+    click(Qt::Key_Escape);
+    EXPECT_TRUE(window.left().hasActiveFocus());
     ASSERT_TRUE(awaitRequests("/click/" + identifier()));
     settleAll();
     EXPECT_EQ(requests("/store/" + identifier()), 0);
     EXPECT_THAT(opener.opened(), IsEmpty());
 }
 
-TEST_F(Opening, WithoutAServerObjectNothingHappens)
-{
-    const auto screen = shown(ad());
-    ASSERT_TRUE(awaitRequests("/impression/" + identifier()));
-    settleAll();
-    api.reset();
-    click(Qt::Key_Return);
-    settleAll();
-    EXPECT_EQ(focus(screen), "action");
-    EXPECT_THAT(opener.opened(), IsEmpty());
-}
-
-TEST_F(Opening, AServerObjectThatGoesDuringTheClickTakesTheCoverWithIt)
+TEST_F(Opening, AServerObjectThatIsDestroyedDuringTheClickRemovesTheOverlay)
 {
     server().setFault(
         {.path = "/click/*", .delay = std::chrono::milliseconds(700), .status = 200, .body = "{}"});

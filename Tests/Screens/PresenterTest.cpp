@@ -4,10 +4,12 @@
 #include "LogCapture.h"
 #include "MainLoop.h"
 #include "Settle.h"
+#include "Storyboard.h"
 #include "TapRecognizer.h"
 #include "VIRLOAdPresenter.h"
 #include "VIRLOAdScreens.h"
 #include "VIRLOAdServerAPI.h"
+#include "VIRLOAdStoryboardScreens.h"
 #include "VIRLOAdvertisement.h"
 #include "VIRLOTimerButton.h"
 
@@ -38,7 +40,7 @@ protected:
     }
 };
 
-TEST_F(Presenter, KindsThatAreYetToComeHaveNoScreen)
+TEST_F(Presenter, TypesWithoutAScreenGiveNeitherScreenNorError)
 {
     for (const char* type : {"any", "discovery", "interstitial", "featured", "recommendation", "newer"}) {
         JSON other = ad();
@@ -49,18 +51,18 @@ TEST_F(Presenter, KindsThatAreYetToComeHaveNoScreen)
     EXPECT_EQ(outcome(ad()), "screen");
 }
 
-TEST_F(Presenter, ReadiesTheScreenOffTheMainThreadsStackAndTellsOnAWorker)
+TEST_F(Presenter, ASceneThatCannotBeLoadedIsAnErrorAndOneLineInTheLog)
 {
-    std::atomic<bool> told{false};
-    std::atomic<bool> onMain{true};
-    VIRLOAdScreens::installed()->screenForAdvertisementWithCompletion(
-        VIRLOAdvertisement::initWithDictionary(ad()), api, [&](const auto&, const OptionalError&) {
-            onMain = MainLoop::isMainThread();
-            told = true;
-        });
-    EXPECT_FALSE(told);
-    EXPECT_TRUE(settle([&] { return told.load(); }));
-    EXPECT_FALSE(onMain);
+    const auto registerScene = [](const char* document) {
+        Storyboard::registerScene(VIRLOAdStoryboardScreens::storyboardName, "QDXAdFullscreenViewController",
+                                  QUrl(QStringLiteral("qrc:/qt/qml/VIRLOAdFramework/Storyboard/") + document),
+                                  [] { return ViewController::make<VIRLOAdFullscreenViewController>(); });
+    };
+    expectLog("Cannot load the scene");
+    registerScene("Missing.qml");
+    EXPECT_EQ(outcome(ad()), "error");
+    registerScene("QDXAdFullscreenViewController.qml");
+    EXPECT_EQ(outcome(ad()), "screen");
 }
 
 TEST_F(Presenter, DismissesByItselfAndGivesTheFocusBack)
@@ -101,7 +103,7 @@ TEST_F(Presenter, LeavesTheEndToAHostThatSetItsOwn)
     VIRLOAdPresenter::dismiss(screen);
 }
 
-TEST_F(Presenter, TellsTheEndAlsoWhereNothingCanBeShown)
+TEST_F(Presenter, ReportsTheEndAlsoIfNothingCanBeShown)
 {
     int dismissed = 0;
     const auto count = [&] { ++dismissed; };
@@ -167,25 +169,6 @@ TEST_F(Presenter, AHostThatLetsGoDuringThePreloadLeavesNothingBehind)
         });
     api.reset(); // the server object goes while the picture is under way
     EXPECT_TRUE(settle([&] { return told.load() && gone.expired(); }));
-}
-
-TEST_F(Presenter, ALatePictureOfAScreenThatIsGoneIsDropped)
-{
-    const JSON one = ad();
-    server().setFault({.path = "/pictures/*", .status = 404});
-    std::weak_ptr<VIRLOAdFullscreenViewController> gone;
-    {
-        const auto screen = ready(one);
-        gone = screen;
-        server().setFault({.path = "/pictures/*",
-                           .delay = std::chrono::milliseconds(150),
-                           .status = 200,
-                           .body = picture(Qt::red)});
-        present(screen);
-        click(Qt::Key_Escape);
-    }
-    EXPECT_TRUE(settle([&] { return gone.expired(); }));
-    EXPECT_TRUE(awaitRequests("/pictures/" + identifier(), 2));
 }
 
 } // namespace

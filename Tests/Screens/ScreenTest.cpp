@@ -14,6 +14,7 @@
 #include "VIRLOAdPresenter.h"
 #include "VIRLOAdScreens.h"
 #include "VIRLOAdServerAPI.h"
+#include "VIRLOAdStoryboardScreens.h"
 #include "VIRLOAdvertisement.h"
 #include "VIRLOTimerButton.h"
 #include "VIRLOTrackingManager.h"
@@ -29,12 +30,13 @@ namespace virlo::test
 namespace
 {
 
-/// What all tests of the program share: the stores are the process's, and so are their folders.
+/// Shared by all tests of the program: the stores are the process's, and so are their folders.
 class Surroundings : public testing::Environment
 {
 public:
     void SetUp() override
     {
+        VIRLOAdStoryboardScreens::start();
         m_folder.emplace();
         m_network = makeFixedNetworkFlags(NetworkFlagReachable);
         NetworkFlagsSource::setShared(m_network.get());
@@ -54,6 +56,8 @@ public:
     }
 
     std::optional<adserver::AdServer> server;
+
+    [[nodiscard]] std::size_t files() const { return m_folder->files().size(); }
 
 private:
     std::optional<TemporaryFolder> m_folder;
@@ -123,8 +127,8 @@ adserver::AdServer& ScreenTest::server()
 int ScreenTest::requests(const std::string& path)
 {
     int count = 0;
-    for (const auto& exchange : server().requests())
-        count += exchange.path == path ? 1 : 0;
+    for (const auto& request : server().requests())
+        count += request.path == path ? 1 : 0;
     return count;
 }
 
@@ -136,6 +140,11 @@ bool ScreenTest::awaitRequests(const std::string& path, int count)
 void ScreenTest::serve(const std::string& path, const std::string& body)
 {
     server().setFault({.path = path, .status = 200, .body = body, .contentType = "image/png"});
+}
+
+std::size_t ScreenTest::fileCount()
+{
+    return surroundings().files();
 }
 
 std::string ScreenTest::url(const std::string& path)

@@ -34,10 +34,9 @@ namespace virlo::test
 /// PNG bytes, or JPEG for that format.
 [[nodiscard]] std::string encoded(const QImage& image, const char* format = "PNG");
 
-/// A host's window over which full-screen ads are shown, an ad server of the program's own to talk to, and
-/// the two clocks in the test's hand. The server answers everything below "/impression", "/click", "/store"
-/// and
-/// "/poll"; a picture is served once `serve` was called for it. Files live in a folder of the program's.
+/// A host's window over which full-screen ads are shown, an ad server of the test program, and the two test
+/// clocks. The server accepts every request below "/impression", "/click", "/store" and "/poll"; an image is
+/// served once `serve` was called for it. Files are in a folder of the program's.
 class ScreenTest : public testing::Test
 {
 protected:
@@ -49,6 +48,8 @@ protected:
     [[nodiscard]] static int requests(const std::string& path);
     [[nodiscard]] static bool awaitRequests(const std::string& path, int count = 1);
     static void serve(const std::string& path, const std::string& body);
+    /// In the folder of the program, the library's stores among them.
+    [[nodiscard]] static std::size_t fileCount();
 
     /// An engagement ad of one item whose identifier is used nowhere else. `item` and `button` are laid over
     /// the defaults; a null removes a key.
@@ -64,7 +65,7 @@ protected:
     [[nodiscard]] Screen ready(const JSON& ad);
     /// As `ready`, with a picture of that colour already in the store.
     [[nodiscard]] Screen readyOver(const QColor& color, const JSON& ad);
-    /// Presents over `window` and waits for the first frame, but for what moves at first.
+    /// Presents over `window` and waits for the first frame.
     void present(const Screen& screen);
     /// Ready, presented.
     [[nodiscard]] Screen shown(const JSON& ad);

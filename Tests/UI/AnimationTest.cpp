@@ -137,20 +137,6 @@ TEST_F(AnimationTest, StepsFromNoughtToExactlyOneWithoutBeingHeld)
     EXPECT_EQ(ended, (std::vector{true}));
 }
 
-TEST_F(AnimationTest, AStepMayCancelItsOwnAnimation)
-{
-    std::shared_ptr<Animation> animation;
-    animation = Animation::run(
-        Seconds(1), Animation::Curve::Linear,
-        [&](double share) {
-            if (share > 0.3 && animation)
-                std::exchange(animation, nullptr)->cancel();
-        },
-        note(ended));
-    animations.advance(Seconds(1.5));
-    EXPECT_EQ(ended, (std::vector{false}));
-}
-
 TEST_F(AnimationTest, NoLengthOrNothingToDoStillCompletesLater)
 {
     Animation::animate(

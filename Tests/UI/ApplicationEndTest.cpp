@@ -1,4 +1,5 @@
 #include "Animation.h"
+#include "Application.h"
 #include "Button.h"
 #include "MainLoop.h"
 #include "Storyboard.h"
@@ -50,6 +51,7 @@ protected:
     {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         qputenv("QT_QUICK_BACKEND", "software");
+        Application::start();
     }
 
     int argc = 1;

@@ -4,6 +4,7 @@
 #include "HostWindow.h"
 #include "MainLoop.h"
 #include "NotificationCenter.h"
+#include "QtMainLoop.h"
 #include "Settle.h"
 #include "TemporaryFolder.h"
 
@@ -15,6 +16,8 @@
 #include <atomic>
 #include <chrono>
 #include <future>
+#include <thread>
+#include <vector>
 
 namespace virlo::test
 {
@@ -101,6 +104,39 @@ TEST_F(ApplicationTest, WorkThatHangsHoldsTheEndUpForABoundedTime)
     const Seconds taken = quit();
     release->set_value();
     EXPECT_LT(taken, Application::terminationLimit + Seconds(0.5));
+}
+
+std::vector<int>& postedBeforeTheApplication()
+{
+    static std::vector<int> order;
+    return order;
+}
+
+/// Runs before main, and so before there is an application.
+const bool posted = [] {
+    for (int i = 0; i < 3; ++i)
+        MainLoop::shared().post([i] { postedBeforeTheApplication().push_back(i); });
+    return true;
+}();
+
+TEST(QtMainLoop, RunsWhatWasPostedBeforeTheApplication)
+{
+    ASSERT_TRUE(posted);
+    EXPECT_EQ(&MainLoop::shared(), &QtMainLoop::instance());
+    EXPECT_TRUE(settle([] { return postedBeforeTheApplication().size() == 3; }));
+    EXPECT_EQ(postedBeforeTheApplication(), (std::vector{0, 1, 2}));
+}
+
+TEST(QtMainLoop, SeesWhatAnotherThreadMakesTrue)
+{
+    std::atomic<bool> done{false};
+    std::thread worker([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        done = true;
+    });
+    EXPECT_TRUE(MainLoop::shared().runUntil([&] { return done.load(); }, Seconds(5)));
+    worker.join();
+    EXPECT_FALSE(MainLoop::shared().runUntil([] { return false; }, Seconds(0.01)));
 }
 
 class Opener : public URLOpener

@@ -23,7 +23,9 @@ protected:
     {
         auto controller = ViewController::make<ButtonsController>(std::move(places));
         controller->preferred = preferred;
-        window.present(controller);
+        if (const auto before = m_presentation.lock())
+            before->dismiss();
+        m_presentation = window.present(controller);
         controller->log.clear();
         return controller;
     }
@@ -35,16 +37,17 @@ protected:
     }
 
     HostWindow window;
+
+private:
+    std::weak_ptr<WindowPresentation> m_presentation;
 };
 
 TEST_F(FocusTest, StartsAtThePreferredViewOrTheFirstInReadingOrder)
 {
     EXPECT_EQ(present(corner(), "B")->focused(), "B");
-    HostWindow second;
-    auto plain = ViewController::make<ButtonsController>(
-        std::vector<ButtonsController::Place>{{"low", {0, 500, 90, 90}}, {"high", {700, 20, 90, 90}}});
-    second.present(plain);
-    EXPECT_EQ(plain->focused(), "high");
+    EXPECT_EQ(present({{"low", {0, 500, 90, 90}}, {"high", {700, 20, 90, 90}}})->focused(), "high");
+    EXPECT_TRUE(focusedViews(present({})->view()).empty());
+    window.click(Qt::Key_Right); // nothing to move
 }
 
 TEST_F(FocusTest, ArrowKeysMoveItAndStopAtTheEdge)
@@ -58,14 +61,6 @@ TEST_F(FocusTest, ArrowKeysMoveItAndStopAtTheEdge)
     window.click(Qt::Key_Down);
     EXPECT_EQ(screen->focused(), "B");
     EXPECT_EQ(screen->log, (std::vector<std::string>{"A>C", "C>A", "A>B"}));
-}
-
-TEST_F(FocusTest, AHeldArrowGoesOnByRepeats)
-{
-    const auto screen = present(
-        {{"A", {0, 0, 90, 90}}, {"B", {100, 0, 90, 90}}, {"C", {200, 0, 90, 90}}, {"D", {300, 0, 90, 90}}});
-    window.hold(Qt::Key_Right, 2);
-    EXPECT_EQ(screen->focused(), "D");
 }
 
 TEST_F(FocusTest, AGuideLeadsToItsView)
@@ -117,7 +112,7 @@ class FocusLoss : public FocusTest, public testing::WithParamInterface<Loss>
 {
 };
 
-TEST_P(FocusLoss, HandsTheFocusOnAtOnceAndUnasked)
+TEST_P(FocusLoss, MovesTheFocusAtOnceAndCannotBeRefused)
 {
     const auto screen = present(corner(), "A");
     screen->mayMove = [](const FocusUpdateContext&) { return false; };
@@ -136,27 +131,16 @@ INSTANTIATE_TEST_SUITE_P(
                     Loss{"NotFocusable", [](auto& s) { s.button("A")->setFocusable(false); }},
                     Loss{"Empty", [](auto& s) { s.button("A")->setFrame({}); }},
                     Loss{"Removed", [](auto& s) { s.button("A")->removeFromSuperview(); }},
-                    Loss{"UnderACover",
+                    Loss{"UnderAnOverlay",
                          [](auto& s) {
-                             auto cover = View::make<View>();
-                             cover->setFrame({0, 0, 400, 400});
-                             s.view().addSubview(cover);
-                             cover->setObscuresFocus(true);
+                             auto overlay = View::make<View>();
+                             overlay->setFrame({0, 0, 400, 400});
+                             s.view().addSubview(overlay);
+                             overlay->setObscuresFocus(true);
                          }}),
     [](const auto& row) { return row.param.name; });
 
-TEST_F(FocusTest, AViewThatIsDestroyedLeavesTheFocusToAnother)
-{
-    const auto screen = present(corner(), "C");
-    auto doomed = std::make_unique<Control>(&screen->view());
-    doomed->setFrame({1000, 900, 100, 100});
-    window.click(Qt::Key_Down);
-    ASSERT_TRUE(doomed->isFocused());
-    doomed.reset();
-    EXPECT_EQ(screen->focused(), "C");
-}
-
-TEST_F(FocusTest, ALostContainerHandsOnByTheInnermostPreference)
+TEST_F(FocusTest, ALostContainerIsFollowedByTheInnermostPreference)
 {
     const auto screen = present(corner(), "B");
     auto form = ViewController::make<ButtonsController>(std::vector<ButtonsController::Place>{
@@ -173,32 +157,7 @@ TEST_F(FocusTest, ALostContainerHandsOnByTheInnermostPreference)
     EXPECT_EQ(screen->focused(), "B");
 }
 
-TEST_F(FocusTest, GoesToTheFirstViewThatBecomesFocusable)
-{
-    const auto screen = present({});
-    EXPECT_TRUE(focusedViews(screen->view()).empty());
-    window.click(Qt::Key_Right);
-    window.click(Qt::Key_Return);
-    auto late = View::make<Button>();
-    late->setFrame({10, 10, 100, 100});
-    screen->view().addSubview(late);
-    EXPECT_TRUE(late->isFocused());
-}
-
-TEST_F(FocusTest, ARequestFromElsewhereOnTheScreenChangesNothing)
-{
-    const auto screen = present(corner(), "A");
-    auto other =
-        ViewController::make<ButtonsController>(std::vector<ButtonsController::Place>{{"X", {0, 0, 90, 90}}});
-    other->view().setFrame({1200, 300, 600, 600});
-    screen->addChildViewController(other);
-    screen->view().addSubview(other->view());
-    other->setNeedsFocusUpdate();
-    other->updateFocusIfNeeded();
-    EXPECT_EQ(screen->focused(), "A");
-}
-
-TEST_F(FocusTest, ARequestIsServedInALaterTurnWithoutBeingPressed)
+TEST_F(FocusTest, AnUpdateThatIsRequestedComesInALaterTurn)
 {
     const auto screen = present(corner(), "A");
     screen->preferred = "B";
@@ -240,7 +199,7 @@ TEST_F(FocusTest, AContainerPassesTheFocusToItsPreference)
     EXPECT_TRUE(first->isFocused()) << "the strip around the focused part is no candidate";
 }
 
-TEST_F(FocusTest, PreferencesInACircleEnd)
+TEST_F(FocusTest, CyclicPreferencesEnd)
 {
     const auto screen = present(corner(), "A");
 

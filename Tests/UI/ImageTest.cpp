@@ -94,7 +94,7 @@ class HostileImage : public testing::TestWithParam<Hostile>
 {
 };
 
-TEST_P(HostileImage, IsACleanNothing)
+TEST_P(HostileImage, IsRefused)
 {
     allowLog("[Qt]");
     const std::string data = GetParam().make();
@@ -130,18 +130,23 @@ INSTANTIATE_TEST_SUITE_P(
                     return bmp;
                 }},
         Hostile{"CutPng", [] { return cut(encoded(drawing(300, 200, QImage::Format_ARGB32), "PNG")); }},
-        Hostile{"CutJpeg", [] { return cut(encoded(sample, "JPEG")); }},
-        Hostile{"JpegWithoutItsEnd",
-                [] {
-                    const std::string whole = encoded(sample, "JPEG");
-                    return whole.substr(0, whole.size() - 2);
-                }},
-        Hostile{"CutBmp", [] { return cut(encoded(sample, "BMP")); }},
         Hostile{"JpegStart",
                 [] {
                     return bytes({0xFF, 0xD8, 0xFF});
                 }}),
     [](const auto& row) { return row.param.name; });
+
+TEST(Image, WhatTheDecoderMakesOfACutFileIsShown)
+{
+    allowLog("[Qt]");
+    for (const char* format : {"JPEG", "BMP"}) {
+        const std::string whole = encoded(drawing(300, 200, QImage::Format_RGB32), format);
+        const auto image = Image::decode(whole.substr(0, whole.size() - 2));
+        ASSERT_NE(image, nullptr) << format;
+        EXPECT_EQ(image->width(), 300);
+        EXPECT_GT(image->qImage().pixelColor(20, 20).blue(), 240) << format;
+    }
+}
 
 struct Good {
     const char* format;
@@ -166,11 +171,6 @@ TEST(Image, DecodesIntoTheFormatsOfTheSceneGraph)
     }
 }
 
-TEST(Image, TrailingBytesDoNotHurtAJpeg)
-{
-    EXPECT_NE(Image::decode(encoded(sample, "JPEG") + std::string(100, '\0')), nullptr);
-}
-
 TEST(Image, DecodesAtReducedSize)
 {
     const std::string jpeg = encoded(drawing(1920, 1080, QImage::Format_RGB32), "JPEG");
@@ -182,6 +182,8 @@ TEST(Image, DecodesAtReducedSize)
     EXPECT_GT(image->qImage().pixelColor(200, 120).red(), 240);
     EXPECT_EQ(Image::decodeCovering(jpeg, 4000, 4000)->width(), 1920) << "never larger";
     EXPECT_EQ(Image::decodeCovering(encoded(sample, "PNG"), 30, 30)->width(), 45);
+    EXPECT_EQ(Image::decode(jpeg)->covering(960, 540)->qImage().size(), QSize(960, 540));
+    EXPECT_EQ(image->covering(960, 540), image);
 }
 
 TEST(Image, TurnsAPhotographUpright)
@@ -197,33 +199,6 @@ TEST(Image, TurnsAPhotographUpright)
     EXPECT_EQ(QSize(whole->width(), whole->height()), QSize(200, 300));
     const auto small = Image::decodeCovering(jpeg, 100, 120);
     EXPECT_EQ(QSize(small->width(), small->height()), QSize(100, 150));
-}
-
-TEST(Image, EncodesPngThatReadsBackTheSame)
-{
-    const auto image = Image::fromQImage(drawing(30, 20, QImage::Format_ARGB32_Premultiplied));
-    const auto again = Image::decode(image->pngData());
-    ASSERT_NE(again, nullptr);
-    EXPECT_EQ(again->qImage().convertToFormat(QImage::Format_ARGB32),
-              image->qImage().convertToFormat(QImage::Format_ARGB32));
-    EXPECT_EQ(Image::fromQImage({}), nullptr);
-}
-
-TEST(Image, DecodesOnManyThreadsAtOnce)
-{
-    const std::string png = encoded(sample, "PNG");
-    const std::string jpeg = encoded(sample, "JPEG");
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([&] {
-            for (int i = 0; i < 20; ++i) {
-                EXPECT_NE(Image::decode(png), nullptr);
-                EXPECT_NE(Image::decodeCovering(jpeg, 50, 50), nullptr);
-            }
-        });
-    }
-    for (auto& thread : threads)
-        thread.join();
 }
 
 } // namespace

@@ -70,22 +70,6 @@ TEST_F(LookTest, AShadowLiesWhereItsOffsetPutsItAndFadesOutwards)
     EXPECT_EQ(darkness(window.picture(), 700, 610), 0);
 }
 
-TEST_F(LookTest, AShadowOfALargeViewAndOfAPointSizedOneHaveTheSameReach)
-{
-    for (const double size : {400.0, 20.0}) {
-        const auto view = add<View>({600, 400, size, size});
-        view->setBackgroundColor(Qt::red);
-        view->setShadowRadius(8);
-        view->setShadowOpacity(1);
-        const QImage picture = window.picture();
-        EXPECT_GT(darkness(picture, static_cast<int>(600 + size / 2), static_cast<int>(400 + size + 3)), 10)
-            << size;
-        EXPECT_EQ(darkness(picture, static_cast<int>(600 + size / 2), static_cast<int>(400 + size + 30)), 0)
-            << size;
-        view->removeFromSuperview();
-    }
-}
-
 TEST_F(LookTest, RoundCornersAreSmoothAlsoUnderScale)
 {
     const auto view = add<View>({500, 400, 400, 200});
@@ -107,19 +91,6 @@ TEST_F(LookTest, RoundCornersAreSmoothAlsoUnderScale)
         for (int x = left + 40; x < left + 300; ++x)
             ASSERT_EQ(darkness(picture, x, top + 60), 255) << "no seams, at " << x;
     }
-}
-
-TEST_F(LookTest, SmallAndFractionalCornersDraw)
-{
-    const auto circle = add<View>({500, 400, 21, 21});
-    circle->setBackgroundColor(Qt::black);
-    circle->setCornerRadius(400);
-    EXPECT_EQ(darkness(window.picture(), 510, 410), 255);
-    EXPECT_EQ(darkness(window.picture(), 500, 400), 0);
-    circle->setFrame({500, 400, 0.5, 0.5});
-    (void)window.picture();
-    circle->setFrame({500, 400, -5, 10});
-    (void)window.picture();
 }
 
 std::shared_ptr<const Image> striped()
@@ -165,21 +136,6 @@ INSTANTIATE_TEST_SUITE_P(
                     Mode{"AspectFill", ImageView::ContentMode::AspectFill, Qt::green, Qt::green},
                     Mode{"Center", ImageView::ContentMode::Center, Qt::green, Qt::green}),
     [](const auto& row) { return row.param.name; });
-
-TEST_F(LookTest, APictureIsSharedAndGoesWithItsView)
-{
-    auto image = striped();
-    const std::weak_ptr<const Image> watch = image;
-    auto view = add<ImageView>({0, 0, 300, 200});
-    view->setImage(image);
-    EXPECT_EQ(window.picture().pixelColor(5, 5), QColor(Qt::red));
-    image.reset();
-    EXPECT_FALSE(watch.expired());
-    view->removeFromSuperview();
-    view.reset();
-    pumpMainLoop();
-    EXPECT_TRUE(watch.expired());
-}
 
 TEST_F(LookTest, AFocusedButtonWearsItsRing)
 {

@@ -21,6 +21,11 @@ class Panel : public ViewController
 {
 public:
     using ViewController::outlet;
+
+    int loads = 0;
+
+protected:
+    void viewDidLoad() override { ++loads; }
 };
 
 QUrl scene(const char* file)
@@ -60,29 +65,22 @@ TEST_F(StoryboardTest, MakesAControllerWithItsOutlets)
     EXPECT_EQ(panel->outlet<Button>("actionButton")->frame().x(), 120);
 }
 
-TEST_F(StoryboardTest, AMissingOutletIsAnErrorInTheLogAndNull)
+TEST_F(StoryboardTest, AMissingOutletFailsTheSceneWithOneLineInTheLog)
 {
-    expectLog("The scene Panel.qml has no outlet \"shareButton\".");
-    expectLog("The outlet \"titleLabel\" of the scene Panel.qml is no virlo::Button.");
-    expectLog("The outlet \"noView\" of the scene Panel.qml is no virlo::View.");
-    expectLog("The outlet \"empty\"");
-    const auto panel = instantiate("Panel");
-    panel->loadViewIfNeeded();
-    EXPECT_EQ(panel->outlet<Button>("shareButton"), nullptr);
-    EXPECT_EQ(panel->outlet<Button>("titleLabel"), nullptr);
-    EXPECT_EQ(panel->outlet<View>("noView"), nullptr);
-    EXPECT_EQ(panel->outlet<View>("empty"), nullptr);
+    for (const char* name : {"shareButton", "titleLabel", "noView", "empty"}) {
+        expectLog("The scene Panel.qml has no outlet \"" + std::string(name) + "\" that is a virlo::Button.");
+        const auto panel = instantiate("Panel");
+        panel->loadViewIfNeeded();
+        EXPECT_FALSE(panel->sceneHasFailed());
+        EXPECT_EQ(panel->outlet<Button>(name), nullptr);
+        EXPECT_TRUE(panel->sceneHasFailed());
+        EXPECT_EQ(panel->outlet<Button>("another"), nullptr);
+    }
 }
 
-TEST_F(StoryboardTest, UnknownNamesGiveNothing)
+TEST_F(StoryboardTest, ASceneThatCannotBeLoadedIsNeitherShownNorSetUp)
 {
-    expectLog("The storyboard \"Test\" has no scene \"Nobody\".");
-    EXPECT_EQ(instantiate("Nobody"), nullptr);
-    EXPECT_EQ(Storyboard::storyboardWithName("Elsewhere"), nullptr);
-}
-
-TEST_F(StoryboardTest, ASceneThatCannotBeLoadedIsAnEmptyView)
-{
+    HostWindow window;
     expectLog("neverGiven");
     expectLog("NoView.qml: its root is no View");
     expectLog("Missing.qml");
@@ -90,31 +88,35 @@ TEST_F(StoryboardTest, ASceneThatCannotBeLoadedIsAnEmptyView)
         const auto panel = instantiate(identifier);
         EXPECT_TRUE(panel->view().subviews().empty());
         EXPECT_EQ(panel->outlet<Button>("actionButton"), nullptr);
+        EXPECT_EQ(panel->loads, 0);
+        std::vector<WindowPresentation::End> ends;
+        WindowPresentation::present(panel, &window,
+                                    {{}, [&](WindowPresentation::End end) { ends.push_back(end); }});
+        EXPECT_TRUE(settle([&] { return !ends.empty(); }));
+        EXPECT_EQ(ends, (std::vector{WindowPresentation::End::Refused}));
     }
 }
 
-TEST_F(StoryboardTest, WarmingUpEndsOnceForEveryCaller)
+TEST_F(StoryboardTest, WarmingUpEndsOnceForEveryCallerAlsoWhereTheSceneIsLoadedMeanwhile)
 {
     expectLog("has no scene \"Nobody\"");
+    EXPECT_EQ(Storyboard::storyboardWithName("Elsewhere"), nullptr);
     int done = 0;
     const auto storyboard = Storyboard::storyboardWithName("Test");
     for (const char* identifier : {"Panel", "Panel", "Missing", "Nobody"})
         storyboard->warmUp(identifier, [&] { ++done; });
-    EXPECT_EQ(done, 0);
-    EXPECT_TRUE(settle([&] { return done == 4; }));
-    pumpMainLoop();
-    EXPECT_EQ(done, 4);
-}
-
-TEST_F(StoryboardTest, MayBeLoadedWhileItWarmsUp)
-{
     Storyboard::registerScene("Test", "Other", scene("Other.qml"),
                               [] { return ViewController::make<Panel>(); });
-    bool done = false;
-    Storyboard::storyboardWithName("Test")->warmUp("Other", [&] { done = true; });
-    const auto other = instantiate("Other");
-    EXPECT_EQ(other->view().backgroundColor(), QColor(Qt::red));
-    EXPECT_TRUE(settle([&] { return done; }));
+    storyboard->warmUp("Other", [&] { ++done; });
+    EXPECT_EQ(instantiate("Other")->view().backgroundColor(), QColor(Qt::red));
+    const auto prepared = instantiate("Panel");
+    prepared->prepareView([&] { ++done; });
+    EXPECT_EQ(done, 0);
+    EXPECT_FALSE(prepared->isViewLoaded());
+    EXPECT_TRUE(settle([&] { return done == 6; }));
+    EXPECT_TRUE(prepared->isViewLoaded());
+    pumpMainLoop();
+    EXPECT_EQ(done, 6);
 }
 
 TEST_F(StoryboardTest, ASceneIsDrivenByKeysAndDiesWhole)
@@ -142,7 +144,7 @@ TEST_F(StoryboardTest, ASceneIsDrivenByKeysAndDiesWhole)
     EXPECT_FALSE(title);
 }
 
-TEST_F(StoryboardTest, ATextFieldTypesAndLeavesTheOtherKeysToTheScreen)
+TEST_F(StoryboardTest, ATextFieldUsesTheKeysThatItCanType)
 {
     Storyboard::registerScene("Test", "TextEntry", scene("TextEntry.qml"),
                               [] { return ViewController::make<Panel>(); });

@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <thread>
 
 namespace virlo::test
@@ -45,6 +44,61 @@ private:
     Log& m_log;
 };
 
+TEST(View, HoldsASharedSubviewUntilItLeaves)
+{
+    auto first = View::make<View>();
+    auto second = View::make<View>();
+    std::weak_ptr<View> watch;
+    {
+        auto subview = View::make<View>();
+        watch = subview;
+        first->addSubview(subview);
+        first->addSubview(subview);
+    }
+    pumpMainLoop();
+    ASSERT_FALSE(watch.expired());
+    second->addSubview(watch.lock());
+    EXPECT_TRUE(first->subviews().empty());
+    pumpMainLoop();
+    ASSERT_EQ(second->subviews().size(), 1U);
+    watch.lock()->removeFromSuperview();
+    pumpMainLoop();
+    EXPECT_TRUE(watch.expired());
+}
+
+TEST(View, OrdersItsSubviews)
+{
+    View view;
+    View a;
+    View b;
+    View c;
+    view.addSubview(a);
+    view.addSubview(b);
+    view.addSubview(a);
+    EXPECT_EQ(view.subviews(), (std::vector<View*>{&b, &a}));
+    view.insertSubviewAbove(c, b);
+    EXPECT_EQ(view.subviews(), (std::vector<View*>{&b, &c, &a}));
+    view.insertSubviewBelow(a, b);
+    EXPECT_EQ(view.subviews(), (std::vector<View*>{&a, &b, &c}));
+}
+
+TEST(View, FillsTheViewItIsPinnedTo)
+{
+    View view;
+    View inner;
+    view.setFrame({5, 5, 100, 50});
+    view.addSubview(inner);
+    view.pinToEdges(inner);
+    EXPECT_EQ(inner.frame(), QRectF(0, 0, 100, 50));
+    view.setFrame({5, 5, 300, 200});
+    EXPECT_EQ(inner.frame(), QRectF(0, 0, 300, 200));
+    View other;
+    other.setFrame({0, 0, 10, 10});
+    other.addSubview(inner);
+    other.pinToEdges(inner);
+    EXPECT_EQ(inner.frame(), QRectF(0, 0, 10, 10));
+}
+
 class ViewControllerTest : public testing::Test
 {
 protected:
@@ -64,14 +118,6 @@ protected:
             pumpMainLoop(); // each lets go of what the one before kept
     }
 };
-
-TEST_F(ViewControllerTest, LoadsItsViewOnceAndLate)
-{
-    EXPECT_FALSE(parent->isViewLoaded());
-    (void)parent->view();
-    parent->loadViewIfNeeded();
-    EXPECT_EQ(take(), (Log{"parent loaded"}));
-}
 
 TEST_F(ViewControllerTest, PassesAppearingToItsChildren)
 {
@@ -110,18 +156,6 @@ TEST_F(ViewControllerTest, AChildAppearsWhenItsViewComesOnScreen)
     EXPECT_EQ(child->parentViewController(), nullptr);
 }
 
-TEST_F(ViewControllerTest, AParentKeepsItsChildrenAndLetsGoOfThem)
-{
-    parent->addChildViewController(child);
-    child.reset();
-    pumpMainLoop();
-    EXPECT_EQ(take(), Log{});
-    parent->childViewControllers().front()->removeFromParentViewController();
-    EXPECT_EQ(take(), Log{}) << "not on the caller's stack";
-    pumpMainLoop();
-    EXPECT_EQ(take(), (Log{"child destroyed"}));
-}
-
 TEST_F(ViewControllerTest, ACircleOfContainmentIsRefused)
 {
     expectLog("cannot be its own child");
@@ -130,52 +164,19 @@ TEST_F(ViewControllerTest, ACircleOfContainmentIsRefused)
     EXPECT_EQ(parent->parentViewController(), nullptr);
 }
 
-TEST_F(ViewControllerTest, AParentThatGoesLeavesAHeldChildAlone)
-{
-    parent->addChildViewController(child);
-    parent->view().addSubview(child->view());
-    parent.reset();
-    pumpMainLoop();
-    EXPECT_EQ(child->parentViewController(), nullptr);
-    EXPECT_EQ(child->view().superview(), nullptr);
-}
-
-TEST_F(ViewControllerTest, TheLastReferenceMayGoOnAnyThread)
-{
-    (void)parent->view();
-    take();
-    std::thread([held = std::move(parent)]() mutable { held.reset(); }).join();
-    EXPECT_EQ(take(), Log{});
-    pumpMainLoop();
-    EXPECT_EQ(take(), (Log{"parent destroyed"}));
-
-    std::atomic<bool> gone{false};
-
-    struct Marked : View {
-        explicit Marked(std::atomic<bool>& flag) : m_flag(flag) {}
-
-        ~Marked() override { m_flag = MainLoop::isMainThread(); }
-
-        std::atomic<bool>& m_flag;
-    };
-
-    auto view = View::make<Marked>(gone);
-    std::thread([held = std::move(view)]() mutable { held.reset(); }).join();
-    pumpMainLoop();
-    EXPECT_TRUE(gone);
-}
-
-TEST_F(ViewControllerTest, MayBeMadeOnAnyThread)
+TEST_F(ViewControllerTest, IsMadeAndReleasedOnAnyThread)
 {
     std::shared_ptr<Part> made;
     std::thread([&] { made = ViewController::make<Part>("made", log); }).join();
     window->present(made);
     EXPECT_EQ(take(), (Log{"made loaded", "made will appear", "made did appear"}));
     made->dismissViewController();
-    made.reset();
+    take();
+    std::thread([held = std::move(made)]() mutable { held.reset(); }).join();
+    EXPECT_EQ(take(), Log{});
     pumpMainLoop();
     pumpMainLoop();
-    EXPECT_EQ(log.back(), "made destroyed");
+    EXPECT_EQ(take(), (Log{"made destroyed"}));
 }
 
 } // namespace

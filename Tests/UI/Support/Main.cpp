@@ -1,3 +1,4 @@
+#include "Application.h"
 #include "LogCapture.h"
 #include "SystemLog.h"
 
@@ -27,6 +28,7 @@ int main(int argc, char** argv)
     setWhereUnset("QT_QPA_PLATFORM", "offscreen");
     setWhereUnset("QT_QUICK_BACKEND", "software");
     qInstallMessageHandler(toLog);
+    virlo::Application::start();
     const QGuiApplication application(argc, argv);
     return virlo::test::runAllTests(argc, argv);
 }

@@ -1,5 +1,6 @@
 #include "Image.h"
 #include "ScreenTest.h"
+#include "Settle.h"
 #include "VIRLOColorSampling.h"
 #include "VIRLORoundedCorners.h"
 
@@ -14,7 +15,7 @@ namespace
 using VIRLOColorSampling::colorAtPoint;
 using VIRLORoundedCorners::VIRLO_thumbnailWithRoundedCorners;
 
-TEST(RoundedCorners, ShowTheMiddleOfAWidePictureInItsOwnPixels)
+TEST(RoundedCorners, ShowTheMiddleOfAWideImageInItsOwnPixels)
 {
     QImage wide(300, 150, QImage::Format_RGB32);
     for (int y = 0; y < wide.height(); ++y) {
@@ -42,6 +43,31 @@ TEST(RoundedCorners, CutRoundCornersSmoothly)
     for (int x = 0; x < 30; ++x)
         between += alpha(x, 3) > 0 && alpha(x, 3) < 255 ? 1 : 0;
     EXPECT_GE(between, 1);
+}
+
+TEST(RoundedCorners, AreClearOfTheOppositeEdgeOfASmallImage)
+{
+    QImage halves(60, 40, QImage::Format_RGB32);
+    halves.fill(Qt::red);
+    QPainter(&halves).fillRect(0, 20, 60, 20, Qt::blue);
+    const QImage thumbnail = VIRLO_thumbnailWithRoundedCorners(*Image::fromQImage(halves))->qImage();
+    EXPECT_EQ(thumbnail.pixelColor(75, 0), QColor(Qt::red));
+    EXPECT_EQ(thumbnail.pixelColor(75, 149), QColor(Qt::blue));
+}
+
+TEST(RoundedCorners, HaveTheWindowsPixels)
+{
+    QImage thumbnail(100, 100, QImage::Format_RGB32);
+    thumbnail.fill(Qt::green);
+    {
+        HostWindow window({3840, 2160});
+        pumpMainLoop();
+        thumbnail = VIRLO_thumbnailWithRoundedCorners(*Image::fromQImage(thumbnail))->qImage();
+    }
+    pumpMainLoop();
+    ASSERT_EQ(thumbnail.size(), QSize(300, 300));
+    EXPECT_EQ(qAlpha(thumbnail.pixel(14, 14)), 0);
+    EXPECT_EQ(qAlpha(thumbnail.pixel(22, 22)), 255);
 }
 
 TEST(RoundedCorners, AverageWhatTheyShrink)
@@ -90,7 +116,7 @@ TEST_F(Sampling, GoesOnInTheNextRowBeyondARowsEnd)
     EXPECT_EQ(colorAtPoint(*m_image, -1, 1), colorAtPoint(*m_image, 3, 0));
 }
 
-TEST_F(Sampling, IsClearOutsideThePictureAndWhereItIsTransparent)
+TEST_F(Sampling, IsTransparentOutsideTheImageAndWhereItIsTransparent)
 {
     EXPECT_EQ(colorAtPoint(*m_image, 0, 1), clearBlack);
     EXPECT_EQ(colorAtPoint(*m_image, 75, 906), clearBlack);
