@@ -67,7 +67,7 @@ void expectColour(const QImage& picture, QPoint at, QColor wanted)
 TEST_P(Colours, OfTheBarsAreRight)
 {
     show(served(GetParam().clip));
-    const QImage picture = window.picture();
+    const QImage picture = window.image();
     // Each bar is a seventh wide; the upper two thirds carry them.
     const std::array<QColor, 7> bars{QColor(191, 191, 191), QColor(191, 191, 0), QColor(0, 191, 191),
                                      QColor(0, 191, 0),     QColor(191, 0, 191), QColor(191, 0, 0),
@@ -104,28 +104,28 @@ TEST_F(LayerView, FitsThePictureBetweenBarsOfTheBackground)
 {
     show(served({.width = 320, .height = 320, .pattern = "red", .sound = false}));
     EXPECT_EQ(view->videoRect(), QRectF(140, 0, 360, 360));
-    QImage picture = window.picture();
+    QImage picture = window.image();
     expectColour(picture, {320, 180}, Qt::red);
     expectColour(picture, {145, 5}, Qt::red);
     expectColour(picture, {130, 180}, Qt::darkBlue);
     expectColour(picture, {510, 180}, Qt::darkBlue);
     view->setFrame(QRectF(0, 0, 200, 360));
-    picture = window.picture();
+    picture = window.image();
     EXPECT_EQ(view->videoRect(), QRectF(0, 80, 200, 200));
     expectColour(picture, {100, 90}, Qt::red);
     expectColour(picture, {100, 70}, Qt::darkBlue);
     view->setPlayer(nullptr);
-    expectColour(window.picture(), {100, 180}, Qt::darkBlue);
+    expectColour(window.image(), {100, 180}, Qt::darkBlue);
 }
 
 TEST_F(LayerView, ShowsAStandingPictureInAnotherWindowToo)
 {
     show(served({.pattern = "red", .sound = false}));
-    expectColour(window.picture(), {320, 180}, Qt::red);
+    expectColour(window.image(), {320, 180}, Qt::red);
     HostWindow other({640, 360});
     view->setParentItem(other.contentItem());
-    expectColour(window.picture(), {320, 180}, Qt::darkBlue);
-    expectColour(other.picture(), {320, 180}, Qt::red);
+    expectColour(window.image(), {320, 180}, Qt::darkBlue);
+    expectColour(other.image(), {320, 180}, Qt::red);
     view->setParentItem(nullptr);
 }
 
@@ -158,17 +158,17 @@ protected:
 TEST_F(WideWindow, ShowsAPictureThatFitsPixelByPixelUnderAScaleToo)
 {
     show(served({.width = 1280, .height = 720, .sound = false, .kilobitsPerSecond = 6000}));
-    const QImage plain = window.picture();
+    const QImage plain = window.image();
     QQuickItem canvas(window.contentItem());
     canvas.setSize({1920, 1080});
     canvas.setTransformOrigin(QQuickItem::TopLeft);
     canvas.setScale(1280 / 1920.0);
     view->setParentItem(&canvas);
     view->setFrame({0, 0, 1920, 1080});
-    const QImage scaled = window.picture();
+    const QImage scaled = window.image();
     EXPECT_TRUE(scaled == plain);
     view->setFrame({0, 0, 960, 540});
-    EXPECT_NE(window.picture(), plain) << "smaller than its pixels";
+    EXPECT_NE(window.image(), plain) << "smaller than its pixels";
     view->setParentItem(nullptr);
 }
 

@@ -77,17 +77,6 @@ TEST(ActivityIndicator, CoversOneViewAtATimeAndGoesWhenDismissed)
     EXPECT_TRUE(settle([&] { return watch.expired(); }));
 }
 
-TEST(ActionButtonLook, KeepsATitleThatTheAdDoesNotName)
-{
-    Button button;
-    button.setTitle("Before");
-    UIButtonVIRLOActionButton::applyPropertiesFromModel(
-        button, *VIRLOActionButton::initWithDictionary({{"textRed", 510}, {"backgroundGreen", 51}}));
-    EXPECT_EQ(button.title(), "Before");
-    EXPECT_EQ(button.titleColor(), QColor(255, 0, 0));
-    EXPECT_EQ(button.backgroundColor(), QColor(0, 51, 0));
-}
-
 /// A ring of radius 50; colours by the hour on a clock's face and by the share of the radius.
 class Drawn
 {
@@ -215,17 +204,6 @@ TEST_F(Countdown, CountsToZeroAndThenBecomesAButton)
     EXPECT_EQ(clock.pendingCount(), 0U);
     EXPECT_EQ(button.timerValueLabel().alpha(), 0);
     EXPECT_EQ(button.imageView().alpha(), 1);
-}
-
-TEST_F(Countdown, EndsOnceHoweverLateTheFadeIs)
-{
-    button.setInitialTimerValue(0);
-    button.start();
-    clock.advance(Seconds(3)); // ticks while the fade stands still
-    EXPECT_FALSE(button.active());
-    animations.advance(Seconds(1));
-    EXPECT_TRUE(button.active());
-    EXPECT_EQ(clock.pendingCount(), 0U);
 }
 
 TEST_F(Countdown, CannotBeSetAnewWhileItRuns)

@@ -136,7 +136,7 @@ TEST_F(FullscreenLook, TheCornerIsSampledInTheOriginalsPixels)
         image.fill(Qt::black);
         image.setPixelColor(75, 906, Qt::white);
         const JSON one = ad();
-        serve("/pictures/" + identifier(), encoded(image));
+        serve("/images/" + identifier(), encoded(image));
         const auto screen = ready(one);
         EXPECT_TRUE(shows(closeButton(screen), "fullscreen_close_dark.png")) << size.width();
         EXPECT_EQ(backgroundImage(screen).image()->width(), 1920) << "the window's own pixels";
@@ -153,7 +153,7 @@ TEST_F(FullscreenLook, ALargeImageHasItsFullResolutionInALargeWindow)
             lines.setPixel(x, y, x % 2 == 0 ? qRgb(255, 255, 255) : qRgb(0, 0, 0));
     }
     const JSON one = ad();
-    serve("/pictures/" + identifier(), encoded(lines));
+    serve("/images/" + identifier(), encoded(lines));
     present(ready(one));
     const QImage shown = shoot("full-resolution");
     EXPECT_EQ(shown.pixelColor(2000, 700), QColor(Qt::white));
@@ -257,21 +257,21 @@ TEST_F(FullscreenLook, FitsWindowsOfOtherSizesAndShapes)
 TEST_F(FullscreenLook, ShowsAWheelUntilALateImageComes)
 {
     const JSON one = ad();
-    server().setFault({.path = "/pictures/*", .status = 404, .body = "gone"});
+    server().setFault({.path = "/images/*", .status = 404, .body = "gone"});
     const auto screen = ready(one);
-    EXPECT_EQ(requests("/pictures/" + identifier()), 1);
+    EXPECT_EQ(requests("/images/" + identifier()), 1);
     EXPECT_FALSE(isSpinning(screen));
 
-    server().setFault({.path = "/pictures/*",
+    server().setFault({.path = "/images/*",
                        .delay = std::chrono::milliseconds(200),
                        .status = 200,
-                       .body = picture(Qt::white)});
+                       .body = imageFile(Qt::white)});
     present(screen);
     EXPECT_TRUE(isSpinning(screen));
     shoot("image-missing");
     ASSERT_TRUE(settle([&] { return backgroundImage(screen).hasImage(); }));
     EXPECT_FALSE(isSpinning(screen));
-    EXPECT_EQ(requests("/pictures/" + identifier()), 2);
+    EXPECT_EQ(requests("/images/" + identifier()), 2);
     // A late image is not sampled: the close button keeps its appearance on a light one.
     EXPECT_TRUE(shows(closeButton(screen), "fullscreen_close.png"));
     EXPECT_EQ(shoot("image-late").pixelColor(960, 300), QColor(Qt::white));
@@ -279,10 +279,10 @@ TEST_F(FullscreenLook, ShowsAWheelUntilALateImageComes)
 
 TEST_F(FullscreenLook, AnImageThatNeverComesLeavesTheWheel)
 {
-    server().setFault({.path = "/pictures/*", .status = 200, .body = "no image"});
+    server().setFault({.path = "/images/*", .status = 200, .body = "no image"});
     const auto screen = ready(ad());
     present(screen);
-    ASSERT_TRUE(awaitRequests("/pictures/" + identifier(), 2));
+    ASSERT_TRUE(awaitRequests("/images/" + identifier(), 2));
     settleAll();
     EXPECT_TRUE(isSpinning(screen));
     click(Qt::Key_Escape);

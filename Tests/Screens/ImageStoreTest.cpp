@@ -44,17 +44,17 @@ int keptInMemory(const std::string& bytes, int stored)
     return kept;
 }
 
-std::string padded(std::string picture, std::size_t size)
+std::string padded(std::string bytes, std::size_t size)
 {
-    picture.resize(std::max(size, picture.size()));
-    return picture;
+    bytes.resize(std::max(size, bytes.size()));
+    return bytes;
 }
 
 TEST(ImageStore, WritesTheBytesAndARoundedThumbnailUnderTheIdentifier)
 {
     const TemporaryFolder folder;
     const auto store = VIRLOAppGridFeaturedImageStore::initSingleton();
-    const std::string bytes = picture(Qt::red, {300, 150});
+    const std::string bytes = imageFile(Qt::red, {300, 150});
     store->setImageForItem(bytes, *item("Ab c.1%41"));
     const std::string folders = "VIRLOAppGridFeaturedImageStore/";
     ASSERT_TRUE(store->imageCacheDirectory().ends_with(folders + "images/"));
@@ -77,7 +77,7 @@ TEST(ImageStore, WritesTheBytesAndARoundedThumbnailUnderTheIdentifier)
 TEST(ImageStore, BoundsItsMemory)
 {
     const TemporaryFolder folder;
-    const std::string small = picture(Qt::red, {8, 8});
+    const std::string small = imageFile(Qt::red, {8, 8});
     EXPECT_EQ(keptInMemory<VIRLOAppGridImageStore>(small, 30), 20);
     EXPECT_EQ(keptInMemory<VIRLOAppGridFeaturedImageStore>(small, 30), 20);
     EXPECT_EQ(keptInMemory<VIRLOAdInterstitialImageStore>(small, 30), 20);
@@ -92,7 +92,7 @@ TEST(ImageStore, AppGridKeepsBytesThatAreNoImageAsTheirOwnThumbnail)
     const auto grid = VIRLOAppGridImageStore::initSingleton();
     const std::string document = "%PDF-1.4 text";
     grid->setImageForItem(document, *item("pdf"));
-    grid->setImageForItem(picture(Qt::red), *item("png"));
+    grid->setImageForItem(imageFile(Qt::red), *item("png"));
     const auto thumbnails = [&](const std::string& name) {
         return folder.read(grid->thumbnailCacheDirectory().substr(folder.path().size() + 1) + "/" + name);
     };
@@ -128,14 +128,14 @@ TEST_P(DamagedImage, IsAMissAndHarmsNothing)
           std::shared_ptr<VIRLOImageStore>(VIRLOAdFullscreenImageStore::initSingleton())}) {
         store->setImageForItem(GetParam().bytes, *item("damaged"));
         EXPECT_FALSE(store->imageForItem(*item("damaged")));
-        store->setImageForItem(picture(Qt::green, {8, 8}), *item("damaged"));
+        store->setImageForItem(imageFile(Qt::green, {8, 8}), *item("damaged"));
         EXPECT_TRUE(store->imageForItem(*item("damaged")));
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(All, DamagedImage,
                          testing::Values(Damaged{"Empty", ""}, Damaged{"ServersError", "<html>404</html>"},
-                                         Damaged{"CutPNG", picture(Qt::red).substr(0, 300)},
+                                         Damaged{"CutPNG", imageFile(Qt::red).substr(0, 300)},
                                          Damaged{"Huge", claimingToBeHuge()}),
                          [](const auto& row) { return row.param.name; });
 
@@ -150,7 +150,7 @@ TEST_P(HostileIdentifier, StaysInMemory)
     const auto grid = VIRLOAppGridImageStore::initSingleton();
     const auto fullscreen = VIRLOAdFullscreenImageStore::initSingleton();
     const auto interstitial = VIRLOAdInterstitialImageStore::initSingleton();
-    const std::string bytes = picture(Qt::red, {8, 8});
+    const std::string bytes = imageFile(Qt::red, {8, 8});
     grid->setImageForItem(bytes, *item(identifier));
     fullscreen->setImageForItem(bytes, *item(identifier));
     EXPECT_THAT(folder.files(), IsEmpty());
@@ -167,23 +167,11 @@ INSTANTIATE_TEST_SUITE_P(All, HostileIdentifier,
                                          std::pair("FourKibibytes", std::string(4096, 'x'))),
                          [](const auto& row) { return row.param.first; });
 
-TEST(ImageStore, StoresNothingForAnItemWithoutIdentifier)
-{
-    const TemporaryFolder folder;
-    const auto nameless = VIRLOAdItem::initWithDictionary(JSON::object());
-    const auto store = VIRLOAdInterstitialImageStore::initSingleton();
-    store->setImageForItem(picture(Qt::red, {8, 8}), *nameless);
-    store->setImageForItemAtIndexPath(picture(Qt::red, {8, 8}), *nameless, {0, 1});
-    EXPECT_FALSE(store->imageForItem(*nameless));
-    EXPECT_FALSE(store->imageForItemAtIndexPath(*nameless, {0, 1}));
-    EXPECT_THAT(folder.files(), IsEmpty());
-}
-
 TEST(ImageStore, FullscreenKeepsInMemoryOnlyWhatCannotBeWritten)
 {
     const TemporaryFolder folder;
     const auto store = VIRLOAdFullscreenImageStore::initSingleton();
-    store->setImageForItem(picture(Qt::red, {4000, 2000}), *item("one"));
+    store->setImageForItem(imageFile(Qt::red, {4000, 2000}), *item("one"));
     EXPECT_EQ(store->imageForItem(*item("one"))->width(), 4000) << "at full resolution";
     FaultyFileSystem disk;
     disk.fail(FaultyFileSystem::Operation::Read, EIO);
@@ -192,10 +180,10 @@ TEST(ImageStore, FullscreenKeepsInMemoryOnlyWhatCannotBeWritten)
     EXPECT_EQ(store->imageForItem(*item("one"))->qImage().pixelColor(4, 4), QColor(Qt::red));
 
     disk.setReadOnly();
-    store->setImageForItem(picture(Qt::green, {8, 8}), *item("one"));
+    store->setImageForItem(imageFile(Qt::green, {8, 8}), *item("one"));
     EXPECT_EQ(store->imageForItem(*item("one"))->qImage().pixelColor(4, 4), QColor(Qt::green));
     disk.heal();
-    store->setImageForItem(picture(Qt::blue, {8, 8}), *item("one"));
+    store->setImageForItem(imageFile(Qt::blue, {8, 8}), *item("one"));
     EXPECT_EQ(store->imageForItem(*item("one"))->qImage().pixelColor(4, 4), QColor(Qt::blue));
 }
 
@@ -210,7 +198,7 @@ TEST(ImageStore, LogsAFileInThePlaceOfItsFolder)
         "WARNING! Internal Inconsistency A file with the same name as expected directory exists in cache. "
         "PATH: ");
     const auto store = VIRLOAppGridImageStore::initSingleton();
-    store->setImageForItem(picture(Qt::red, {8, 8}), *item("one"));
+    store->setImageForItem(imageFile(Qt::red, {8, 8}), *item("one"));
     EXPECT_TRUE(store->imageForItem(*item("one")));
     expectLog("PATH: ");
     EXPECT_FALSE(VIRLOAppGridImageStore::initSingleton()->imageForItem(*item("one")));
@@ -220,7 +208,7 @@ TEST(ImageStore, ScreenshotsAreFoundInMemoryOnlyThoughTheyAreWritten)
 {
     const TemporaryFolder folder;
     const auto store = VIRLOAdInterstitialImageStore::initSingleton();
-    store->setImageForItemAtIndexPath(picture(Qt::red, {8, 8}), *item("abc"), {0, 2});
+    store->setImageForItemAtIndexPath(imageFile(Qt::red, {8, 8}), *item("abc"), {0, 2});
     ASSERT_EQ(folder.files().size(), 1U);
     EXPECT_TRUE(folder.files()[0].ends_with("thumbnails/abc_0_2"));
     EXPECT_TRUE(store->imageForItemAtIndexPath(*item("abc"), {0, 2}));
@@ -230,7 +218,7 @@ TEST(ImageStore, ScreenshotsAreFoundInMemoryOnlyThoughTheyAreWritten)
     EXPECT_FALSE(later->imageForItemAtIndexPath(*item("abc"), {0, 2}));
     // A file in the folder of images is found, and is then the item's image.
     const std::string images = later->imageCacheDirectory().substr(folder.path().size() + 1);
-    folder.write(images + "abc_0_2", picture(Qt::blue, {16, 8}));
+    folder.write(images + "abc_0_2", imageFile(Qt::blue, {16, 8}));
     EXPECT_EQ(later->imageForItemAtIndexPath(*item("abc"), {0, 2})->width(), 16);
     EXPECT_EQ(later->imageForItem(*item("abc"))->width(), 16);
 }

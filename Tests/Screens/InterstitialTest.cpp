@@ -40,7 +40,7 @@ protected:
         }
         one["type"] = "interstitial";
         one["ads"][0]["screenshots"] = urls;
-        serve("/pictures/" + identifier(), picture(QColor(120, 60, 160), {400, 300}));
+        serve("/images/" + identifier(), imageFile(QColor(120, 60, 160), {400, 300}));
         return one;
     }
 

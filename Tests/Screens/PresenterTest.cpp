@@ -47,7 +47,7 @@ TEST_F(Presenter, TypesWithoutAScreenGiveNeitherScreenNorError)
         other["type"] = type;
         EXPECT_EQ(outcome(other), "neither") << type;
     }
-    EXPECT_EQ(requests("/pictures/" + identifier()), 0);
+    EXPECT_EQ(requests("/images/" + identifier()), 0);
     EXPECT_EQ(outcome(ad()), "screen");
 }
 
@@ -151,24 +151,6 @@ TEST_F(Presenter, AnAdInsideAnotherLeavesMenuToThatOne)
     EXPECT_FALSE(inner->menuButtonRecognizer());
     click(Qt::Key_Escape);
     EXPECT_TRUE(window.left().hasActiveFocus());
-}
-
-TEST_F(Presenter, AHostThatLetsGoDuringThePreloadLeavesNothingBehind)
-{
-    server().setFault({.path = "/pictures/*",
-                       .delay = std::chrono::milliseconds(100),
-                       .status = 200,
-                       .body = picture(Qt::red)});
-    std::weak_ptr<VIRLOAdViewController> gone;
-    std::atomic<bool> told{false};
-    VIRLOAdScreens::installed()->screenForAdvertisementWithCompletion(
-        VIRLOAdvertisement::initWithDictionary(ad()), api,
-        [&](const std::shared_ptr<VIRLOAdViewController>& screen, const OptionalError&) {
-            gone = screen;
-            told = true;
-        });
-    api.reset(); // the server object goes while the picture is under way
-    EXPECT_TRUE(settle([&] { return told.load() && gone.expired(); }));
 }
 
 } // namespace

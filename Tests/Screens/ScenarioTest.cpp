@@ -63,7 +63,7 @@ TEST_F(Scenario, RunsFromTheStartToTheRewardWithEveryRequestReported)
                          {"advertisement", {{"type", "engagement"}, {"secondsToSkip", 1}, {"ads", {item}}}},
                          {"rewards", {{identifier(), {{"secondsAfterClick", 0}}}}}}
                         .dump());
-    serve("/images/scenario", picture(Qt::darkGreen));
+    serve("/images/scenario", imageFile(Qt::darkGreen));
     const Store store;
     const auto wallet = std::make_shared<Wallet>();
     const auto controller = VIRLOAdController::controllerWithCollaborators(

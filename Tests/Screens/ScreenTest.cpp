@@ -100,7 +100,7 @@ std::string encoded(const QImage& image, const char* format)
     return bytes.toStdString();
 }
 
-std::string picture(const QColor& color, QSize size)
+std::string imageFile(const QColor& color, QSize size)
 {
     QImage image(size, QImage::Format_RGB32);
     image.fill(color);
@@ -170,7 +170,7 @@ JSON ScreenTest::ad(const JSON& item, const JSON& button, int secondsToSkip)
     JSON one = {{"cid", m_identifier},
                 {"type", "appstore"},
                 {"title", "Ember Trail"},
-                {"backgroundUrl", url("/pictures/" + m_identifier)},
+                {"backgroundUrl", url("/images/" + m_identifier)},
                 {"clickUrl", url("/store/" + m_identifier)},
                 {"clickTracker", url("/click/" + m_identifier)},
                 {"impressionUrl", url("/impression/" + m_identifier)},
@@ -197,7 +197,7 @@ ScreenTest::Screen ScreenTest::ready(const JSON& ad)
 ScreenTest::Screen ScreenTest::readyOver(const QColor& color, const JSON& ad)
 {
     VIRLOAdFullscreenImageStore::sharedStore()->setImageForItem(
-        picture(color), *VIRLOAdItem::initWithDictionary(ad["ads"][0]));
+        imageFile(color), *VIRLOAdItem::initWithDictionary(ad["ads"][0]));
     return ready(ad);
 }
 
@@ -271,7 +271,7 @@ std::string ScreenTest::focus(const Screen& screen)
 QImage ScreenTest::shoot(const std::string& name)
 {
     animations.advance(Seconds(0.5));
-    QImage image = window.picture();
+    QImage image = window.image();
     if (const char* const folder = std::getenv("VIRLO_SCREENSHOTS")) {
         EXPECT_TRUE(image.save(QString::fromStdString(folder + ("/" + name) + ".png")));
     }

@@ -30,7 +30,7 @@ namespace virlo::test
 {
 
 /// PNG bytes of one colour.
-[[nodiscard]] std::string picture(const QColor& color, QSize size = {1920, 1080});
+[[nodiscard]] std::string imageFile(const QColor& color, QSize size = {1920, 1080});
 /// PNG bytes, or JPEG for that format.
 [[nodiscard]] std::string encoded(const QImage& image, const char* format = "PNG");
 
@@ -63,7 +63,7 @@ protected:
     using Screen = std::shared_ptr<VIRLOAdFullscreenViewController>;
     /// The screen that the library hands to a host for the ad, once it is ready.
     [[nodiscard]] Screen ready(const JSON& ad);
-    /// As `ready`, with a picture of that colour already in the store.
+    /// As `ready`, with an image of that colour already in the store.
     [[nodiscard]] Screen readyOver(const QColor& color, const JSON& ad);
     /// Presents over `window` and waits for the first frame.
     void present(const Screen& screen);

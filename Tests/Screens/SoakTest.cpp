@@ -21,7 +21,7 @@ namespace
 Footprint footprint(HostWindow& window)
 {
     settleAll();
-    static_cast<void>(window.picture()); // a frame releases what left the scene
+    static_cast<void>(window.image()); // a frame releases what left the scene
     settleAll();
     return Footprint::now();
 }
@@ -40,14 +40,14 @@ std::vector<Trouble> troubles()
     };
     adserver::AdServerFault dropped = fault("/click/*", 200);
     dropped.drop = true;
-    adserver::AdServerFault cut = fault("/pictures/*", 200);
-    cut.body = picture(Qt::darkRed);
+    adserver::AdServerFault cut = fault("/images/*", 200);
+    cut.body = imageFile(Qt::darkRed);
     cut.cutBodyAfter = 500;
     adserver::AdServerFault slow = fault("/click/*", 200);
     slow.delay = std::chrono::milliseconds(20);
     return {{"none", fault("/none", 200), Qt::Key_Escape},
-            {"missing-image", fault("/pictures/*", 404), Qt::Key_Escape},
-            {"no-image", fault("/pictures/*", 200), Qt::Key_Escape},
+            {"missing-image", fault("/images/*", 404), Qt::Key_Escape},
+            {"no-image", fault("/images/*", 200), Qt::Key_Escape},
             {"cut-image", cut, Qt::Key_Escape},
             {"impression", fault("/impression/*", 500), Qt::Key_Escape},
             {"slow-click", slow, Qt::Key_Return},
@@ -74,9 +74,10 @@ class Soak : public ScreenTest
 protected:
     void serveNormally()
     {
+        server().reset();
         for (const char* path : {"/impression/*", "/click/*", "/store/*", "/none"})
             server().setFault({.path = path, .status = 200, .body = "{}"});
-        server().setFault({.path = "/pictures/*", .status = 200, .body = m_image});
+        server().setFault({.path = "/images/*", .status = 200, .body = m_image});
     }
 
     /// One of eight ads of each trouble, so that the stores on disk do not grow.
@@ -85,7 +86,7 @@ protected:
         serveNormally();
         server().setFault(trouble.fault);
         const std::string name = std::string(trouble.name) + '-' + std::to_string(round % 8);
-        const auto screen = ready(ad({{"cid", name}, {"backgroundUrl", url("/pictures/" + name)}}, {}, 1));
+        const auto screen = ready(ad({{"cid", name}, {"backgroundUrl", url("/images/" + name)}}, {}, 1));
         present(screen);
         click(trouble.key);
         EXPECT_TRUE(settle([&] { return window.left().hasActiveFocus(); })) << name;

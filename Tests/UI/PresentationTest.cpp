@@ -79,7 +79,7 @@ TEST_F(PresentationTest, DismissedBeforeItsFirstFrameItNeverAppears)
 {
     present(window.get(), screen)->dismiss();
     EXPECT_TRUE(settle([&] { return !ends.empty(); }));
-    (void)window->picture();
+    (void)window->image();
     EXPECT_EQ(screen->life, (std::vector<std::string>{"will appear", "will disappear", "did disappear"}));
     EXPECT_EQ(presented, 0);
 }
@@ -180,15 +180,15 @@ TEST_F(PresentationTest, ScalesTheCanvasWithBarsWhereTheShapeDiffers)
     spill->setFrame({900, -300, 100, 400});
     screen->view().addSubview(spill);
     odd.present(screen);
-    const QImage picture = odd.picture();
-    EXPECT_EQ(picture.pixelColor(640, 20), QColor(Qt::black))
+    const QImage image = odd.image();
+    EXPECT_EQ(image.pixelColor(640, 20), QColor(Qt::black))
         << "the bar, also where a view reaches outside the canvas";
-    EXPECT_EQ(picture.pixelColor(640, 60), QColor(Qt::green));
-    EXPECT_EQ(picture.pixelColor(1270, 700), QColor(Qt::red));
-    EXPECT_EQ(picture.pixelColor(640, 780), QColor(Qt::black));
+    EXPECT_EQ(image.pixelColor(640, 60), QColor(Qt::green));
+    EXPECT_EQ(image.pixelColor(1270, 700), QColor(Qt::red));
+    EXPECT_EQ(image.pixelColor(640, 780), QColor(Qt::black));
     odd.resize(960, 540);
     ASSERT_TRUE(settle([&] { return odd.contentItem()->width() == 960; }));
-    EXPECT_EQ(odd.picture().pixelColor(955, 535), QColor(Qt::red));
+    EXPECT_EQ(odd.image().pixelColor(955, 535), QColor(Qt::red));
 }
 
 } // namespace

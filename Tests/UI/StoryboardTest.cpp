@@ -52,19 +52,6 @@ protected:
     }
 };
 
-TEST_F(StoryboardTest, MakesAControllerWithItsOutlets)
-{
-    const auto panel = instantiate("Panel");
-    EXPECT_FALSE(panel->isViewLoaded());
-    EXPECT_EQ(panel->outlet<Button>("actionButton"), nullptr) << "not loaded: nothing, and not a word";
-    panel->loadViewIfNeeded();
-    ASSERT_NE(panel->outlet<Button>("actionButton"), nullptr);
-    EXPECT_EQ(panel->outlet<Label>("titleLabel")->text(), "A panel");
-    EXPECT_EQ(panel->outlet<ImageView>("picture")->contentMode(), ImageView::ContentMode::AspectFill);
-    panel->outlet<LayoutConstraint>("actionPositionX")->setConstant(120);
-    EXPECT_EQ(panel->outlet<Button>("actionButton")->frame().x(), 120);
-}
-
 TEST_F(StoryboardTest, AMissingOutletFailsTheSceneWithOneLineInTheLog)
 {
     for (const char* name : {"shareButton", "titleLabel", "noView", "empty"}) {

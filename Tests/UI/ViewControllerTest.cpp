@@ -66,22 +66,6 @@ TEST(View, HoldsASharedSubviewUntilItLeaves)
     EXPECT_TRUE(watch.expired());
 }
 
-TEST(View, OrdersItsSubviews)
-{
-    View view;
-    View a;
-    View b;
-    View c;
-    view.addSubview(a);
-    view.addSubview(b);
-    view.addSubview(a);
-    EXPECT_EQ(view.subviews(), (std::vector<View*>{&b, &a}));
-    view.insertSubviewAbove(c, b);
-    EXPECT_EQ(view.subviews(), (std::vector<View*>{&b, &c, &a}));
-    view.insertSubviewBelow(a, b);
-    EXPECT_EQ(view.subviews(), (std::vector<View*>{&a, &b, &c}));
-}
-
 TEST(View, FillsTheViewItIsPinnedTo)
 {
     View view;
@@ -154,14 +138,6 @@ TEST_F(ViewControllerTest, AChildAppearsWhenItsViewComesOnScreen)
     EXPECT_EQ(take(), (Log{"child will disappear", "child did disappear"}));
     EXPECT_TRUE(parent->childViewControllers().empty());
     EXPECT_EQ(child->parentViewController(), nullptr);
-}
-
-TEST_F(ViewControllerTest, ACircleOfContainmentIsRefused)
-{
-    expectLog("cannot be its own child");
-    parent->addChildViewController(child);
-    child->addChildViewController(parent);
-    EXPECT_EQ(parent->parentViewController(), nullptr);
 }
 
 TEST_F(ViewControllerTest, IsMadeAndReleasedOnAnyThread)

@@ -49,7 +49,7 @@ protected:
     {
         settleAll();
         EXPECT_TRUE(GstMediaEngine::drain(Seconds(20)));
-        static_cast<void>(window.picture());
+        static_cast<void>(window.image());
         clock.advance(Seconds(31));
         settleAll();
         // Threads of GStreamer's own that have nothing to do leave a little later.

@@ -98,7 +98,7 @@ JSON VideoTest::imageAd(const std::vector<TestVideo>& videos)
     result["ads"][0]["markupUrl"] = url("/vast/" + identifier());
     serveDocument(videos);
     VIRLOAdFullscreenImageStore::sharedStore()->setImageForItem(
-        picture(Qt::darkGreen), *VIRLOAdItem::initWithDictionary(result["ads"][0]));
+        imageFile(Qt::darkGreen), *VIRLOAdItem::initWithDictionary(result["ads"][0]));
     return result;
 }
 

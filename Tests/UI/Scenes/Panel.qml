@@ -7,7 +7,7 @@ View {
     property Button actionButton: action
     property Button closeButton: close
     property Label titleLabel: title
-    property ImageView picture: image
+    property ImageView background: image
     property LayoutConstraint actionPositionX: positionX
     property Item noView: holder
     property View empty: null

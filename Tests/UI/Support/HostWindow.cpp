@@ -105,7 +105,7 @@ void HostWindow::hold(Qt::Key key, int repeats)
     release(key);
 }
 
-QImage HostWindow::picture()
+QImage HostWindow::image()
 {
     pumpMainLoop();
     return grabWindow();

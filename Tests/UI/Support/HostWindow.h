@@ -62,8 +62,8 @@ public:
     /// Down, repeated as by a held key, and up.
     void hold(Qt::Key key, int repeats);
 
-    /// The window's picture, after everything posted has been done and drawn.
-    [[nodiscard]] QImage picture();
+    /// The window's image, after everything posted has been done and drawn.
+    [[nodiscard]] QImage image();
 
 private:
     void send(QEvent::Type type, int key, bool repeated, const QString& text = {});
