@@ -75,13 +75,8 @@ private:
 
 ImageNode::ImageNode(QQuickWindow& window) : m_window(window)
 {
-    if (window.rendererInterface()->graphicsApi() == QSGRendererInterface::Software) {
+    if (window.rendererInterface()->graphicsApi() == QSGRendererInterface::Software)
         appendChildNode(m_painted = new Painted(window));
-        return;
-    }
-    appendChildNode(m_textured = window.createImageNode());
-    m_textured->setOwnsTexture(true);
-    m_textured->setFiltering(QSGTexture::Linear);
 }
 
 void ImageNode::setImage(const QImage& image)
@@ -92,7 +87,18 @@ void ImageNode::setImage(const QImage& image)
     }
     const auto options =
         image.hasAlphaChannel() ? QQuickWindow::TextureHasAlphaChannel : QQuickWindow::TextureIsOpaque;
-    m_textured->setTexture(m_window.createTextureFromImage(image, options));
+    QSGTexture* const texture = m_window.createTextureFromImage(image, options);
+    if (texture == nullptr)
+        return;
+    if (m_textured == nullptr) {
+        m_textured = m_window.createImageNode();
+        m_textured->setOwnsTexture(true);
+        m_textured->setFiltering(QSGTexture::Linear);
+        m_textured->setTexture(texture);
+        appendChildNode(m_textured);
+    } else {
+        m_textured->setTexture(texture);
+    }
     m_textured->setSourceRect(QRectF(image.rect()));
 }
 
@@ -100,7 +106,7 @@ void ImageNode::setRect(const QRectF& rect)
 {
     if (m_painted != nullptr)
         m_painted->setRect(rect);
-    else
+    else if (m_textured != nullptr)
         m_textured->setRect(rect);
 }
 

@@ -13,7 +13,7 @@ namespace virlo
 /// An image in the scene, stretched over a rectangle of its view. Render thread, as every node.
 ///
 /// On the software backend it paints by itself: Qt's own image node scales each frame under a scaled canvas,
-/// also where the image has exactly the window's pixels, and then takes four times as long.
+/// also where the image has exactly the window's pixels (5 ms in place of 1 for 1280 × 720).
 class ImageNode : public QSGTransformNode
 {
 public:
