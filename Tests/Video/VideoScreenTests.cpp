@@ -2,6 +2,7 @@
 #include "LogCapture.h"
 #include "Settle.h"
 #include "TapRecognizer.h"
+#include "VIRLOActivityIndicator.h"
 #include "VIRLOAdPresenter.h"
 #include "VIRLOAdScreens.h"
 #include "VIRLOAdvertisement.h"
@@ -181,6 +182,19 @@ TEST_F(VideoScreens, OverAnImageAreLeftByMenuFirst)
     EXPECT_EQ(focus(screen), "action");
     click(Qt::Key_Escape);
     EXPECT_TRUE(isOver());
+}
+
+TEST_F(VideoScreens, OverAnImageLeavePlayPauseToAnOverlayAboveThem)
+{
+    const auto screen = shownImage();
+    static_cast<void>(pings());
+    const auto overlay = View::make<VIRLOActivityIndicator>();
+    overlay->shownInView(screen->view());
+    click(Qt::Key_MediaTogglePlayPause);
+    EXPECT_EQ(pings(), Pings());
+    overlay->dismiss();
+    click(Qt::Key_MediaTogglePlayPause);
+    EXPECT_EQ(pings(), (Pings{"a pause"}));
 }
 
 TEST_F(VideoScreens, OverAnImageAreLeftOutWhereTheirDocumentCannotBeRead)

@@ -9,11 +9,11 @@ namespace
 {
 
 struct State {
-    std::shared_mutex underWay;
-    bool ended = false; ///< under `underWay`
+    std::shared_mutex running;
+    bool ended = false; ///< under `running`
 };
 
-/// Never destroyed: workers ask also while the process's statics go.
+/// Never destroyed: workers may ask during static destruction.
 State& state()
 {
     static auto* const shared = new State;
@@ -22,7 +22,7 @@ State& state()
 
 } // namespace
 
-QtWork::QtWork() : m_underWay(state().underWay) {}
+QtWork::QtWork() : m_running(state().running) {}
 
 bool QtWork::mayBegin() const
 {
@@ -31,7 +31,7 @@ bool QtWork::mayBegin() const
 
 void QtWork::end()
 {
-    const std::unique_lock all(state().underWay);
+    const std::unique_lock all(state().running);
     state().ended = true;
 }
 

@@ -5,22 +5,21 @@
 namespace virlo
 {
 
-/// A piece of work with Qt's classes on a thread other than the main one. Where a host calls exit() on its
-/// main thread, the process's statics, Qt's among them, wait for the work under way, and none begins after.
-/// Not to be nested.
+/// A task that uses Qt's classes on a thread other than the main one. When the process exits, the shutdown waits
+/// for running tasks before Qt's static objects are destroyed, and none begins after. Not to be nested.
 class QtWork
 {
 public:
     QtWork();
 
-    /// False once the process ends: leave the work.
+    /// False once the process exits: do nothing then.
     [[nodiscard]] bool mayBegin() const;
 
-    /// Waits for what is under way and admits no more.
+    /// Waits for running tasks and lets no more begin.
     static void end();
 
 private:
-    std::shared_lock<std::shared_mutex> m_underWay;
+    std::shared_lock<std::shared_mutex> m_running;
 };
 
 } // namespace virlo

@@ -3,13 +3,12 @@
 namespace virlo
 {
 
-/// What the layer keeps as long as the application object lives: standing presentations, running animations,
-/// loaded views, the QML engine. They end, in this order, when the application goes, however it goes. Main
-/// thread.
+/// Ends what the layer keeps for the life of the application object, in this order: presentations, running
+/// animations, posted tasks, loaded views, the QML engine. Main thread.
 class UIRuntime
 {
 public:
-    /// Sees to the end; called by whatever makes something of the above, as often as it likes.
+    /// Registers the end. Called before any of the above is made; further calls do nothing.
     static void begin();
 
 private:
