@@ -7,6 +7,8 @@
 #include "VIRLOAdPresenter.h"
 #include "VIRLOTimerButton.h"
 
+#include <gmock/gmock.h>
+
 #include <array>
 #include <random>
 #include <string>
@@ -87,6 +89,7 @@ protected:
         server().setFault(trouble.fault);
         const std::string name = std::string(trouble.name) + '-' + std::to_string(round % 8);
         const auto screen = ready(ad({{"cid", name}, {"backgroundUrl", url("/images/" + name)}}, {}, 1));
+        m_shown.emplace_back(trouble.name, screen);
         present(screen);
         click(trouble.key);
         EXPECT_TRUE(settle([&] { return window.left().hasActiveFocus(); })) << name;
@@ -99,9 +102,21 @@ protected:
         server().clearRequests();
     }
 
+    /// The kinds of those that still exist.
+    [[nodiscard]] std::vector<std::string> survivors()
+    {
+        std::vector<std::string> kinds;
+        for (const auto& [kind, screen] : m_shown) {
+            if (!screen.expired())
+                kinds.emplace_back(kind);
+        }
+        return kinds;
+    }
+
     const EverythingOpens opener;
 
 private:
+    std::vector<std::pair<const char*, std::weak_ptr<VIRLOAdFullscreenViewController>>> m_shown;
     const std::string m_image = [] {
         QImage image(1920, 1080, QImage::Format_RGB32);
         image.fill(Qt::darkCyan);
@@ -133,6 +148,7 @@ TEST_F(Soak, MixedAdsWithFaultsLeaveNothingBehind)
     EXPECT_LE(after.threads, before.threads + 2);         // workers come and go
     EXPECT_LE(after.descriptors, before.descriptors + 6); // as do kept connections
     EXPECT_EQ(fileCount(), files);
+    EXPECT_THAT(survivors(), testing::IsEmpty());
 }
 
 TEST_F(Soak, RandomKeysAlwaysLeaveOneFocusedAndMenuAlwaysLeaves)

@@ -26,7 +26,7 @@ Footprint Footprint::now()
     Footprint now{0, entriesOf("/proc/self/task"), entriesOf("/proc/self/fd")};
     std::ifstream rollup("/proc/self/smaps_rollup");
     for (std::string word; rollup >> word;) {
-        if (word == "Pss:")
+        if (word == "Pss_Anon:")
             rollup >> now.kibibytes;
     }
     return now;

@@ -5,7 +5,9 @@ namespace virlo::test
 
 /// What a process holds at a moment.
 struct Footprint {
-    long kibibytes = 0; ///< its share of memory (PSS), after the allocator gave back what it could
+    /// Its own memory, after the allocator gave back what it could. Pages of files are left out: their share
+    /// changes with what other processes run.
+    long kibibytes = 0;
     long threads = 0;
     long descriptors = 0;
 
