@@ -79,7 +79,6 @@ std::optional<std::string> setRequestOptions(CURL* easy, const URLRequest& reque
         return "The method is no HTTP method.";
     if (!append(lines, additional, request.headers) || !append(lines, request.headers, {}))
         return "A header's name is not valid.";
-    append(lines, "Expect:"); // no waiting for "100 Continue"
     // libcurl would call any body a form.
     if (!contains(additional, "Content-Type") && !contains(request.headers, "Content-Type"))
         append(lines, "Content-Type:");
