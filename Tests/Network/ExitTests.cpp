@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <latch>
 
 namespace virlo::test
 {
@@ -66,27 +65,6 @@ struct RequestsAtExit {
     std::exit(0);
 }
 
-[[noreturn]] void exitWithWorkSubmittedAtExit()
-{
-    std::atexit([] {
-        SerialQueue queue("at the end");
-        std::latch ran(2);
-        queue.async([&] { ran.count_down(); });
-        GlobalQueue::standard().after(Seconds(0.001), [&] { ran.count_down(); });
-        ran.wait();
-        static std::latch held(GlobalQueue::maximumThreads);
-        static std::latch never(1);
-        for (int index = 0; index < 100; ++index) {
-            GlobalQueue::high().async([] {
-                held.count_down();
-                never.wait();
-            });
-        }
-        held.wait();
-    });
-    std::exit(0);
-}
-
 /// Each exits in a process of its own.
 class ProcessExitDeathTest : public testing::TestWithParam<int>
 {
@@ -100,12 +78,6 @@ TEST_P(ProcessExitDeathTest, AtAnyMomentIsCleanWhileEverythingRuns)
 }
 
 INSTANTIATE_TEST_SUITE_P(Milliseconds, ProcessExitDeathTest, testing::Values(0, 1, 3, 10, 50));
-
-TEST(WorkAtExitDeathTest, MayStillBeSubmittedAndMayHoldEveryWorker)
-{
-    testing::FLAGS_gtest_death_test_style = "threadsafe";
-    EXPECT_EXIT(exitWithWorkSubmittedAtExit(), testing::ExitedWithCode(0), "");
-}
 
 } // namespace
 } // namespace virlo::test

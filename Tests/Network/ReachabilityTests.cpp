@@ -41,45 +41,41 @@ public:
     bool watchable = true;
 };
 
-struct FlagsRow {
-    std::uint32_t flags;
-    bool localWiFi;
-    VIRLOReachability::NetworkStatus status;
-    const char* line;
-};
-
-class ReachabilityFlags : public testing::TestWithParam<FlagsRow>
+TEST(Reachability, FlagsGiveTheirStatusAndTheirLine)
 {
-};
+    using Reachability = VIRLOReachability;
 
-TEST_P(ReachabilityFlags, GiveTheirStatusAndTheirLine)
-{
+    struct Row {
+        std::uint32_t flags;
+        bool localWiFi;
+        Reachability::NetworkStatus status;
+        const char* line;
+    };
+
     StatedFlags source;
-    source.flags = GetParam().flags;
-    const auto reachability = GetParam().localWiFi ? VIRLOReachability::reachabilityForLocalWiFi()
-                                                   : VIRLOReachability::reachabilityForInternetConnection();
-    EXPECT_EQ(reachability->currentReachabilityStatus(), GetParam().status);
-    EXPECT_EQ(source.asked, GetParam().localWiFi ? 0xA9FE0000U : 0U);
-    EXPECT_EQ(logLines(), std::vector{std::string("Reachability Flag Status: ") + GetParam().line});
+    const auto internet = Reachability::reachabilityForInternetConnection();
+    const auto localWiFi = Reachability::reachabilityForLocalWiFi();
+    for (const auto& row : {
+             Row{0x0, false, Reachability::NotReachable, "-- ------- networkStatusForFlags"},
+             Row{0x2, false, Reachability::ReachableViaWiFi, "-R ------- networkStatusForFlags"},
+             Row{0x6, false, Reachability::NotReachable, "-R -c----- networkStatusForFlags"},
+             Row{0x2E, false, Reachability::ReachableViaWiFi, "-R -cC-D-- networkStatusForFlags"},
+             Row{0x3E, false, Reachability::NotReachable, "-R -cCiD-- networkStatusForFlags"},
+             Row{0x40002, false, Reachability::ReachableViaWWAN, "WR ------- networkStatusForFlags"},
+             Row{0x40000, false, Reachability::NotReachable, "W- ------- networkStatusForFlags"},
+             Row{0x30003, false, Reachability::ReachableViaWiFi, "-R t----ld networkStatusForFlags"},
+             Row{0x20002, true, Reachability::ReachableViaWiFi, "-R ------d localWiFiStatusForFlags"},
+             Row{0x2, true, Reachability::NotReachable, "-R ------- localWiFiStatusForFlags"},
+             Row{0x20000, true, Reachability::NotReachable, "-- ------d localWiFiStatusForFlags"},
+         }) {
+        SCOPED_TRACE(row.line);
+        source.flags = row.flags;
+        EXPECT_EQ((row.localWiFi ? localWiFi : internet)->currentReachabilityStatus(), row.status);
+        EXPECT_EQ(source.asked, row.localWiFi ? 0xA9FE0000U : 0U);
+        EXPECT_EQ(logLines().back(), std::string("Reachability Flag Status: ") + row.line);
+    }
+    EXPECT_EQ(logLines().size(), 11U);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Rows, ReachabilityFlags,
-    testing::Values(
-        FlagsRow{0x0, false, VIRLOReachability::NotReachable, "-- ------- networkStatusForFlags"},
-        FlagsRow{0x2, false, VIRLOReachability::ReachableViaWiFi, "-R ------- networkStatusForFlags"},
-        FlagsRow{0x6, false, VIRLOReachability::NotReachable, "-R -c----- networkStatusForFlags"},
-        FlagsRow{0x2E, false, VIRLOReachability::ReachableViaWiFi, "-R -cC-D-- networkStatusForFlags"},
-        FlagsRow{0x3E, false, VIRLOReachability::NotReachable, "-R -cCiD-- networkStatusForFlags"},
-        FlagsRow{0x40002, false, VIRLOReachability::ReachableViaWWAN, "WR ------- networkStatusForFlags"},
-        FlagsRow{0x40000, false, VIRLOReachability::NotReachable, "W- ------- networkStatusForFlags"},
-        FlagsRow{0x30003, false, VIRLOReachability::ReachableViaWiFi, "-R t----ld networkStatusForFlags"},
-        FlagsRow{0x20002, true, VIRLOReachability::ReachableViaWiFi, "-R ------d localWiFiStatusForFlags"},
-        FlagsRow{0x2, true, VIRLOReachability::NotReachable, "-R ------- localWiFiStatusForFlags"},
-        FlagsRow{0x20000, true, VIRLOReachability::NotReachable, "-- ------d localWiFiStatusForFlags"}),
-    [](const auto& row) {
-        return (row.param.localWiFi ? "WiFi" : "Internet") + std::to_string(row.param.flags);
-    });
 
 TEST(Reachability, UnreadableFlagsAreNotReachableAndPrintNothing)
 {
