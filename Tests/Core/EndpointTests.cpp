@@ -96,10 +96,6 @@ TEST_F(Endpoints, ReportsGoToTheItemsURLs)
     EXPECT_EQ(transport->lastRequest("POST", "/click").body, R"({"a":1})");
     EXPECT_EQ(transport->lastRequest("POST", "/form").body, R"({"b":2})");
     EXPECT_EQ(errors, std::vector<OptionalError>(3));
-
-    api->registerImpressionForItemWithCompletion(*VIRLOAdItem::initWithDictionary({}), collectError());
-    settleAll();
-    EXPECT_TRUE(errors.back()) << "without a URL";
 }
 
 TEST_F(Endpoints, PlacementAndUserWaitForTheSession)
