@@ -25,6 +25,7 @@ std::filesystem::path workFolder()
     return std::filesystem::temp_directory_path() / "virlo-bench-video-process";
 }
 
+/// Its document has the 720p clip as its only media file, which the bare pipeline plays as well.
 nlohmann::json campaign()
 {
     return {{"rules", {{{"placement", "bench-video"}}}},
@@ -34,7 +35,7 @@ nlohmann::json campaign()
                {{{"cid", "bench-video"},
                  {"type", "content"},
                  {"title", "Video"},
-                 {"markupUrl", "/vast/helion-video?tx={txid}"}}}}}}};
+                 {"markupUrl", "/vast/video-slow?tx={txid}"}}}}}}};
 }
 
 struct Playing {
