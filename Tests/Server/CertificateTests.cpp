@@ -42,13 +42,3 @@ TEST_F(Certificates, OfTheServerAreRenewedBeforeTheyExpireUnderTheSameAuthority)
     EXPECT_NE(stateFile("server.pem"), certificate);
     EXPECT_EQ(stateFile("authority.pem"), authority);
 }
-
-TEST_F(Certificates, ThatAreDamagedOrDoNotFitAreMadeAnew)
-{
-    folder.write("state/server.pem", "no certificate");
-    restart();
-    EXPECT_TRUE(makeClient().Get("/nowhere"));
-    std::filesystem::remove(folder.path("state/authority.key"));
-    restart();
-    EXPECT_TRUE(makeClient().Get("/nowhere"));
-}

@@ -78,28 +78,17 @@ TEST_F(Faults, ADroppedConnectionHasNoHead)
 
 TEST_F(Faults, ACutBodyIsShorterThanItsHeadSays)
 {
-    for (const bool canned : {false, true}) {
-        server.clearRequests();
-        server.setFault({.path = file,
-                         .body = canned ? std::optional<std::string>("abcdefghij") : std::nullopt,
-                         .cutBodyAfter = 4});
-        std::string received;
-        std::string length;
-        auto client = makeClient();
-        EXPECT_FALSE(client.Get(
-            file,
-            [&](const httplib::Response& head) {
-                length = head.get_header_value("Content-Length");
-                return true;
-            },
-            [&](const char* data, size_t size) {
-                received.append(data, size);
-                return true;
-            }));
-        EXPECT_EQ(length, "10");
-        EXPECT_EQ(received, canned ? "abcd" : "0123");
-        EXPECT_EQ(logged().first, 200);
-    }
+    server.setFault({.path = file, .cutBodyAfter = 4});
+    std::string received;
+    auto client = makeClient();
+    EXPECT_FALSE(client.Get(
+        file, [&](const httplib::Response& head) { return head.get_header_value("Content-Length") == "10"; },
+        [&](const char* data, size_t size) {
+            received.append(data, size);
+            return true;
+        }));
+    EXPECT_EQ(received, "0123");
+    EXPECT_EQ(logged().first, 200);
 }
 
 TEST_F(Faults, SlowBytesTakeTheirTime)

@@ -2,55 +2,43 @@
 
 #include <filesystem>
 
-namespace
-{
-
-struct FileRow {
-    const char* name;
-    const char* path;
-    const char* range;
-    int status;
-    const char* body;
-    const char* contentRange;
-};
-
-class Files : public ServerTest, public testing::WithParamInterface<FileRow>
-{
-};
-
-} // namespace
-
-TEST_P(Files, AreServedInPartsAndNeverFromOutsideTheirFolder)
-{
-    folder.write("secret.txt", "secret");
-    std::filesystem::create_symlink(folder.path("secret.txt"), folder.path("campaigns/link.txt"));
-    const httplib::Headers range{{"Range", GetParam().range}};
-    const auto response = makeClient().Get(GetParam().path, *GetParam().range ? range : httplib::Headers());
-    ASSERT_TRUE(response);
-    EXPECT_EQ(response->status, GetParam().status);
-    EXPECT_EQ(response->status < 300 ? response->body : "", GetParam().body);
-    EXPECT_EQ(response->get_header_value("Content-Range"), GetParam().contentRange);
-    EXPECT_EQ(response->body.find("secret"), std::string::npos);
-}
+using Files = ServerTest;
 
 constexpr auto image = "/campaigns/image.jpg";
 
-INSTANTIATE_TEST_SUITE_P(, Files,
-                         testing::Values(FileRow{"Whole", image, "", 200, "0123456789", ""},
-                                         FileRow{"Middle", image, "bytes=2-4", 206, "234", "bytes 2-4/10"},
-                                         FileRow{"ToTheEnd", image, "bytes=7-", 206, "789", "bytes 7-9/10"},
-                                         FileRow{"BeyondTheEnd", image, "bytes=8-99", 206, "89",
-                                                 "bytes 8-9/10"},
-                                         FileRow{"Last", image, "bytes=-3", 206, "789", "bytes 7-9/10"},
-                                         FileRow{"Outside", image, "bytes=10-", 416, "", "bytes */10"},
-                                         FileRow{"Several", image, "bytes=0-1,3-4", 200, "0123456789", ""},
-                                         FileRow{"DotDot", "/campaigns/../secret.txt", "", 404, "", ""},
-                                         FileRow{"Encoded", "/campaigns/%2e%2e/secret.txt", "", 404, "", ""},
-                                         FileRow{"Slash", "/campaigns/..%2fsecret.txt", "", 404, "", ""},
-                                         FileRow{"Absolute", "/campaigns//etc/passwd", "", 404, "", ""},
-                                         FileRow{"Link", "/campaigns/link.txt", "", 404, "", ""},
-                                         FileRow{"Zero", "/campaigns/image.jpg%00.txt", "", 404, "", ""}),
-                         [](const auto& row) { return std::string(row.param.name); });
+TEST_F(Files, AreServedInPartsAndNeverFromOutsideTheirFolder)
+{
+    folder.write("secret.txt", "secret");
+    std::filesystem::create_symlink(folder.path("secret.txt"), folder.path("campaigns/link.txt"));
+
+    const struct {
+        std::string path;
+        std::string range;
+        int status;
+        std::string body;
+        std::string contentRange;
+    } rows[] = {{image, "", 200, "0123456789", ""},
+                {image, "bytes=2-4", 206, "234", "bytes 2-4/10"},
+                {image, "bytes=7-", 206, "789", "bytes 7-9/10"},
+                {image, "bytes=8-99", 206, "89", "bytes 8-9/10"},
+                {image, "bytes=-3", 206, "789", "bytes 7-9/10"},
+                {image, "bytes=10-", 416, "", "bytes */10"},
+                {image, "bytes=0-1,3-4", 200, "0123456789", ""},
+                {"/campaigns/../secret.txt", "", 404, "", ""},
+                {"/campaigns/%2e%2e/secret.txt", "", 404, "", ""},
+                {"/campaigns/..%2fsecret.txt", "", 404, "", ""},
+                {"/campaigns//etc/passwd", "", 404, "", ""},
+                {"/campaigns/link.txt", "", 404, "", ""},
+                {"/campaigns/image.jpg%00.txt", "", 404, "", ""}};
+
+    for (const auto& row : rows) {
+        const httplib::Headers range{{"Range", row.range}};
+        const auto response = makeClient().Get(row.path, row.range.empty() ? httplib::Headers() : range);
+        EXPECT_EQ(response->status, row.status) << row.path << ' ' << row.range;
+        EXPECT_EQ(response->status < 300 ? response->body : "", row.body) << row.path << ' ' << row.range;
+        EXPECT_EQ(response->get_header_value("Content-Range"), row.contentRange) << row.range;
+    }
+}
 
 TEST_F(Files, HaveTypesAndTags)
 {

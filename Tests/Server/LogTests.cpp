@@ -72,6 +72,8 @@ TEST_F(Log, ControlSetsFaultsSessionsAndRewards)
     remove("/control/faults", 204);
     EXPECT_EQ(post("/control/faults", R"({"path":"/a","delay":"long"})", 400)["reason"],
               "delay: must be a number from 0 to 86400");
+    const std::string deep = "{\"user\":" + std::string(200'000, '[') + std::string(200'000, ']') + '}';
+    put("/app/sess/", deep, 400);
 
     openSession();
     put("/control/ping-interval", R"({"seconds":0.5})", 204);
