@@ -58,9 +58,7 @@ std::string attribute(int number)
     return " a" + std::to_string(number) + "='v'";
 }
 
-class HostileDocument : public testing::TestWithParam<HostileRow>
-{
-};
+using HostileDocument = testing::TestWithParam<HostileRow>;
 
 TEST_P(HostileDocument, EndsInAResultOrAnErrorSoonAndInLittleMemory)
 {

@@ -49,10 +49,10 @@ TEST(Merger, AppendsTheWrappersImpressionsAndKeepsDuplicates)
         merged(inlineAd("a", impression("http://y/") + impression("http://x/")) + inlineAd("b", ""),
                impression("http://x/") + impression(" "));
     EXPECT_EQ(impressionsOf(*ad), "http://y/ http://x/ http://x/ (none)");
-    EXPECT_EQ(ad->identifier(), "a") << "the first ad of the list is taken, under its own identifier";
+    EXPECT_EQ(ad->identifier(), "a") << "the first ad of the list is used, with its own identifier";
 }
 
-TEST(Merger, FoldsCreativesOfOneSequenceIntoEachOther)
+TEST(Merger, MergesCreativesOfTheSameSequence)
 {
     const auto ad =
         merged(inlineAd("a", creative("AdID='t' sequence='1'", "<Duration>00:00:30</Duration>" +
@@ -70,24 +70,24 @@ TEST(Merger, FoldsCreativesOfOneSequenceIntoEachOther)
     EXPECT_THAT(filesOf(target), ElementsAre("http://f1/", "http://f2/"));
 }
 
-TEST(Merger, LetsAWrapperWithoutALengthClearTheLength)
+TEST(Merger, SetsTheDurationTo0ForAWrapperWithoutOne)
 {
     const auto ad = merged(inlineAd("a", creative("", "<Duration>00:00:30</Duration>")), creative("", ""));
     EXPECT_EQ(ad->creatives().front()->duration(), 0);
 }
 
-TEST(Merger, LosesTrackingWhereTheTargetHasNoTableOfItsOwn)
+TEST(Merger, LosesTrackingURLsWhereTheTargetHasNone)
 {
     const auto without =
         merged(inlineAd("a", creative("", "")), creative("", tracking("start", "http://u/")));
     EXPECT_EQ(trackingOf(*without->creatives().front()), "(none)");
-    // An address that makes no URL leaves an empty table behind, and that one takes them.
+    // A text that is not a URL still makes the target an empty dictionary, which takes them.
     const auto empty = merged(inlineAd("a", creative("", tracking("start", "no URL"))),
                               creative("", tracking("start", "http://u/")));
     EXPECT_EQ(trackingOf(*empty->creatives().front()), "{start = (http://u/)}");
 }
 
-TEST(Merger, TakesFilmsIntoATargetThatHasNoneAndNeverTakesTwoWithoutURLForOne)
+TEST(Merger, AddsMediaFilesToATargetWithoutAnyAndKeepsAllThoseWithoutAURL)
 {
     const auto ad = merged(inlineAd("a", creative("", "")), creative("", mediaFile(" ") + mediaFile(" ")));
     EXPECT_THAT(filesOf(*ad->creatives().front()), ElementsAre("(none)", "(none)"));
@@ -106,7 +106,8 @@ TEST(Merger, AddsCreativesOfOtherSequencesThemselves)
     VIRLOVASTWrappedAdMerger::initWithAd(wrapper)->mergeWithAd(*ads.front());
     ASSERT_EQ(ads.front()->creatives().size(), 2U);
     EXPECT_EQ(ads.front()->creatives()[1], wrapper->creatives()[0]);
-    EXPECT_EQ(ads.front()->creatives()[1]->duration(), 7) << "the second of a sequence meets the first";
+    EXPECT_EQ(ads.front()->creatives()[1]->duration(), 7)
+        << "the second of a sequence is merged into the first";
 
     const auto& creatives = ads.front()->creatives();
     EXPECT_EQ(VIRLOVASTWrappedAdMerger::arrayIndexOfObjectWithSequence(creatives, 2), 1);
@@ -114,19 +115,14 @@ TEST(Merger, AddsCreativesOfOtherSequencesThemselves)
     EXPECT_FALSE(VIRLOVASTWrappedAdMerger::arrayContainsObjectWithSequence(creatives, 0));
 }
 
-TEST(Merger, MergesIntoNothingWhereThereIsNoAd)
-{
-    EXPECT_EQ(merged("", impression("http://x/")), nullptr);
-}
-
-TEST(Records, AreEqualByWhatNamesThem)
+TEST(Records, AreEqualByIdentifierOrURL)
 {
     const auto named = recordsOf(
         vast(inlineAd("1", "") + wrapperAd("1", "http://n/") + "<Ad><InLine/></Ad><Ad><InLine/></Ad>"));
     EXPECT_TRUE(named[0]->isEqual(*named[1]));
     EXPECT_TRUE(named[1]->isEqual(*named[0]));
     EXPECT_EQ(named[0]->hash(), named[1]->hash());
-    EXPECT_FALSE(named[2]->isEqual(*named[3])) << "two ads without a name are not one";
+    EXPECT_FALSE(named[2]->isEqual(*named[3])) << "ads without an identifier are not equal";
 
     const auto ads = recordsOf(vast(
         inlineAd("2", marked("Impression", "http://x/", " id='a'") + marked("Impression", " http://x/ ") +

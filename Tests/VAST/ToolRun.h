@@ -7,17 +7,14 @@
 namespace virlo::test
 {
 
-/// One run of vast-inspect to its end. A run of more than twenty seconds is killed and fails the test.
+/// One run of vast-inspect to its end; after twenty seconds it is killed.
 struct ToolRun {
-    explicit ToolRun(const std::vector<std::string>& arguments) { run(arguments); }
+    explicit ToolRun(const std::vector<std::string>& arguments);
 
     std::string output;
-    int exitStatus = -1; ///< -1 where it was killed or crashed
+    int exitStatus = -1; ///< 124 after a time-out, -1 after a crash
     std::chrono::duration<double> processorTime{};
-    double memoryMiB = 0; ///< the most that it, or this process until its start, held at a time
-
-private:
-    void run(const std::vector<std::string>& arguments);
+    double memoryMiB = 0; ///< the most that any run so far, or this process, has used
 };
 
 /// Under a sanitizer time and memory say nothing.

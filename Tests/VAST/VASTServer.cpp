@@ -33,7 +33,7 @@ void VASTServer::serve(const std::string& path, const std::string& document)
     server.setFault({.path = path, .body = document, .contentType = "application/xml"});
 }
 
-std::size_t VASTServer::asked(const std::string& path) const
+std::size_t VASTServer::requestCount(const std::string& path) const
 {
     const auto all = server.requests();
     return static_cast<std::size_t>(

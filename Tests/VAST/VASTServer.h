@@ -11,7 +11,7 @@
 namespace virlo::test
 {
 
-/// The local ad server over plain HTTP, serving VAST documents that the test says.
+/// The local ad server over plain HTTP, with VAST documents of the test.
 class VASTServer : public testing::Test
 {
 protected:
@@ -22,8 +22,8 @@ protected:
 
     [[nodiscard]] std::string url(const std::string& path) const { return server.baseURL() + path; }
 
-    /// How often a path was asked for.
-    [[nodiscard]] std::size_t asked(const std::string& path) const;
+    /// How often a path was requested.
+    [[nodiscard]] std::size_t requestCount(const std::string& path) const;
 
     TemporaryFolder folder;
     adserver::AdServer server;

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-/// VAST documents as tests write them, and what comes of them.
+/// VAST documents as tests write them, and their results.
 namespace virlo::test
 {
 
@@ -15,14 +15,14 @@ namespace virlo::test
 [[nodiscard]] std::string impression(const std::string& url);
 [[nodiscard]] std::string tracking(const std::string& event, const std::string& url);
 [[nodiscard]] std::string mediaFile(const std::string& url);
-/// `content` is what stands in its "Linear".
+/// `content` is the content of its "Linear".
 [[nodiscard]] std::string creative(const std::string& attributes, const std::string& content);
 [[nodiscard]] std::string inlineAd(const std::string& identifier, const std::string& content);
 [[nodiscard]] std::string wrapperAd(const std::string& identifier, const std::string& target,
                                     const std::string& content = {});
 [[nodiscard]] std::string vast(const std::string& ads);
 
-/// The records of a document as it stands; a document that cannot be read fails the test.
+/// The records of a document, its wrappers unresolved; a document that cannot be read fails the test.
 [[nodiscard]] VIRLOVASTXMLParser::Advertisements recordsOf(const std::string& document);
 /// The URLs of the ad's impressions in order, separated by blanks.
 [[nodiscard]] std::string impressionsOf(const VIRLOVASTAd& ad);
