@@ -80,6 +80,24 @@ TEST_F(AnimationTest, ALaterAnimationTakesOverFromWhereTheViewStands)
     EXPECT_EQ(second, (std::vector{true}));
 }
 
+TEST_F(AnimationTest, APlainChangeOfOnePropertyCutsTheAnimationShort)
+{
+    Animation::animate(
+        Seconds(1),
+        [&] {
+            view.setAlpha(0);
+            view.setShadowOpacity(1);
+        },
+        note(ended));
+    animations.advance(Seconds(0.2));
+    view.setAlpha(0.7);
+    EXPECT_EQ(view.opacity(), 0.7);
+    animations.advance(Seconds(1));
+    EXPECT_EQ(view.opacity(), 0.7);
+    EXPECT_EQ(view.shadowOpacity(), 1) << "the other property goes on";
+    EXPECT_EQ(ended, (std::vector{false}));
+}
+
 TEST_F(AnimationTest, CancellingStopsWhereItStands)
 {
     const auto animation = Animation::animate(
