@@ -9,7 +9,6 @@ target_include_directories(virlo-media-engine
   PRIVATE "$<TARGET_PROPERTY:virlo-platform,INTERFACE_INCLUDE_DIRECTORIES>")
 target_link_libraries(virlo-media-engine PRIVATE PkgConfig::GST)
 target_sources(virlo-media-engine PRIVATE
-  Engine/FrameAllocator.cpp
   Engine/FrameStore.cpp
   Engine/GstMediaEngine.cpp
   Engine/GstPipeline.cpp

@@ -1,6 +1,5 @@
 #include "GstSinks.h"
 
-#include "FrameAllocator.h"
 #include "FrameStore.h"
 
 #include <gst/app/gstappsink.h>
@@ -192,9 +191,6 @@ GstPointer<GstElement> makeVideoSink(const std::shared_ptr<FrameStore>& frames)
     gst_bin_add_many(GST_BIN(bin.get()), convert.get(), appSink.get(), nullptr);
     gst_element_link(convert.get(), appSink.get());
     const GstPointer<GstPad> pad(gst_element_get_static_pad(convert.get(), "sink"));
-    const GstPointer<GstPad> end(gst_element_get_static_pad(appSink.get(), "sink"));
-    offerFrameAllocator(*pad);
-    offerFrameAllocator(*end);
     gst_element_add_pad(bin.get(), gst_ghost_pad_new("sink", pad.get()));
     return bin;
 }

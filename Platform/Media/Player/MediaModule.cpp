@@ -42,9 +42,4 @@ MediaEngine* MediaModule::makeEngine()
     return failing("the module belongs to another release");
 }
 
-[[maybe_unused]] static const bool moduleNamed = [] {
-    MediaEngine::setMaker(&MediaModule::makeEngine);
-    return true;
-}();
-
 } // namespace virlo

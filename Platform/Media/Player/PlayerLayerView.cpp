@@ -14,16 +14,16 @@ namespace virlo
 namespace
 {
 
-/// The picture itself, not a copy; it is kept as long as the image or a copy of it is.
+/// The frame itself, not a copy; it is kept as long as the image or a copy of it exists.
 QImage imageOf(std::shared_ptr<const VideoFrame> frame)
 {
-    const VideoFrame& picture = *frame;
+    const VideoFrame& video = *frame;
     using Holder = std::shared_ptr<const VideoFrame>;
     auto* const holder = new Holder(std::move(frame));
-    return {picture.bits,
-            picture.width,
-            picture.height,
-            picture.bytesPerLine,
+    return {video.bits,
+            video.width,
+            video.height,
+            video.bytesPerLine,
             QImage::Format_RGB32,
             [](void* kept) { delete static_cast<Holder*>(kept); },
             holder};
@@ -64,7 +64,7 @@ QRectF PlayerLayerView::videoRect() const
 QSGNode* PlayerLayerView::updateContentNode(QSGNode* old)
 {
     auto* node = static_cast<ImageNode*>(old);
-    // A window that comes and goes takes the nodes with it.
+    // Another window needs another node, and for that the last frame again.
     const bool isWanted = std::exchange(m_hasNewFrame, false) || node == nullptr;
     const auto frame = isWanted && m_player ? m_player->takeFrame() : nullptr;
     if (frame)
