@@ -21,7 +21,7 @@ std::string number(long value)
     return std::to_string(value);
 }
 
-/// Ten hundredths of a second each, so that sound and pictures end together.
+/// A tenth of a second each, so that sound and frames end together.
 long soundBuffers(const Clip& clip)
 {
     return std::lround(clip.seconds * 10);
@@ -31,7 +31,7 @@ std::string pipelineText(const Clip& clip, const std::string& path)
 {
     std::string text = clip.webm ? "webmmux name=mux" : "mp4mux name=mux faststart=true";
     text += " ! filesink location=" + path;
-    if (clip.picture) {
+    if (clip.hasFrames) {
         text += " videotestsrc pattern=" + clip.pattern +
                 " num-buffers=" + number(std::lround(clip.seconds * clip.framesPerSecond)) +
                 " ! video/x-raw,format=I420,width=" + number(clip.width) + ",height=" + number(clip.height) +

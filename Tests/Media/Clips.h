@@ -5,19 +5,19 @@
 namespace virlo::test
 {
 
-/// How a clip is made. Its pictures are noise of that size, so that its bytes are many, unless `pattern`
-/// names another of GStreamer's.
+/// How a clip is made. Its frames are noise, which makes a large file, unless `pattern` names another of
+/// GStreamer's test patterns.
 struct Clip {
     double seconds = 2;
     int width = 160;
     int height = 90;
     int framesPerSecond = 30;
     std::string pattern = "snow";
-    bool picture = true;
+    bool hasFrames = true;
     bool sound = true;
     bool webm = false;
     int kilobitsPerSecond = 400;
-    std::string colorimetry = {}; ///< "bt601", "bt709", or whatever GStreamer makes of the size
+    std::string colorimetry = {}; ///< "bt601", "bt709", or GStreamer's choice for the size
 };
 
 /// Encodes the clip into `path`; a failure fails the test. Clips of the same kind are encoded once in a

@@ -8,8 +8,7 @@
 namespace virlo::test
 {
 
-/// Plays nothing: the test says what becomes of each clip, by its address. In force from its making to its
-/// end.
+/// Plays nothing: the test sets each video's state, by its URL. In use while it exists.
 class FakeMediaEngine : public MediaEngine
 {
 public:
@@ -42,7 +41,7 @@ public:
 
     [[nodiscard]] Clip& at(const std::string& url) { return m_clips[url]; }
 
-    /// Says what has become of a clip.
+    /// Sets a video's state.
     void set(const std::string& url, PlaybackFacts facts)
     {
         Clip& clip = at(url);
@@ -51,7 +50,7 @@ public:
         changed(clip);
     }
 
-    /// The first picture stands.
+    /// The first frame is ready.
     void ready(const std::string& url, Seconds duration, bool transferred = false)
     {
         set(url, {.phase = PlaybackFacts::Phase::Ready,

@@ -15,13 +15,12 @@
 namespace virlo::test
 {
 
-/// A folder for clips and an ad server of the program's own that serves them; what became of a player's
-/// items, as it was told.
+/// An ad server of the program's own that serves clips, and a record of a player's notifications.
 class MediaTest : public testing::Test
 {
 protected:
     MediaTest();
-    /// Everything let go of must be torn down by the end.
+    /// Waits until everything released is torn down.
     ~MediaTest() override;
 
     [[nodiscard]] static adserver::AdServer& server();
@@ -34,7 +33,7 @@ protected:
     static void serve(const std::string& name, const std::string& bytes);
     [[nodiscard]] static std::string path(const std::string& name);
 
-    /// A player of these whose reports are written down.
+    /// A player of these whose notifications are recorded.
     std::shared_ptr<QueuePlayer> play(const QueuePlayer::Items& items);
     std::shared_ptr<QueuePlayer> make(const QueuePlayer::Items& items);
     /// Until the queue has run out; false where that takes longer than `limit`.

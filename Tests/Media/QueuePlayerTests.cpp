@@ -13,7 +13,7 @@ namespace
 using testing::ElementsAre;
 using Phase = PlaybackFacts::Phase;
 
-/// Players of clips whose fate the test decides.
+/// Players on a fake engine.
 class Queue : public MediaTest
 {
 protected:
@@ -35,7 +35,7 @@ protected:
     FakeMediaEngine engine;
 };
 
-TEST_F(Queue, LoadsTheNextItemOnceTheOneBeforeIsHereOrNearsItsEnd)
+TEST_F(Queue, LoadsTheNextItemOnceTheOneBeforeIsTransferredOrNearItsEnd)
 {
     makeOf(3);
     EXPECT_TRUE(clip(0).isLoaded);
@@ -43,7 +43,7 @@ TEST_F(Queue, LoadsTheNextItemOnceTheOneBeforeIsHereOrNearsItsEnd)
     player->play();
     pumpMainLoop();
     EXPECT_TRUE(clip(0).isPlaying);
-    EXPECT_FALSE(clip(1).isLoaded) << "both would share the line";
+    EXPECT_FALSE(clip(1).isLoaded) << "both would share the connection";
     engine.ready(address(0), Seconds(60), true);
     pumpMainLoop();
     EXPECT_TRUE(clip(1).isLoaded);
@@ -59,7 +59,7 @@ TEST_F(Queue, LoadsTheNextItemOnceTheOneBeforeIsHereOrNearsItsEnd)
     EXPECT_TRUE(clip(2).isLoaded);
 }
 
-TEST_F(Queue, TellsChangesInOrderWithOldAndNewValues)
+TEST_F(Queue, NotifiesChangesInOrderWithOldAndNewValues)
 {
     makeOf(2);
     std::vector<QueuePlayer::Change> changes;
@@ -85,7 +85,7 @@ TEST_F(Queue, TellsChangesInOrderWithOldAndNewValues)
     EXPECT_EQ(changes[1].newValue, QueuePlayer::Value());
 }
 
-TEST_F(Queue, KeepsWhatAnItemWasAfterItHasLeft)
+TEST_F(Queue, KeepsAnItemsValuesAfterItHasLeft)
 {
     makeOf(1);
     const auto item = player->currentItem();
@@ -106,7 +106,7 @@ TEST_F(Queue, KeepsWhatAnItemWasAfterItHasLeft)
     EXPECT_TRUE(list.expired());
 }
 
-TEST_F(Queue, MutesWhatPlaysAndWhatComes)
+TEST_F(Queue, MutesTheCurrentItemAndThoseAfter)
 {
     makeOf(2);
     std::vector<std::string> told;

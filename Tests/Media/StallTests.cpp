@@ -33,51 +33,37 @@ protected:
     }
 };
 
-TEST_F(Stalls, AreToldWithinHalfASecondAndEndByThemselves)
+TEST_F(Stalls, AreNotifiedWithinHalfASecondAndAPauseDuringOneHolds)
 {
-    // The clip takes 2 Mbit/s, the line gives 1.2: the buffer fills, and runs dry on the way.
-    const auto item = served("slow.mp4", {.seconds = 12, .kilobitsPerSecond = 2000});
-    server().setFault({.path = path("slow.mp4"), .bytesPerSecond = 150'000});
+    const auto item = served("stall.mp4", {.seconds = 5, .kilobitsPerSecond = 1000});
+    server().setFault({.path = path("stall.mp4"), .stallBodyAfter = 350'000, .stallFor = 4500ms});
     make({item});
     Instant lastFrame;
-    Instant told;
+    Instant notified;
     const auto frames = player->addFrameObserver([&] { lastFrame = now(); });
     const auto keepUp =
         player->addObserverForKeyPath(QueuePlayer::playbackLikelyToKeepUpKeyPath, [&](const auto& change) {
-            if (change.oldValue == QueuePlayer::Value(true) && told == Instant())
-                told = now();
+            if (change.oldValue == QueuePlayer::Value(true) && notified == Instant())
+                notified = now();
         });
     ASSERT_TRUE(waitsFor("keepup true"));
     player->play();
     ASSERT_TRUE(waitsFor("stalled 0"));
-    EXPECT_LT(told - lastFrame, 500ms);
+    EXPECT_LT(notified - lastFrame, 500ms);
     EXPECT_EQ(player->rate(), 1);
     EXPECT_FALSE(item->isPlaybackLikelyToKeepUp());
-    const Seconds stoodAt = player->currentTime();
-    log.clear();
-    ASSERT_TRUE(waitsFor("keepup true"));
-    EXPECT_TRUE(settle([&] { return player->currentTime() > stoodAt + Seconds(0.5); }));
-    ASSERT_GE(item->accessLog().size(), 1U);
-    EXPECT_NEAR(megabits(item->accessLog().front()), 1.2, 0.3);
-}
-
-TEST_F(Stalls, APauseDuringOneHolds)
-{
-    const auto item = served("slow.mp4", {.seconds = 12, .kilobitsPerSecond = 2000});
-    server().setFault({.path = path("slow.mp4"), .bytesPerSecond = 150'000});
-    make({item});
-    ASSERT_TRUE(waitsFor("keepup true"));
-    player->play();
-    ASSERT_TRUE(waitsFor("stalled 0"));
     player->pause();
     log.clear();
     ASSERT_TRUE(waitsFor("keepup true"));
     const Seconds before = player->currentTime();
-    static_cast<void>(settle([] { return false; }, Seconds(0.5)));
+    static_cast<void>(settle([] { return false; }, Seconds(0.4)));
     EXPECT_NEAR(player->currentTime().count(), before.count(), 0.01);
+    player->play();
+    ASSERT_TRUE(runsOut());
+    EXPECT_THAT(ends(), testing::Contains("ended 0"));
 }
 
-TEST_F(Stalls, DoNotBefallAClipThatComesFastEnough)
+TEST_F(Stalls, DoNotHappenToAVideoThatArrivesFastEnough)
 {
     const auto item = served("even.mp4", {.seconds = 3, .kilobitsPerSecond = 600});
     server().setFault({.path = path("even.mp4"), .bytesPerSecond = 150'000});

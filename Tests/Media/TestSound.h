@@ -3,15 +3,15 @@
 namespace virlo::test
 {
 
-/// The sound device of this program: GStreamer finds it before any other. It takes the sound at its pace, and
-/// can be pulled out.
+/// The sound device of this program: GStreamer finds it before any other. It consumes the sound at its pace,
+/// and can be pulled out.
 class TestSound
 {
 public:
     static void install();
-    /// Fails at its next piece of sound, once.
+    /// Fails at its next buffer of sound, once.
     static void pullOut();
-    /// Pieces taken since the program began that were not silence.
+    /// Buffers since the program began that were not silence.
     [[nodiscard]] static int heard();
 };
 

@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 using Connection = RawServer::Connection;
 using Progress = VideoDownload::Progress;
 
-/// No two places alike for longer than a while.
+/// Bytes that tell their position.
 std::string clipOf(std::size_t size)
 {
     std::string bytes(size, '\0');
@@ -28,35 +28,35 @@ std::string clipOf(std::size_t size)
     return bytes;
 }
 
-/// What a request asks for: a place, or nothing for the whole.
-std::optional<std::size_t> placeIn(const std::string& head)
+/// Where the requested range begins; nothing for the whole file.
+std::optional<std::size_t> rangeStart(const std::string& head)
 {
     constexpr std::string_view name = "Range: bytes=";
     const auto at = head.find(name);
     return at != std::string::npos ? std::optional(std::stoul(head.substr(at + name.size()))) : std::nullopt;
 }
 
-/// Answers from there on, and breaks off after `count` bytes.
-void answer(Connection& connection, const std::string& clip, std::optional<std::size_t> place,
-            std::size_t count = std::string::npos)
+/// Responds from `start` on, and breaks off after `count` bytes.
+void respond(Connection& connection, const std::string& clip, std::optional<std::size_t> start,
+             std::size_t count = std::string::npos)
 {
-    std::string head = place ? "HTTP/1.1 206 Partial Content\r\nContent-Range: bytes " +
-                                   std::to_string(*place) + "-" + std::to_string(clip.size() - 1) + "/" +
+    std::string head = start ? "HTTP/1.1 206 Partial Content\r\nContent-Range: bytes " +
+                                   std::to_string(*start) + "-" + std::to_string(clip.size() - 1) + "/" +
                                    std::to_string(clip.size())
                              : "HTTP/1.1 200 OK";
-    const std::size_t from = place.value_or(0);
+    const std::size_t from = start.value_or(0);
     head += "\r\nContent-Length: " + std::to_string(clip.size() - from) + "\r\n\r\n";
     connection.write(head + clip.substr(from, count));
 }
 
 /// A server that sends at most so much at a time.
-void answerInParts(Connection& connection, const std::string& clip, std::size_t most)
+void respondInParts(Connection& connection, const std::string& clip, std::size_t most)
 {
-    const auto place = placeIn(connection.readHead()).value_or(0);
-    const std::size_t count = std::min(most, clip.size() - place);
-    connection.write("HTTP/1.1 206 Part\r\nContent-Range: bytes " + std::to_string(place) + "-" +
-                     std::to_string(place + count - 1) + "/" + std::to_string(clip.size()) +
-                     "\r\nContent-Length: " + std::to_string(count) + "\r\n\r\n" + clip.substr(place, count));
+    const auto start = rangeStart(connection.readHead()).value_or(0);
+    const std::size_t count = std::min(most, clip.size() - start);
+    connection.write("HTTP/1.1 206 Part\r\nContent-Range: bytes " + std::to_string(start) + "-" +
+                     std::to_string(start + count - 1) + "/" + std::to_string(clip.size()) +
+                     "\r\nContent-Length: " + std::to_string(count) + "\r\n\r\n" + clip.substr(start, count));
 }
 
 class Download
@@ -82,33 +82,33 @@ public:
     std::string bytes;
 };
 
-TEST(VideoDownload, GoesOnFromWhereAConnectionBroke)
+TEST(VideoDownload, ResumesWhereAConnectionBroke)
 {
     const std::string clip = clipOf(1'000'000);
-    std::vector<std::optional<std::size_t>> places;
+    std::vector<std::optional<std::size_t>> starts;
     RawServer server([&](Connection& connection) {
-        places.push_back(placeIn(connection.readHead()));
-        answer(connection, clip, places.back(), 400'000);
+        starts.push_back(rangeStart(connection.readHead()));
+        respond(connection, clip, starts.back(), 400'000);
     });
     Download download(server);
     EXPECT_EQ(download.readAll(), Progress::End);
     EXPECT_TRUE(download.bytes == clip);
-    ASSERT_EQ(places.size(), 3U);
-    EXPECT_EQ(places[0], std::nullopt);
-    EXPECT_EQ(places[1], 400'000U);
-    EXPECT_EQ(places[2], 800'000U);
+    ASSERT_EQ(starts.size(), 3U);
+    EXPECT_EQ(starts[0], std::nullopt);
+    EXPECT_EQ(starts[1], 400'000U);
+    EXPECT_EQ(starts[2], 800'000U);
     EXPECT_EQ(download.clip.size(), clip.size());
     EXPECT_EQ(download.meter->bytes(), clip.size());
     EXPECT_TRUE(download.meter->isFinished());
 }
 
-TEST(VideoDownload, ReadsFromAnyPlaceAndKnowsTheWholeSize)
+TEST(VideoDownload, ReadsFromAnyPositionAndKnowsTheWholeSize)
 {
     const std::string clip = clipOf(3000);
     RawServer server([&](Connection& connection) {
-        const auto place = placeIn(connection.readHead());
-        if (place.value_or(0) < clip.size())
-            answer(connection, clip, place);
+        const auto start = rangeStart(connection.readHead());
+        if (start.value_or(0) < clip.size())
+            respond(connection, clip, start);
         else
             connection.write("HTTP/1.1 416 Too Far\r\nContent-Length: 0\r\n\r\n");
     });
@@ -125,10 +125,10 @@ TEST(VideoDownload, ReadsFromAnyPlaceAndKnowsTheWholeSize)
     EXPECT_EQ(download.readAll(), Progress::End);
 }
 
-TEST(VideoDownload, AsksOnWhereAServerSendsLessThanAskedFor)
+TEST(VideoDownload, RequestsTheRestWhereAServerSendsLess)
 {
     const std::string clip = clipOf(5000);
-    RawServer server([&](Connection& connection) { answerInParts(connection, clip, 2000); });
+    RawServer server([&](Connection& connection) { respondInParts(connection, clip, 2000); });
     Download download(server);
     EXPECT_EQ(download.readAll(), Progress::End);
     EXPECT_TRUE(download.bytes == clip);
@@ -164,9 +164,9 @@ TEST(VideoDownload, WakesAReaderThatIsInterrupted)
 {
     std::promise<void> asked;
     RawServer server([&](Connection& connection) {
-        const auto place = placeIn(connection.readHead());
-        if (place) {
-            answer(connection, "clip", place);
+        const auto start = rangeStart(connection.readHead());
+        if (start) {
+            respond(connection, "clip", start);
             return;
         }
         connection.write("HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nc");
@@ -188,7 +188,7 @@ TEST(VideoDownload, WakesAReaderThatIsInterrupted)
 
 struct RefusalRow {
     const char* name;
-    const char* first;  ///< the answer to the request for the whole
+    const char* first;  ///< the response to the request for the whole
     const char* second; ///< to one for a part; null: it must not be asked for
     Progress end;
     const char* bytes;
@@ -201,7 +201,7 @@ class Refusals : public testing::TestWithParam<RefusalRow>
 TEST_P(Refusals, EndTheReading)
 {
     RawServer server([](Connection& connection) {
-        const bool isPart = placeIn(connection.readHead()).has_value();
+        const bool isPart = rangeStart(connection.readHead()).has_value();
         ASSERT_TRUE(!isPart || GetParam().second != nullptr);
         connection.write(isPart ? GetParam().second : GetParam().first);
     });
@@ -216,7 +216,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         RefusalRow{"NotThere", "HTTP/1.1 404 No\r\nContent-Length: 3\r\n\r\nabc", nullptr, Progress::Missing,
                    ""},
-        RefusalRow{"NoAnswer", "", nullptr, Progress::Failed, ""},
+        RefusalRow{"NoResponse", "", nullptr, Progress::Failed, ""},
         RefusalRow{"NothingAtAll", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\n", nullptr, Progress::Failed,
                    ""},
         RefusalRow{"NoParts", "HTTP/1.1 200 OK\r\nAccept-Ranges: none\r\nContent-Length: 3\r\n\r\na", nullptr,

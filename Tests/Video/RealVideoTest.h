@@ -10,7 +10,7 @@ class RealVideoTest : public VideoTest
 {
 protected:
     RealVideoTest();
-    /// What was played is torn down.
+    /// Waits until everything is torn down.
     ~RealVideoTest() override;
 
     /// A shipped clip under that name on the test's server; `fault` says what goes wrong with it.

@@ -27,7 +27,7 @@ protected:
     using Video = std::shared_ptr<VIRLOAdVideoViewController>;
 
     VideoTest();
-    /// What stands is left, and its pings are waited for.
+    /// Leaves what is shown and waits for its reports.
     ~VideoTest() override;
 
     [[nodiscard]] static std::string clip(const std::string& name) { return url("/clip/" + name); }
@@ -38,7 +38,7 @@ protected:
     [[nodiscard]] static std::string document(const std::vector<TestVideo>& videos);
     /// A video ad whose document is that one; `item` as for `ad`.
     [[nodiscard]] JSON videoAd(const std::vector<TestVideo>& videos, const JSON& item = {});
-    /// A full-screen picture with that document's film over it.
+    /// An image ad with that document's video over it.
     [[nodiscard]] JSON imageAd(const std::vector<TestVideo>& videos);
 
     struct Made {
@@ -55,7 +55,7 @@ protected:
 
     [[nodiscard]] bool isOver() { return window.left().hasActiveFocus(); }
 
-    /// What was pinged since the last call, as "NAME EVENT" or "impression", in the order of the alphabet.
+    /// The tracking requests since the last call, as "NAME EVENT" or "impression", sorted.
     [[nodiscard]] static Pings pings();
     /// From here on `reports` lists what is reported, in the order in which the requests begin.
     void recordReports();
@@ -67,18 +67,18 @@ private:
     void serveDocument(const std::vector<TestVideo>& videos);
 };
 
-/// Goes after all that plays by it.
+/// A base, destroyed after the members that use it.
 struct WithFakeEngine {
     FakeMediaEngine engine;
 };
 
-/// The same with clips that do what the test says.
+/// The same on a fake engine.
 class FakeVideoTest : protected WithFakeEngine, public VideoTest
 {
 protected:
-    /// The clip's first picture stands.
+    /// The video's first frame is ready.
     void ready(const std::string& name, int seconds = 8);
-    /// The clip's time passes up to `second`, each second told.
+    /// The video's time passes up to `second`, one tick after the other.
     void playTo(const std::string& name, int second);
     void end(const std::string& name, PlaybackFacts::Phase phase = PlaybackFacts::Phase::Ended);
     /// Ready and shown, with the pings of the start taken away.
