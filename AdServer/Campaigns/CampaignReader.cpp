@@ -191,15 +191,15 @@ private:
         if (std::any_of(address.begin(), address.end(),
                         [](unsigned char letter) { return letter <= ' ' || letter == 127; }))
             value.fail("must be an address without spaces");
-        constexpr std::string_view vastPath = "/vast/";
-        const bool isDocument = address.starts_with(vastPath);
+        constexpr std::string_view documents = "/vast/";
+        const bool isDocument = address.starts_with(documents);
         if (!mustExist || isAbsoluteURL(address) || (address.starts_with('/') && !isDocument))
             return;
         auto file = m_campaign.folder / address;
         if (isDocument) {
-            const auto end = address.find_first_of("/?#", vastPath.size());
+            const auto end = address.find_first_of("/?#", documents.size());
             file = m_campaign.folder / "vast" /
-                   (address.substr(vastPath.size(), end - vastPath.size()) + ".xml");
+                   (address.substr(documents.size(), end - documents.size()) + ".xml");
         }
         if (!std::filesystem::is_regular_file(file))
             value.fail("there is no file " + file.string());
