@@ -4,6 +4,7 @@
 #include "GlobalQueue.h"
 #include "Image.h"
 #include "MainLoop.h"
+#include "MainScreen.h"
 #include "VIRLOAdInterstitialImageStore.h"
 #include "VIRLOAdItem.h"
 #include "VIRLOAdServerApiImageDownloader.h"
@@ -45,12 +46,12 @@ std::shared_ptr<const Image> cropped(const std::shared_ptr<const Image>& image)
 }
 
 /// From the store, as large as it is shown; null where the store does not have it. On a worker.
-std::shared_ptr<const Image> decoded(const VIRLOAdItem& item, std::size_t index, double pixelsPerPoint)
+std::shared_ptr<const Image> decoded(const VIRLOAdItem& item, std::size_t index)
 {
-    const QSize pixels =
-        QSizeF(QSizeF(VIRLOAdInterstitialScreenshots::focusedSize) * pixelsPerPoint).toSize();
+    const QSizeF pixels = QSizeF(VIRLOAdInterstitialScreenshots::focusedSize) * virlo::MainScreen::scale();
     const auto image = VIRLOAdInterstitialImageStore::sharedStore()->imageForItemAtIndexPathCovering(
-        item, pathOf(index), pixels.width(), pixels.height());
+        item, pathOf(index), static_cast<int>(std::ceil(pixels.width())),
+        static_cast<int>(std::ceil(pixels.height())));
     return image ? cropped(image) : nullptr;
 }
 
@@ -88,22 +89,20 @@ void VIRLOAdInterstitialScreenshots::preload(virlo::DispatchGroup group)
         near[index] = isNear(index);
         group.enter();
     }
-    GlobalQueue::high().async(
-        [self = shared_from_this(), group, near = std::move(near), pixels = m_pixelsPerPoint] {
-            self->m_downloader->setImagesStore(VIRLOAdInterstitialImageStore::sharedStore());
-            for (std::size_t index = 0; index < near.size(); ++index)
-                self->preloadOne(index, near[index] ? pixels : 0, group);
-        });
+    GlobalQueue::high().async([self = shared_from_this(), group, near = std::move(near)] {
+        self->m_downloader->setImagesStore(VIRLOAdInterstitialImageStore::sharedStore());
+        for (std::size_t index = 0; index < near.size(); ++index)
+            self->preloadOne(index, near[index], group);
+    });
 }
 
-/// On a worker; decodes nothing where `pixels` is 0.
-void VIRLOAdInterstitialScreenshots::preloadOne(std::size_t index, double pixels, virlo::DispatchGroup group)
+/// On a worker.
+void VIRLOAdInterstitialScreenshots::preloadOne(std::size_t index, bool isNear, virlo::DispatchGroup group)
 {
-    const auto finish = [self = shared_from_this(), index, group, pixels] {
-        const ImagePointer image = pixels > 0 ? decoded(*self->m_item, index, pixels) : nullptr;
-        MainLoop::shared().post([self, index, group, pixels, image]() mutable {
-            Screenshot& screenshot = self->m_screenshots[index];
-            screenshot = {State::Idle, image, pixels};
+    const auto finish = [self = shared_from_this(), index, isNear, group] {
+        const ImagePointer image = isNear ? decoded(*self->m_item, index) : nullptr;
+        MainLoop::shared().post([self, index, group, image]() mutable {
+            self->m_screenshots[index] = {State::Idle, image};
             if (self->m_show && image)
                 self->m_show(index, image);
             self->update();
@@ -140,12 +139,6 @@ void VIRLOAdInterstitialScreenshots::setFocused(std::size_t index)
     update();
 }
 
-void VIRLOAdInterstitialScreenshots::setPixelsPerPoint(double pixels)
-{
-    m_pixelsPerPoint = pixels;
-    update();
-}
-
 void VIRLOAdInterstitialScreenshots::update()
 {
     if (!m_show)
@@ -167,34 +160,31 @@ void VIRLOAdInterstitialScreenshots::update()
 void VIRLOAdInterstitialScreenshots::load(std::size_t index)
 {
     Screenshot& screenshot = m_screenshots[index];
-    if (screenshot.state != State::Idle || m_loading == mostLoading ||
-        (screenshot.image && screenshot.pixelsPerPoint == m_pixelsPerPoint))
+    if (screenshot.state != State::Idle || screenshot.image || m_loading == mostLoading)
         return;
     screenshot.state = State::Loading;
     ++m_loading;
-    const auto finish = [weak = weak_from_this(), index,
-                         pixels = m_pixelsPerPoint](const ImagePointer& image) {
-        MainLoop::shared().post([weak, index, pixels, image] {
+    const auto finish = [weak = weak_from_this(), index](const ImagePointer& image) {
+        MainLoop::shared().post([weak, index, image] {
             if (const auto self = weak.lock())
-                self->didLoad(index, image, pixels);
+                self->didLoad(index, image);
         });
     };
-    GlobalQueue::high().async(
-        [finish, item = m_item, downloader = m_downloader, index, pixels = m_pixelsPerPoint] {
-            if (const ImagePointer image = decoded(*item, index, pixels)) {
-                finish(image);
-                return;
-            }
-            downloader->setImagesStore(VIRLOAdInterstitialImageStore::sharedStore());
-            downloader->retrieveScreenshotForItemAtIndexPathWithCompletion(
-                item, pathOf(index), [finish, item, index, pixels](const OptionalError&) {
-                    GlobalQueue::high().async([=] { finish(decoded(*item, index, pixels)); });
-                });
-        });
+    GlobalQueue::high().async([finish, item = m_item, downloader = m_downloader, index] {
+        // The store may hold a body that is no image, from a download that failed.
+        if (const ImagePointer image = decoded(*item, index)) {
+            finish(image);
+            return;
+        }
+        downloader->setImagesStore(VIRLOAdInterstitialImageStore::sharedStore());
+        downloader->retrieveScreenshotForItemAtIndexPathWithCompletion(
+            item, pathOf(index), [finish, item, index](const OptionalError&) {
+                GlobalQueue::high().async([finish, item, index] { finish(decoded(*item, index)); });
+            });
+    });
 }
 
-void VIRLOAdInterstitialScreenshots::didLoad(std::size_t index, const ImagePointer& image,
-                                             double pixelsPerPoint)
+void VIRLOAdInterstitialScreenshots::didLoad(std::size_t index, const ImagePointer& image)
 {
     --m_loading;
     if (!m_show)
@@ -203,7 +193,6 @@ void VIRLOAdInterstitialScreenshots::didLoad(std::size_t index, const ImagePoint
     screenshot.state = image ? State::Idle : State::Missing;
     if (image && isNear(index)) {
         screenshot.image = image;
-        screenshot.pixelsPerPoint = pixelsPerPoint;
         m_show(index, image);
     }
     update();

@@ -51,8 +51,6 @@ public:
     /// Lets go of everything; nothing is shown any more.
     void stop();
     void setFocused(std::size_t index);
-    /// Pixels of the window for a point; what is shown at another scale is decoded anew.
-    void setPixelsPerPoint(double pixels);
 
 private:
     using ImagePointer = std::shared_ptr<const virlo::Image>;
@@ -61,22 +59,20 @@ private:
     struct Screenshot {
         State state = State::Idle;
         ImagePointer image;
-        double pixelsPerPoint = 0; ///< of `image`
     };
 
     VIRLOAdInterstitialScreenshots(std::shared_ptr<VIRLOAdItem> item,
                                    std::shared_ptr<VIRLOAdServerApiImageDownloader> downloader);
     [[nodiscard]] bool isNear(std::size_t index) const;
-    void preloadOne(std::size_t index, double pixels, virlo::DispatchGroup group);
+    void preloadOne(std::size_t index, bool isNear, virlo::DispatchGroup group);
     void update();
     void load(std::size_t index);
-    void didLoad(std::size_t index, const ImagePointer& image, double pixelsPerPoint);
+    void didLoad(std::size_t index, const ImagePointer& image);
 
     const std::shared_ptr<VIRLOAdItem> m_item;
     const std::shared_ptr<VIRLOAdServerApiImageDownloader> m_downloader;
     std::vector<Screenshot> m_screenshots;
     std::size_t m_focused;
     std::size_t m_loading = 0;
-    double m_pixelsPerPoint = 1;
     Show m_show;
 };

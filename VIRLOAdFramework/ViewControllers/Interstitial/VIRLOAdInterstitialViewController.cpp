@@ -118,9 +118,8 @@ void VIRLOAdInterstitialViewController::preloadAdElementsWithCompletion(Completi
     m_screenshots->preload(group);
     // Holds the screen: the downloader that the images come through is the screen's.
     const auto self = std::static_pointer_cast<VIRLOAdInterstitialViewController>(shared_from_this());
-    group.notify(GlobalQueue::high(), [self, completion = std::move(completion)] {
-        completion(self->sceneError());
-    });
+    group.notify(GlobalQueue::high(),
+                 [self, completion = std::move(completion)] { completion(self->sceneError()); });
 }
 
 void VIRLOAdInterstitialViewController::addDownloadButton(virlo::View& videoView)
