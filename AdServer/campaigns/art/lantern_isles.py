@@ -136,18 +136,19 @@ def scene(width, height, hour, seed, boat_at=0.3, isles=5, lanterns=2):
 
 
 def panel(canvas, words):
-    """What the game itself writes over its images."""
+    """What the game itself writes over its images; far enough inside to be read where the focus enlarges them."""
     height = canvas.height
+    left = 170
     size = height * 0.066
 
     def plate(context):
         ink, _ = layout(context, words, "Quicksand Bold", size).get_pixel_extents()
-        rounded(context, 60, height - 60 - size * 2.1, ink.width + size * 1.6, size * 2.1, size * 0.5)
+        rounded(context, left, height - 60 - size * 2.1, ink.width + size * 1.6, size * 2.1, size * 0.5)
         context.set_source_rgba(0.04, 0.06, 0.16, 0.62)
         context.fill()
 
     canvas.draw(plate)
-    write(canvas, 60 + size * 0.8, height - 60 - size * 1.5, words, "Quicksand Bold", size, "#fff6df")
+    write(canvas, left + size * 0.8, height - 60 - size * 1.5, words, "Quicksand Bold", size, "#fff6df")
 
 
 SCREENSHOTS = (
