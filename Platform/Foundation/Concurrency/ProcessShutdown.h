@@ -1,14 +1,12 @@
 #pragma once
 
-#include "Export.h"
-
 namespace virlo
 {
 
 /// Stops the library's threads when the process exits, in one order, while the static objects and libraries
 /// that those threads use still exist. Runs once: on the main thread before any `atexit` handler and static
 /// destructor, or, where `exit` is called on another thread, as an `atexit` handler.
-class VIRLO_EXPORT ProcessShutdown
+class ProcessShutdown
 {
 public:
     /// In the order in which they stop: screens use the video player, the player reads from the network.

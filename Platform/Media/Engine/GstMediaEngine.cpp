@@ -19,6 +19,11 @@ std::shared_ptr<MediaPlayback> GstMediaEngine::playbackOfURL(const URL& url, boo
     return GstPlayback::start(url, muted, std::move(callbacks), m_limits);
 }
 
+void GstMediaEngine::stop()
+{
+    MediaRuntime::shared().stop();
+}
+
 bool GstMediaEngine::drain(Seconds limit)
 {
     return MediaRuntime::shared().drain(limit);

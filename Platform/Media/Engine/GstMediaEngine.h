@@ -18,6 +18,8 @@ public:
     [[nodiscard]] std::shared_ptr<MediaPlayback> playbackOfURL(const URL& url, bool muted,
                                                                Callbacks callbacks) override;
 
+    void stop() override;
+
     /// Waits until every closed playback is torn down, at most `limit`; true where that is so. For the
     /// process's end and for tests.
     static bool drain(Seconds limit);

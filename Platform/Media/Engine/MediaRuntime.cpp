@@ -2,7 +2,6 @@
 
 #include "GstPlayback.h"
 #include "GstVideoSource.h"
-#include "ProcessShutdown.h"
 
 #include <gst/gst.h>
 
@@ -19,7 +18,7 @@ namespace
 
 /// Code that is loaded while the process tears its libraries down sets those up again that it needs, and they
 /// abort. Only what waits for a sound device can take so long.
-constexpr Seconds longestHalt{5};
+constexpr Seconds longestStop{5};
 
 /// A pipeline opens about 20, its sound device a few more, and the transfer, the host and a second pipeline
 /// open theirs meanwhile.
@@ -48,8 +47,6 @@ MediaRuntime& MediaRuntime::shared()
 
 std::string MediaRuntime::prepare()
 {
-    if (!registerShutdown())
-        return "The process is exiting";
     {
         const std::lock_guard lock(m_mutex);
         if (m_ended)
@@ -77,17 +74,8 @@ void MediaRuntime::initialise()
     g_clear_error(&error);
 }
 
-bool MediaRuntime::registerShutdown()
-{
-    static const bool registered =
-        ProcessShutdown::add(ProcessShutdown::Stage::Media, [] { shared().halt(); });
-    return registered;
-}
-
 bool MediaRuntime::enter(const std::shared_ptr<GstPlayback>& thread)
 {
-    if (!registerShutdown())
-        return false;
     const std::lock_guard lock(m_mutex);
     if (m_ended)
         return false;
@@ -117,7 +105,7 @@ bool MediaRuntime::drain(Seconds limit)
     });
 }
 
-void MediaRuntime::halt()
+void MediaRuntime::stop()
 {
     {
         const std::lock_guard lock(m_mutex);
@@ -125,7 +113,7 @@ void MediaRuntime::halt()
         for (const auto& thread : m_threads)
             thread->close();
     }
-    static_cast<void>(drain(longestHalt));
+    static_cast<void>(drain(longestStop));
 }
 
 } // namespace virlo

@@ -1,6 +1,7 @@
 #include "MediaEngine.h"
 
 #include "FailingMediaEngine.h"
+#include "ProcessShutdown.h"
 
 #include <atomic>
 
@@ -13,11 +14,22 @@ namespace
 constinit std::atomic<MediaEngine*> engineInUse = nullptr;
 constinit std::atomic<MediaEngine::Maker> engineMaker = nullptr;
 
+MediaEngine& defaultEngine();
+
 MediaEngine* makeDefaultEngine()
 {
-    if (const MediaEngine::Maker make = engineMaker.load(std::memory_order_acquire))
-        return make();
-    return new FailingMediaEngine("This program has nothing that plays videos");
+    const MediaEngine::Maker make = engineMaker.load(std::memory_order_acquire);
+    if (make == nullptr)
+        return new FailingMediaEngine("This program has nothing that plays videos");
+    if (!ProcessShutdown::add(ProcessShutdown::Stage::Media, [] { defaultEngine().stop(); }))
+        return new FailingMediaEngine("The process is exiting");
+    return make();
+}
+
+MediaEngine& defaultEngine()
+{
+    static auto* const engine = makeDefaultEngine();
+    return *engine;
 }
 
 } // namespace
@@ -26,8 +38,7 @@ MediaEngine& MediaEngine::shared()
 {
     if (MediaEngine* const engine = engineInUse.load(std::memory_order_acquire))
         return *engine;
-    static auto* const engine = makeDefaultEngine();
-    return *engine;
+    return defaultEngine();
 }
 
 void MediaEngine::setShared(MediaEngine* engine)

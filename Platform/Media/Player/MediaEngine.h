@@ -82,6 +82,10 @@ public:
     [[nodiscard]] virtual std::shared_ptr<MediaPlayback> playbackOfURL(const URL& url, bool muted,
                                                                        Callbacks callbacks) = 0;
 
+    /// Ends every playback for good and waits for it, within limits of its own. Called when the process
+    /// exits, for the default engine only.
+    virtual void stop() {}
+
     /// The engine in use: the default one unless another was set. The first call for the default one makes
     /// it, which may read the disk: whoever is about to play something calls this from a worker first.
     [[nodiscard]] static MediaEngine& shared();
