@@ -17,8 +17,7 @@ namespace
 using namespace std::chrono_literals;
 
 /// As in production, only shorter where a test would wait for the limit.
-const PlaybackLimits testLimits{
-    .timeout = 5000ms, .timeoutOnceTransferred = 1500ms, .silence = 6000ms, .retryPause = 50ms};
+const PlaybackLimits testLimits{.timeout = 5000ms, .silence = 6000ms, .retryPause = 50ms};
 
 class MediaServer : public testing::Environment
 {
