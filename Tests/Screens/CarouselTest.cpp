@@ -245,6 +245,8 @@ TEST_F(Carousel, CountsEveryPressOfAFastViewer)
     for (int i = 0; i < 5; ++i)
         click(Qt::Key_Right, Seconds(0.12));
     EXPECT_EQ(screen->carousel->focusedElement(), 7);
+    show(5);
+    EXPECT_EQ(screen->carousel->focusedElement(), 2) << "the element in the middle has gone";
 }
 
 TEST_F(Carousel, ClosesInMidSlide)

@@ -60,13 +60,14 @@ void VIRLOCarousel::setElements(const Elements& elements)
         before = std::exchange(m_carouselElements, elements);
         m_elementSize = elements.front()->frame().size();
     });
+    if (m_focusedElement >= static_cast<std::int64_t>(elements.size()))
+        m_focusedElement = 2;
+    positionElements();
+    // Last: where the focus is on one of them, it looks for its successor among the new ones.
     for (const auto& element : before) {
         if (std::find(elements.begin(), elements.end(), element) == elements.end())
             element->removeFromSuperview();
     }
-    if (m_focusedElement >= static_cast<std::int64_t>(elements.size()))
-        m_focusedElement = 2;
-    positionElements();
     focusabilityDidChange();
     emit elementsChanged();
 }
@@ -176,8 +177,8 @@ VIRLOCarouselElement* VIRLOCarousel::theMostRightElement() const
 void VIRLOCarousel::slide(Seconds duration)
 {
     stop(m_slide);
-    const double far = std::max(1.0, std::abs(m_behind));
-    duration /= far * far;
+    // Five presses within a quarter of a second are followed without losing one.
+    duration /= std::pow(std::max(1.0, std::abs(m_behind)), 2.5);
     const double from = m_behind;
     const double start = m_speed * duration.count();
     m_slide = Animation::run(
