@@ -12,7 +12,6 @@ constexpr std::array all{
     Benchmark{"screen", nullptr},
     Benchmark{"images", nullptr},
     Benchmark{"host-process", benchHostProcess},
-    Benchmark{"interstitial", benchInterstitial},
     Benchmark{"core-memory", benchCoreMemory},
     Benchmark{"video-screen", nullptr},
     Benchmark{"video-process", benchVideoProcess},

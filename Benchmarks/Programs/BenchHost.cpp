@@ -1,10 +1,7 @@
 // bench-host AUTHORITY [WIDTHxHEIGHT]: a host with nothing in it but ads, for measuring from outside. Reads
 // commands from standard input: "show PLACEMENT" asks for an ad, presents it and says "painted
-// MILLISECONDS STALL PRESENTED", the time from the question to the first frame, the longest time that the
-// main thread was not free meanwhile, and the time from the presentation on; "close" presses Menu and says
-// "closed"; "down" presses that arrow; "slide SECONDS" see SlideWatch.
-
-#include "SlideWatch.h"
+// MILLISECONDS STALL", the time from the question to the first frame and the longest time that the main
+// thread was not free meanwhile; "close" presses Menu and says "closed".
 
 #include <VIRLOAdFramework/Bundle.h>
 #include <VIRLOAdFramework/NetworkFlags.h>
@@ -14,6 +11,7 @@
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QQuickWindow>
 #include <QSocketNotifier>
 #include <QTimer>
@@ -85,13 +83,20 @@ public:
                         return;
                     }
                     m_presented = true;
-                    m_sincePresented.start();
                     VIRLOAdPresenter::present(screen, &m_window, [] {
                         std::puts("closed");
                         std::fflush(stdout);
                     });
                 });
             });
+    }
+
+    void close()
+    {
+        for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QKeyEvent event(type, Qt::Key_Escape, Qt::NoModifier);
+            QCoreApplication::sendEvent(&m_window, &event);
+        }
     }
 
 private:
@@ -101,14 +106,12 @@ private:
             return;
         m_waiting = false;
         const double milliseconds = static_cast<double>(m_sinceAsked.nsecsElapsed()) / 1e6;
-        const double presented = static_cast<double>(m_sincePresented.nsecsElapsed()) / 1e6;
-        std::printf("painted %.3f %.3f %.3f\n", milliseconds, m_stall.stop(), presented);
+        std::printf("painted %.3f %.3f\n", milliseconds, m_stall.stop());
         std::fflush(stdout);
     }
 
     QQuickWindow& m_window;
     QElapsedTimer m_sinceAsked;
-    QElapsedTimer m_sincePresented;
     StallWatch m_stall;
     bool m_waiting = false;
     bool m_presented = false;
@@ -135,7 +138,6 @@ int main(int count, char** arguments)
     window.show();
     window.requestActivate();
     BenchHost host(window);
-    SlideWatch slide(window);
     VIRLOAdController::sharedAdController()->startWithAppIdentifier("bench-host");
 
     QSocketNotifier input(0, QSocketNotifier::Read);
@@ -146,11 +148,7 @@ int main(int count, char** arguments)
         if (command.starts_with("show "))
             host.show(command.substr(5));
         else if (command == "close")
-            slide.press(Qt::Key_Escape);
-        else if (command == "down")
-            slide.press(Qt::Key_Down);
-        else if (command.starts_with("slide "))
-            slide.slide(std::stoi(command.substr(6)));
+            host.close();
     });
     return QGuiApplication::exec();
 }
