@@ -80,17 +80,6 @@ TEST_F(AppRequestStore, DamagedFileIsAnEmptyStoreAndOtherKeysAreSkipped)
     EXPECT_EQ(texts(open()), std::vector{b});
 }
 
-TEST_F(AppRequestStore, SlowWriteBlocksNobody)
-{
-    const auto store = open();
-    disk.hold(FaultyFileSystem::Operation::Write);
-    store->save();
-    store->addItem(url("a"));
-    EXPECT_EQ(texts(store), std::vector{a});
-    disk.release();
-    settleAll();
-}
-
 TEST_F(AppRequestStore, WorksInMemoryWhereTheDiskFails)
 {
     {

@@ -68,12 +68,6 @@ private:
     mutable std::function<void()> m_duringQuery;
 };
 
-/// Names the rows of a parameterised test by their `name`.
-[[nodiscard]] inline auto rowName()
-{
-    return [](const auto& row) { return std::string(row.param.name); };
-}
-
 /// A server object with a scripted transport, a clock that the test advances, a reachable network and a disk
 /// of its own.
 class CoreTest : public testing::Test

@@ -200,15 +200,6 @@ INSTANTIATE_TEST_SUITE_P(Values, WrongType,
                                          "18446744073709551615", R"([1,"a",null,[[]]])",
                                          R"({"cid":{"cid":[]}})"));
 
-TEST(ServerSession, EqualsByIdentifier)
-{
-    JSON dictionary = {{"sessionId", "s"}, {"status", "x"}, {"timestamp", "2016-03-01T10:20:30.123Z"}};
-    const auto one = VIRLOSession::initWithDictionary(dictionary);
-    dictionary["status"] = "y";
-    EXPECT_TRUE(one->isEqual(*VIRLOSession::initWithDictionary(dictionary)));
-    EXPECT_THAT(one->description(), testing::StartsWith("<VIRLOSession id=s state=x date=2016-03-01 "));
-}
-
 TEST(Misuse, RaisesItsText)
 {
     const auto raised = [](void (*init)()) -> std::string {

@@ -2,6 +2,7 @@
 #include "CoreTest.h"
 #include "JSONSerialization.h"
 #include "NotificationCenter.h"
+#include "RowName.h"
 #include "VIRLOReachability.h"
 
 #include <mutex>
@@ -93,7 +94,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"ArrayOfARefusal", {403, "[1]"}, {}, Error{httpDomain, 403, unexpected}},
         Row{"BelowSuccess", {199, "{}"}, {}, Error{httpDomain, 199, JSON::object()}},
         Row{"NoResponse", noResponse(), {}, Error{unexpectedDomain, 0, unexpected}}),
-    rowName());
+    rowName);
 
 TEST_F(Request, HasTheCommonHeadersAndTheSessions)
 {

@@ -61,15 +61,6 @@ protected:
         VIRLOTrackingManager::initWithDirectoryPath(folder.path("a/b"));
 };
 
-TEST_F(Tracking, MarkExistsAfterTheFirstSave)
-{
-    EXPECT_FALSE(manager->isTrackingInitiated());
-    EXPECT_FALSE(manager->lastTrackingItem());
-    manager->initiateTracking();
-    settleAll();
-    EXPECT_TRUE(manager->isTrackingInitiated());
-}
-
 TEST_F(Tracking, SavesTheEntriesOfThisRunAsAKeyedArchive)
 {
     folder.write("a/b/tracking.store", "of the run before");

@@ -2,7 +2,7 @@
 
 #include "RowName.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <clocale>
 #include <cstdlib>
@@ -49,11 +49,6 @@ struct DateRow {
     std::string text;
     std::optional<double> seconds;
 };
-
-std::ostream& operator<<(std::ostream& stream, const DateRow& row)
-{
-    return stream << row.name;
-}
 
 class DateReading : public testing::TestWithParam<DateRow>
 {

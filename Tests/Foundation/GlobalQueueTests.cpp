@@ -4,61 +4,15 @@
 #include "SerialQueue.h"
 #include "WorkerBlock.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <atomic>
-#include <filesystem>
-#include <fstream>
-#include <thread>
 
 namespace virlo::test
 {
 
 namespace
 {
-
-int threadsNamed(const std::string& name)
-{
-    int count = 0;
-    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-        std::ifstream stream(task.path() / "comm");
-        std::string found;
-        std::getline(stream, found);
-        count += found == name ? 1 : 0;
-    }
-    return count;
-}
-
-TEST(GlobalQueue, ThreadsStayBoundedUnderTenThousandTasks)
-{
-    constexpr int tasks = 10'000;
-    std::atomic<int> ran = 0;
-    std::atomic<int> inside = 0;
-    std::atomic<int> most = 0;
-    const auto task = [&] {
-        const int now = ++inside;
-        for (int seen = most; now > seen && !most.compare_exchange_weak(seen, now);) {
-        }
-        if (ran % 100 == 0)
-            std::this_thread::sleep_for(std::chrono::microseconds(200));
-        --inside;
-        ++ran;
-    };
-    int threads = 0;
-    for (int index = 0; index < tasks; ++index) {
-        GlobalQueue* const queues[] = {&GlobalQueue::background(), &GlobalQueue::standard(),
-                                       &GlobalQueue::high()};
-        queues[index % 3]->async(task);
-        if (index % 1000 == 0)
-            threads = std::max(threads, threadsNamed("virlo-worker"));
-    }
-    threads = std::max(threads, threadsNamed("virlo-worker"));
-    EXPECT_TRUE(GlobalQueue::drain(Seconds(60)));
-    EXPECT_EQ(ran, tasks);
-    EXPECT_LE(most, GlobalQueue::maximumThreads);
-    EXPECT_GT(most, 1) << "nothing ran side by side";
-    EXPECT_LE(threads, GlobalQueue::maximumThreads);
-}
 
 TEST(GlobalQueue, BlockedLowerPrioritiesNeverStopHigherOnes)
 {

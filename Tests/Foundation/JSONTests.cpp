@@ -29,11 +29,6 @@ struct HostileRow {
     const char* reason; ///< part of it; null where the text is to be read
 };
 
-std::ostream& operator<<(std::ostream& stream, const HostileRow& row)
-{
-    return stream << row.name;
-}
-
 class HostileJSON : public testing::TestWithParam<HostileRow>
 {
 };
@@ -94,11 +89,6 @@ struct NumberRow {
     double number;
     bool boolean;
 };
-
-std::ostream& operator<<(std::ostream& stream, const NumberRow& row)
-{
-    return stream << row.name;
-}
 
 class NumberReading : public testing::TestWithParam<NumberRow>
 {

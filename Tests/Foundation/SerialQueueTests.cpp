@@ -171,21 +171,6 @@ TEST(SerialQueue, DrainWaitsForTasksThatASyncCallerTookOver)
     EXPECT_TRUE(done);
 }
 
-TEST(SerialQueue, AfterUsesTheSharedClock)
-{
-    TestClock clock;
-    SerialQueue queue("later");
-    std::vector<int> order;
-    queue.after(Seconds(30), [&] { order.push_back(30); });
-    queue.after(Seconds(5), [&] { order.push_back(5); });
-    clock.advance(Seconds(4.999));
-    EXPECT_THAT(order, ElementsAre());
-    clock.advance(Seconds(0.001));
-    EXPECT_THAT(order, ElementsAre(5));
-    clock.advance(Seconds(25));
-    EXPECT_THAT(order, ElementsAre(5, 30));
-}
-
 } // namespace
 
 } // namespace virlo::test

@@ -183,17 +183,6 @@ TEST(TransferFailure, WaitingForAConnectionCountsTowardsTheTimeOut)
     EXPECT_EQ(first.wait().code(), URLSession::cancelled);
 }
 
-TEST(TransferFailure, IdleConnectionThatTheServerClosedIsReplaced)
-{
-    RawServer server([](Connection& connection) {
-        connection.readHead();
-        connection.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"); // keep-alive, and yet it closes
-    });
-    const auto session = makeSession();
-    for (int round = 0; round < 5; ++round)
-        EXPECT_EQ(get(*session, server.url("/")).data, "ok");
-}
-
 TEST(TransferFailure, LookUpThatHangsHoldsUpNobodyElse)
 {
     RawServer server([](Connection& connection) {

@@ -16,15 +16,6 @@ protected:
     const std::string file = "/campaigns/image.jpg";
 
     [[nodiscard]] httplib::Result ask(const std::string& path) { return makeClient().Get(path); }
-
-    /// Status and bytes of the only entry in the log.
-    [[nodiscard]] std::pair<int, std::uint64_t> logged() const
-    {
-        const auto requests = server.requests();
-        EXPECT_EQ(requests.size(), 1U);
-        return requests.empty() ? std::pair<int, std::uint64_t>()
-                                : std::pair(requests[0].status, requests[0].bytes);
-    }
 };
 
 double secondsOf(const std::function<void()>& work)
@@ -51,56 +42,6 @@ TEST_F(Faults, ResponsesThatNeverComeHoldUpNobodyElseAndEndWithTheStop)
         EXPECT_FALSE(client.get());
     server.start();
     EXPECT_TRUE(server.requests().empty());
-}
-
-TEST_F(Faults, ACannedResponseReplacesTheRightOneAndChangesNothing)
-{
-    openSession();
-    const auto item = advertisement()["ads"][0];
-    server.setFault({.path = "/ad/click/*", .method = "POST", .status = 503, .body = "<html>", .times = 1});
-    EXPECT_TRUE(post(path(item["clickTracker"]), "{}", 503).is_discarded());
-    advance(6s);
-    EXPECT_EQ(get(path(item["pollingUrl"]))["status"], false);
-    post(path(item["clickTracker"]), "{}", 204);
-
-    server.setFault(
-        {.path = "/moved", .status = 302, .headers = {{"Location", "/here"}, {"Content-Type", "text/x"}}});
-    EXPECT_EQ(ask("/moved")->get_header_value("Location"), "/here");
-}
-
-TEST_F(Faults, ADroppedConnectionHasNoHead)
-{
-    server.setFault({.path = file, .drop = true, .times = 1});
-    EXPECT_FALSE(ask(file));
-    EXPECT_EQ(logged(), std::pair(0, std::uint64_t{0}));
-    EXPECT_TRUE(ask(file));
-}
-
-TEST_F(Faults, ACutBodyIsShorterThanItsHeadSays)
-{
-    server.setFault({.path = file, .cutBodyAfter = 4});
-    std::string received;
-    auto client = makeClient();
-    EXPECT_FALSE(client.Get(
-        file, [&](const httplib::Response& head) { return head.get_header_value("Content-Length") == "10"; },
-        [&](const char* data, size_t size) {
-            received.append(data, size);
-            return true;
-        }));
-    EXPECT_EQ(received, "0123");
-    EXPECT_EQ(logged().first, 200);
-}
-
-TEST_F(Faults, SlowBytesTakeTheirTime)
-{
-    server.setFault({.path = file, .body = std::string(300, 'x'), .bytesPerSecond = 1000});
-    std::string body;
-    EXPECT_GE(secondsOf([&] { body = ask(file)->body; }), 0.3);
-    EXPECT_EQ(body.size(), 300U);
-    server.setFault({.path = file, .bytesPerSecond = 1});
-    auto waiting = std::async(std::launch::async, [this] { return ask(file); });
-    EXPECT_EQ(waiting.wait_for(200ms), std::future_status::timeout);
-    EXPECT_LT(secondsOf([this] { server.stop(); }), 4.0);
 }
 
 TEST_F(Faults, ABodyStallsAtItsByteAndGoesOn)

@@ -24,13 +24,8 @@ public:
         std::unique_lock lock(owner.m_mutex);
         auto& faults = owner.m_faults[index(operation)];
         ++owner.m_active;
-        ++faults.calls;
         owner.m_changed.wait(lock, [&faults] { return !faults.held; });
-        if (faults.remaining != 0) {
-            if (faults.remaining > 0)
-                --faults.remaining;
-            m_code = faults.code;
-        }
+        m_code = faults.code;
     }
 
     ~Call()
@@ -63,23 +58,16 @@ FaultyFileSystem::~FaultyFileSystem()
     m_changed.wait(lock, [this] { return m_active == 0; });
 }
 
-void FaultyFileSystem::fail(Operation operation, int code, int times)
+void FaultyFileSystem::fail(Operation operation, int code)
 {
     const std::lock_guard lock(m_mutex);
     m_faults[index(operation)].code = code;
-    m_faults[index(operation)].remaining = times;
 }
 
 void FaultyFileSystem::setReadOnly()
 {
     fail(Operation::CreateDirectories, EROFS);
     fail(Operation::Write, EROFS);
-}
-
-void FaultyFileSystem::setFull()
-{
-    fail(Operation::CreateDirectories, ENOSPC);
-    fail(Operation::Write, ENOSPC);
 }
 
 void FaultyFileSystem::hold(Operation operation)
@@ -100,14 +88,8 @@ void FaultyFileSystem::heal()
 {
     const std::lock_guard lock(m_mutex);
     for (auto& faults : m_faults)
-        faults = {.calls = faults.calls};
+        faults = {};
     m_changed.notify_all();
-}
-
-int FaultyFileSystem::calls(Operation operation) const
-{
-    const std::lock_guard lock(m_mutex);
-    return m_faults[index(operation)].calls;
 }
 
 bool FaultyFileSystem::exists(const std::string& path) const

@@ -21,21 +21,16 @@ public:
     FaultyFileSystem(const FaultyFileSystem&) = delete;
     FaultyFileSystem& operator=(const FaultyFileSystem&) = delete;
 
-    /// The next `times` calls of `operation` fail with `code` (an errno value) before they touch the disk; a
-    /// negative count means all. Exists and IsDirectory return false, Read returns nothing.
-    void fail(Operation operation, int code, int times = -1);
+    /// Calls of `operation` fail with `code` (an errno value) before they touch the disk. Exists and
+    /// IsDirectory return false, Read returns nothing.
+    void fail(Operation operation, int code);
     /// Directories and writes fail with EROFS.
     void setReadOnly();
-    /// Directories and writes fail with ENOSPC.
-    void setFull();
     /// Calls of `operation` wait from here on until `release`.
     void hold(Operation operation);
     void release();
     /// No faults any more; held calls continue.
     void heal();
-
-    /// Calls begun so far, failed ones included.
-    [[nodiscard]] int calls(Operation operation) const;
 
     [[nodiscard]] bool exists(const std::string& path) const override;
     [[nodiscard]] bool isDirectory(const std::string& path) const override;
@@ -46,9 +41,7 @@ public:
 private:
     struct Faults {
         int code = 0;
-        int remaining = 0;
         bool held = false;
-        int calls = 0;
     };
     class Call;
 

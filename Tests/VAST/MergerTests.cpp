@@ -136,18 +136,5 @@ TEST(Records, AreEqualByIdentifierOrURL)
     EXPECT_FALSE((*creative.mediaFiles())[1]->isEqual(*(*creative.mediaFiles())[1]));
 }
 
-TEST(Records, DescribeThemselvesOnOneLine)
-{
-    const auto ads =
-        recordsOf(vast(wrapperAd("1", "http://n/", marked("Impression", "http://x/", " id='i'")) +
-                       inlineAd("2", creative("AdID='c' sequence='3'", mediaFile("http://f/")))));
-    EXPECT_EQ(ads[0]->description(), "<VIRLOVASTWrapperAd id=1 URL=http://n/>");
-    EXPECT_EQ(ads[0]->impressions()[0]->description(), "<VIRLOVASTImpression URL=http://x/ id=i>");
-    EXPECT_EQ(ads[1]->description(), "<VIRLOVASTAd id=2>");
-    EXPECT_EQ(ads[1]->creatives()[0]->description(), "<VIRLOVASTCreative id=c sequence=3>");
-    EXPECT_EQ((*ads[1]->creatives()[0]->mediaFiles())[0]->description(),
-              "<VIRLOVASTMediaFile url=http://f/>");
-}
-
 } // namespace
 } // namespace virlo::test
