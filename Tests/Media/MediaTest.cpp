@@ -146,8 +146,7 @@ std::shared_ptr<QueuePlayer> MediaTest::make(const QueuePlayer::Items& items)
     const std::pair<const char*, const char*> names[] = {
         {PlayerItem::didPlayToEndTimeNotification, "ended "},
         {PlayerItem::failedToPlayToEndTimeNotification, "failed "},
-        {PlayerItem::playbackStalledNotification, "stalled "},
-        {PlayerItem::newAccessLogEntryNotification, "log "}};
+        {PlayerItem::playbackStalledNotification, "stalled "}};
     for (const auto& [name, word] : names) {
         m_notifications.push_back(NotificationCenter::defaultCenter().addObserver(
             name, [this, word = std::string(word)](const Notification& notification) {
@@ -174,7 +173,7 @@ std::vector<std::string> MediaTest::ends() const
 {
     std::vector<std::string> result;
     for (const std::string& line : log) {
-        if (!line.starts_with("keepup") && !line.starts_with("log") && !line.starts_with("rate"))
+        if (!line.starts_with("keepup") && !line.starts_with("rate"))
             result.push_back(line);
     }
     return result;

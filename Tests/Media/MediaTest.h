@@ -39,14 +39,13 @@ protected:
     /// Until the queue has run out; false where that takes longer than `limit`.
     [[nodiscard]] bool runsOut(Seconds limit = Seconds(20));
 
-    /// In order: "item N" as current ("none"), "ended N", "failed N", "stalled N", "log N", "rate R", "keepup
-    /// B". N counts from 0; "keepup none" without an item.
+    /// In order: "item N" as current ("none"), "ended N", "failed N", "stalled N", "rate R", "keepup B". N
+    /// counts from 0; "keepup none" without an item.
     std::vector<std::string> log;
-    /// The same without what does not matter to most: "keepup", "log", "rate".
+    /// The same without what does not matter to most: "keepup", "rate".
     [[nodiscard]] std::vector<std::string> ends() const;
 
     std::shared_ptr<QueuePlayer> player;
-    TemporaryFolder folder;
 
 private:
     [[nodiscard]] std::string nameOf(const void* item) const;

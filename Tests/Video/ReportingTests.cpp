@@ -20,25 +20,6 @@ class Videos : public FakeVideoTest
 {
 };
 
-TEST_F(Videos, ReportEachMomentOnceAndTheScreenClosesItselfAtTheEnd)
-{
-    const auto video = made(videoAd({{"a", 8}}));
-    ready("a");
-    EXPECT_EQ(pings(), Pings()) << "nothing before it is shown";
-    show(video);
-    EXPECT_EQ(pings(), (Pings{"a creativeView", "a start", "impression"}));
-    EXPECT_TRUE(engine.at(clip("a")).isPlaying);
-    const std::vector<Pings> due{{}, {"a firstQuartile"}, {}, {"a midpoint"}, {}, {"a thirdQuartile"}, {}};
-    for (int second = 1; second <= 7; ++second) {
-        playTo("a", second);
-        EXPECT_EQ(pings(), due.at(static_cast<std::size_t>(second) - 1)) << "at " << second;
-    }
-    end("a");
-    EXPECT_EQ(pings(), (Pings{"a complete"})) << "no close without a video";
-    EXPECT_TRUE(isOver());
-    EXPECT_FALSE(engine.at(clip("a")).isLoaded);
-}
-
 struct QuartileRow {
     int duration; ///< in the document
     int first;
@@ -54,6 +35,7 @@ TEST_F(Videos, ReportQuartilesAtWholeSecondsOneATick)
         const std::string name = "d" + std::to_string(row.duration);
         const auto video = made(videoAd({{name, row.duration}}));
         ready(name, 40);
+        EXPECT_EQ(pings(), Pings()) << "nothing before it is shown";
         show(video);
         Pings seen = pings();
         for (int second = 0; second <= row.third; ++second) {
@@ -95,8 +77,10 @@ TEST_F(Videos, FollowEachOtherEachWithItsOwnReports)
     playTo("a", 7);
     EXPECT_EQ(pings(), (Pings{"a firstQuartile", "a midpoint", "a thirdQuartile"}));
     ready("b", 4);
+    video->videoPlayer()->setMuted(true);
     end("a");
-    EXPECT_EQ(pings(), (Pings{"a complete", "b start"}));
+    EXPECT_TRUE(engine.at(clip("b")).isMuted);
+    EXPECT_EQ(pings(), (Pings{"a complete", "a mute", "b start"}));
     for (const auto& [second, event] :
          {std::pair(1, "b firstQuartile"), std::pair(2, "b midpoint"), std::pair(3, "b thirdQuartile")}) {
         playTo("b", second);
@@ -277,9 +261,11 @@ TEST_F(Videos, GiveTheirDownloadSpeedToTheQualityMonitor)
     engine.log(clip("a"), {.numberOfBytesTransferred = 500'000, .observedBitrate = 0});
     pumpMainLoop();
     EXPECT_EQ(monitor->measurementsDownload().size(), before);
+    engine.log(clip("a"), {.numberOfBytesTransferred = 250'000, .observedBitrate = 2'000'000});
     engine.log(clip("a"), {.numberOfBytesTransferred = 500'000, .observedBitrate = 2'000'000});
     pumpMainLoop();
-    ASSERT_EQ(monitor->measurementsDownload().size(), before + 1);
+    ASSERT_EQ(monitor->measurementsDownload().size(), before + 2) << "each has a notification of its own";
+    EXPECT_EQ(monitor->measurementsDownload()[before]->bitsTransmitted(), 2'000'000U);
     EXPECT_EQ(monitor->measurementsDownload().back()->bitsTransmitted(), 4'000'000U);
     EXPECT_DOUBLE_EQ(monitor->measurementsDownload().back()->timeInterval(), 2.0);
 }

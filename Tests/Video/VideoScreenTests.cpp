@@ -40,27 +40,16 @@ protected:
 
 TEST_F(VideoScreens, AreLeftByMenuAtAnyMoment)
 {
-    const auto stalled = PlaybackFacts{.phase = PlaybackFacts::Phase::Ready, .duration = Seconds(8)};
-    const std::vector<std::pair<const char*, std::function<void()>>> moments{
-        {"loading", [] {}},
-        {"playing", [this] { ready("a"); }},
-        {"stalled",
-         [&, this] {
-             ready("a");
-             engine.set(clip("a"), stalled);
-             pumpMainLoop();
-         }},
-        {"paused", [this] {
-             ready("a");
-             click(Qt::Key_MediaPause);
-             static_cast<void>(pings());
-         }}};
-    for (const auto& [name, reach] : moments) {
+    for (const char* const name : {"loading", "stalled"}) {
         SCOPED_TRACE(name);
         engine.set(clip("a"), {});
         const auto video = shownVideo(videoAd({{"a"}}));
         static_cast<void>(pings());
-        reach();
+        if (name == std::string("stalled")) {
+            ready("a");
+            engine.set(clip("a"), {.phase = PlaybackFacts::Phase::Ready, .duration = Seconds(8)});
+            pumpMainLoop();
+        }
         click(Qt::Key_Escape);
         EXPECT_TRUE(isOver());
         EXPECT_EQ(pings(), (Pings{"a close"}));

@@ -83,8 +83,6 @@ protected:
     void end(const std::string& name, PlaybackFacts::Phase phase = PlaybackFacts::Phase::Ended);
     /// Ready and shown, with the pings of the start taken away.
     [[nodiscard]] Video playing(const JSON& ad, const std::string& name, int seconds = 8);
-
-    Seconds m_time{0};
 };
 
 } // namespace virlo::test
