@@ -16,7 +16,6 @@
 
 #include <QPainter>
 
-#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -233,17 +232,6 @@ TEST_F(Countdown, StepsTheRingBackByASecondsShare)
     EXPECT_EQ(button.layer().progress(), 1);
     animations.advance(Seconds(0.2));
     EXPECT_EQ(button.layer().presentedProgress(), 1);
-}
-
-TEST_F(Countdown, SelectAmongThePressesFiresTheAction)
-{
-    int fired = 0;
-    button.setPrimaryAction([&] { ++fired; });
-    button.pressesEnded({});
-    button.pressesEnded({{PressType::PlayPause}, {PressType::Menu}});
-    EXPECT_EQ(fired, 0);
-    button.pressesEnded({{PressType::PlayPause}, {PressType::Select}});
-    EXPECT_EQ(fired, 1);
 }
 
 TEST_F(Countdown, ProgressRingRestsOneValueBehind)

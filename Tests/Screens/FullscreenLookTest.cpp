@@ -12,7 +12,6 @@
 #include "VIRLOTimerButton.h"
 
 #include <cmath>
-#include <numbers>
 
 namespace virlo::test
 {
@@ -238,22 +237,6 @@ INSTANTIATE_TEST_SUITE_P(All, ActionButtonIcon,
                                          Kind{"Unknown", "CLICK_TO_DANCE", nullptr}),
                          [](const auto& row) { return row.param.name; });
 
-TEST_F(FullscreenLook, FitsWindowsOfOtherSizesAndShapes)
-{
-    const auto screen = readyOver(QColor(0, 120, 90), ad());
-    present(screen);
-    for (const QSize size : {QSize(1280, 720), QSize(1024, 768), QSize(3840, 2160)}) {
-        window.resize(size);
-        pumpMainLoop();
-        const QImage image =
-            shoot("window-" + std::to_string(size.width()) + "x" + std::to_string(size.height()));
-        ASSERT_EQ(image.size(), size);
-        EXPECT_EQ(image.pixelColor(size.width() / 2, size.height() / 2), QColor(0, 120, 90));
-        const bool barred = size.width() * 9 < size.height() * 16;
-        EXPECT_EQ(image.pixelColor(size.width() / 2, 5), barred ? QColor(Qt::black) : QColor(0, 120, 90));
-    }
-}
-
 TEST_F(FullscreenLook, ShowsAWheelUntilALateImageComes)
 {
     const JSON one = ad();
@@ -275,18 +258,6 @@ TEST_F(FullscreenLook, ShowsAWheelUntilALateImageComes)
     // A late image is not sampled: the close button keeps its appearance on a light one.
     EXPECT_TRUE(shows(closeButton(screen), "fullscreen_close.png"));
     EXPECT_EQ(shoot("image-late").pixelColor(960, 300), QColor(Qt::white));
-}
-
-TEST_F(FullscreenLook, AnImageThatNeverComesLeavesTheWheel)
-{
-    server().setFault({.path = "/images/*", .status = 200, .body = "no image"});
-    const auto screen = ready(ad());
-    present(screen);
-    ASSERT_TRUE(awaitRequests("/images/" + identifier(), 2));
-    settleAll();
-    EXPECT_TRUE(isSpinning(screen));
-    click(Qt::Key_Escape);
-    EXPECT_TRUE(window.left().hasActiveFocus());
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 #include "ScreenTest.h"
 
-#include "Application.h"
 #include "LogCapture.h"
 #include "MainLoop.h"
+#include "Opener.h"
 #include "Settle.h"
 #include "VIRLOAdFrameworkLogger.h"
 #include "VIRLOAdPresenter.h"
@@ -12,7 +12,6 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <mutex>
 
 namespace virlo::test
 {
@@ -22,38 +21,6 @@ namespace
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-/// Records what it is asked to open, and refuses `refused`.
-class Opener : public URLOpener
-{
-public:
-    Opener() { Application::setURLOpener(this); }
-
-    ~Opener() override
-    {
-        settleAll();
-        Application::setURLOpener(nullptr);
-    }
-
-    bool open(const URL& url) override
-    {
-        const std::lock_guard lock(m_mutex);
-        m_opened.push_back(url.path());
-        return url.absoluteString() != refused;
-    }
-
-    [[nodiscard]] std::vector<std::string> opened() const
-    {
-        const std::lock_guard lock(m_mutex);
-        return m_opened;
-    }
-
-    std::string refused;
-
-private:
-    mutable std::mutex m_mutex;
-    std::vector<std::string> m_opened;
-};
 
 class Opening : public ScreenTest
 {

@@ -151,6 +151,7 @@ TEST_F(Presenter, AnAdInsideAnotherLeavesMenuToThatOne)
     EXPECT_FALSE(inner->menuButtonRecognizer());
     click(Qt::Key_Escape);
     EXPECT_TRUE(window.left().hasActiveFocus());
+    EXPECT_FALSE(outer->menuButtonRecognizer());
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "ScreenTest.h"
 
-#include "Application.h"
+#include "Opener.h"
 #include "Settle.h"
 #include "VIRLOAdController.h"
 #include "VIRLOAdItem.h"
@@ -27,26 +27,6 @@ public:
     std::atomic<int> amount{0};
 };
 
-class Store : public URLOpener
-{
-public:
-    Store() { Application::setURLOpener(this); }
-
-    ~Store() override
-    {
-        settleAll();
-        Application::setURLOpener(nullptr);
-    }
-
-    bool open(const URL&) override
-    {
-        ++opened;
-        return true;
-    }
-
-    std::atomic<int> opened{0};
-};
-
 using Scenario = ScreenTest;
 
 TEST_F(Scenario, RunsFromTheStartToTheRewardWithEveryRequestReported)
@@ -64,7 +44,7 @@ TEST_F(Scenario, RunsFromTheStartToTheRewardWithEveryRequestReported)
                          {"rewards", {{identifier(), {{"secondsAfterClick", 0}}}}}}
                         .dump());
     serve("/images/scenario", imageFile(Qt::darkGreen));
-    const Store store;
+    const Opener store;
     const auto wallet = std::make_shared<Wallet>();
     const auto controller = VIRLOAdController::controllerWithCollaborators(
         api, VIRLOAdController::sharedAdController()->trackingManager(), VIRLOAppRequestStore::sharedStore());
@@ -86,7 +66,7 @@ TEST_F(Scenario, RunsFromTheStartToTheRewardWithEveryRequestReported)
         settle([&] { return !window.left().hasActiveFocus() && closeButton(screen).timerIsRunning(); }));
     EXPECT_TRUE(settle([&] { return screen->adItem()->impressionMarked(); }));
     click(Qt::Key_Return);
-    EXPECT_TRUE(settle([&] { return store.opened == 1 && dismissed; }));
+    EXPECT_TRUE(settle([&] { return store.opened().size() == 1 && dismissed; }));
     // Other tests' clicks, which the server never rewards, stay in the store.
     const auto isOwed = [poll = url("/ad/poll/")] {
         const auto items = VIRLOAppRequestStore::sharedStore()->items();

@@ -1,8 +1,8 @@
 #include "ScreenTest.h"
 
-#include "Application.h"
 #include "Footprint.h"
 #include "LogCapture.h"
+#include "Opener.h"
 #include "Settle.h"
 #include "VIRLOAdPresenter.h"
 #include "VIRLOTimerButton.h"
@@ -57,20 +57,6 @@ std::vector<Trouble> troubles()
             {"store", fault("/store/*", 500), Qt::Key_Return}};
 }
 
-class EverythingOpens : public URLOpener
-{
-public:
-    EverythingOpens() { Application::setURLOpener(this); }
-
-    ~EverythingOpens() override
-    {
-        settleAll();
-        Application::setURLOpener(nullptr);
-    }
-
-    bool open(const URL&) override { return true; }
-};
-
 class Soak : public ScreenTest
 {
 protected:
@@ -113,7 +99,7 @@ protected:
         return kinds;
     }
 
-    const EverythingOpens opener;
+    const Opener opener;
 
 private:
     std::vector<std::pair<const char*, std::weak_ptr<VIRLOAdFullscreenViewController>>> m_shown;

@@ -28,23 +28,6 @@ TEST(RoundedCorners, ShowTheMiddleOfAWideImageInItsOwnPixels)
         EXPECT_EQ(thumbnail.pixelColor(at), wide.pixelColor(at.x() + 75, at.y()));
 }
 
-TEST(RoundedCorners, CutRoundCornersSmoothly)
-{
-    QImage tall(100, 400, QImage::Format_RGB32);
-    tall.fill(Qt::green);
-    const QImage thumbnail = VIRLO_thumbnailWithRoundedCorners(*Image::fromQImage(tall))->qImage();
-    const auto alpha = [&](int x, int y) { return qAlpha(thumbnail.pixel(x, y)); };
-    EXPECT_EQ(alpha(0, 0), 0);
-    EXPECT_EQ(alpha(7, 7), 0);
-    EXPECT_EQ(alpha(10, 10), 255);
-    EXPECT_EQ(alpha(149, 149), 0);
-    EXPECT_EQ(alpha(30, 0), 255);
-    int between = 0;
-    for (int x = 0; x < 30; ++x)
-        between += alpha(x, 3) > 0 && alpha(x, 3) < 255 ? 1 : 0;
-    EXPECT_GE(between, 1);
-}
-
 TEST(RoundedCorners, AreClearOfTheOppositeEdgeOfASmallImage)
 {
     QImage halves(60, 40, QImage::Format_RGB32);

@@ -127,18 +127,6 @@ TEST(QtMainLoop, RunsWhatWasPostedBeforeTheApplication)
     EXPECT_EQ(postedBeforeTheApplication(), (std::vector{0, 1, 2}));
 }
 
-TEST(QtMainLoop, SeesWhatAnotherThreadMakesTrue)
-{
-    std::atomic<bool> done{false};
-    std::thread worker([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        done = true;
-    });
-    EXPECT_TRUE(MainLoop::shared().runUntil([&] { return done.load(); }, Seconds(5)));
-    worker.join();
-    EXPECT_FALSE(MainLoop::shared().runUntil([] { return false; }, Seconds(0.01)));
-}
-
 class Opener : public URLOpener
 {
 public:

@@ -69,29 +69,6 @@ TEST_F(LookTest, AShadowLiesWhereItsOffsetPutsItAndFadesOutwards)
     EXPECT_EQ(darkness(window.image(), 700, 610), 0);
 }
 
-TEST_F(LookTest, RoundCornersAreSmoothAlsoUnderScale)
-{
-    const auto view = add<View>({500, 400, 400, 200});
-    view->setBackgroundColor(Qt::black);
-    view->setCornerRadius(30);
-    for (const double scale : {1.0, 1.05}) {
-        view->setTransform(AffineTransform::scale(scale, scale));
-        const QImage image = window.image();
-        const int left = static_cast<int>(700 - 200 * scale);
-        const int top = static_cast<int>(500 - 100 * scale);
-        EXPECT_EQ(darkness(image, left + 1, top + 1), 0) << "cut away";
-        EXPECT_EQ(darkness(image, left + 40, top + 40), 255);
-        int between = 0;
-        for (int y = top; y < top + 30; ++y) {
-            for (int x = left; x < left + 30; ++x)
-                between += darkness(image, x, y) > 20 && darkness(image, x, y) < 235 ? 1 : 0;
-        }
-        EXPECT_GT(between, 15) << "no stairs, at " << scale;
-        for (int x = left + 40; x < left + 300; ++x)
-            ASSERT_EQ(darkness(image, x, top + 60), 255) << "no seams, at " << x;
-    }
-}
-
 std::shared_ptr<const Image> striped()
 {
     QImage image(300, 200, QImage::Format_RGB32);

@@ -3,7 +3,6 @@
 #include "LogCapture.h"
 #include "Settle.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QPointer>
@@ -11,7 +10,6 @@
 #include <QQmlEngine>
 #include <QTest>
 
-#include <cstdlib>
 #include <thread>
 
 namespace virlo::test
@@ -128,21 +126,6 @@ TEST_F(PresentationTest, TakesTheFocusAgainFromAHostThatMovesItAndHandsItBackThe
     EXPECT_FALSE(window->right().hasActiveFocus());
     presentation->dismiss();
     EXPECT_TRUE(window->right().hasActiveFocus());
-}
-
-TEST_F(PresentationTest, EndsWithItsWindow)
-{
-    const auto presentation = present(window.get(), screen);
-    ASSERT_TRUE(settle([&] { return presented == 1; }));
-    window->close();
-    pumpMainLoop();
-    window.reset();
-    EXPECT_TRUE(settle([&] { return !ends.empty(); }));
-    EXPECT_EQ(ends, (std::vector{End::WindowGone}));
-    EXPECT_EQ(screen->life.back(), "did disappear");
-    presentation->dismiss();
-    pumpMainLoop();
-    EXPECT_EQ(ends.size(), 1U);
 }
 
 TEST_F(PresentationTest, RefusesWhatCannotStand)

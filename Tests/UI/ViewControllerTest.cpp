@@ -66,23 +66,6 @@ TEST(View, HoldsASharedSubviewUntilItLeaves)
     EXPECT_TRUE(watch.expired());
 }
 
-TEST(View, FillsTheViewItIsPinnedTo)
-{
-    View view;
-    View inner;
-    view.setFrame({5, 5, 100, 50});
-    view.addSubview(inner);
-    view.pinToEdges(inner);
-    EXPECT_EQ(inner.frame(), QRectF(0, 0, 100, 50));
-    view.setFrame({5, 5, 300, 200});
-    EXPECT_EQ(inner.frame(), QRectF(0, 0, 300, 200));
-    View other;
-    other.setFrame({0, 0, 10, 10});
-    other.addSubview(inner);
-    other.pinToEdges(inner);
-    EXPECT_EQ(inner.frame(), QRectF(0, 0, 10, 10));
-}
-
 class ViewControllerTest : public testing::Test
 {
 protected:
