@@ -78,6 +78,7 @@ TEST_F(Videos, FollowEachOtherEachWithItsOwnReports)
     EXPECT_EQ(pings(), (Pings{"a firstQuartile", "a midpoint", "a thirdQuartile"}));
     ready("b", 4);
     video->videoPlayer()->setMuted(true);
+    pumpMainLoop();
     end("a");
     EXPECT_TRUE(engine.at(clip("b")).isMuted);
     EXPECT_EQ(pings(), (Pings{"a complete", "a mute", "b start"}));
