@@ -89,8 +89,8 @@ public:
 
     /// The most wrappers of a VAST tag that are followed one after another; the industry recommends 5. 0, the
     /// default, is no limit: a tag that leads back to itself is then requested ever more slowly, up to once a
-    /// minute, and the completion is not called. For a tag that exceeds the limit it gets an error (code 302).
-    /// Applies to the whole process and to later requests.
+    /// minute, and the completion is not called. For a tag that exceeds the limit it gets an error (code
+    /// 302). Applies to the whole process and to later requests.
     void setVASTWrapperLimit(std::size_t limit);
 
     /// Sends the server the host's own identifier of the user who earns the rewards. The completion is

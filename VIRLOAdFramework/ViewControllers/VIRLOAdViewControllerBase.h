@@ -73,9 +73,9 @@ protected:
     /// then. The base has none.
     [[nodiscard]] virtual bool closeOverlay();
 
-    /// If the item has a video: preloads it as a child that fills the screen, removes it once it has ended, and
-    /// then updates the focus. `show` inserts its view into this one, on the main thread. A video whose document
-    /// cannot be read is left out. The group is left when that is done.
+    /// If the item has a video: preloads it as a child that fills the screen, removes it once it has ended,
+    /// and then updates the focus. `show` inserts its view into this one, on the main thread. A video whose
+    /// document cannot be read is left out. The group is left when that is done.
     void preloadVideo(virlo::DispatchGroup group, const std::shared_ptr<VIRLOAdItem>& item,
                       std::function<void(VIRLOAdVideoViewController& video)> show);
     /// The first child if it is a video, else null.

@@ -38,7 +38,8 @@ std::shared_ptr<void> QueuePlayer::addObserverForKeyPath(const std::string& keyP
     return added;
 }
 
-std::shared_ptr<void> QueuePlayer::addPeriodicTimeObserver(Seconds interval, std::shared_ptr<SerialQueue> queue, TimeObserver block)
+std::shared_ptr<void>
+QueuePlayer::addPeriodicTimeObserver(Seconds interval, std::shared_ptr<SerialQueue> queue, TimeObserver block)
 {
     std::shared_ptr<void> token;
     {

@@ -5,8 +5,8 @@
 namespace virlo
 {
 
-/// A task that uses Qt's classes on a thread other than the main one. When the process exits, the shutdown waits
-/// for running tasks before Qt's static objects are destroyed, and none begins after. Not to be nested.
+/// A task that uses Qt's classes on a thread other than the main one. When the process exits, the shutdown
+/// waits for running tasks before Qt's static objects are destroyed, and none begins after. Not to be nested.
 class QtWork
 {
 public:

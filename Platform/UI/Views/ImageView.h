@@ -10,8 +10,8 @@ namespace virlo
 class Image;
 
 /// Shows an Image. The texture is made when a frame needs it and destroyed with the image or the view; on the
-/// software backend it shares the Image's memory. `cornerRadius` rounds an image that fills the view, as it does
-/// the background. An empty view draws only its background.
+/// software backend it shares the Image's memory. `cornerRadius` rounds an image that fills the view, as it
+/// does the background. An empty view draws only its background.
 class ImageView : public virlo::View
 {
     Q_OBJECT

@@ -10,8 +10,8 @@ namespace virlo
 
 Label::Label(QQuickItem* superview) : View(superview), m_text(new QQuickText(this))
 {
-    // Always explicit, and first of all: without an alignment of its own, an empty text asks the input method for
-    // its direction, which crashes on a Wayland display without a seat.
+    // Always explicit, and first of all: without an alignment of its own, an empty text asks the input method
+    // for its direction, which crashes on a Wayland display without a seat.
     alignByScript();
     m_text->setTextFormat(QQuickText::PlainText);
     m_text->setElideMode(QQuickText::ElideRight);

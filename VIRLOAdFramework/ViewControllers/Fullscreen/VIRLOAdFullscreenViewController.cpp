@@ -79,9 +79,8 @@ void VIRLOAdFullscreenViewController::preloadAdElementsWithCompletion(Completion
     });
     // Holds the screen, which owns the image downloader.
     const auto self = std::static_pointer_cast<VIRLOAdFullscreenViewController>(shared_from_this());
-    group.notify(GlobalQueue::high(), [self, completion = std::move(completion)] {
-        completion(self->sceneError());
-    });
+    group.notify(GlobalQueue::high(),
+                 [self, completion = std::move(completion)] { completion(self->sceneError()); });
 }
 
 void VIRLOAdFullscreenViewController::preloadView(DispatchGroup group)
