@@ -58,14 +58,15 @@ std::shared_ptr<virlo::URLSessionTask> InspectSession::dataTask(virlo::URLReques
         return std::make_shared<NoTask>();
     }
     Completion recording = [self = std::static_pointer_cast<InspectSession>(shared_from_this()),
-                            url = request.url, start = Clock::now(), completion = std::move(completion)](
-                               std::string data, const auto& response, const virlo::OptionalError& error) {
+                            url = request.url, start = Clock::now(),
+                            completion = std::move(completion)](const std::string& data, const auto& response,
+                                                                const virlo::OptionalError& error) {
         const std::chrono::duration<double, std::milli> duration = Clock::now() - start;
         {
             const std::lock_guard lock(self->m_mutex);
             self->m_documents.push_back({url, self->m_keepsTexts ? data : "", duration.count()});
         }
-        completion(std::move(data), response, error);
+        completion(data, response, error);
     };
     if (!m_file.empty() && request.url == m_source)
         return std::make_shared<FileTask>(m_file, std::move(request), std::move(recording));

@@ -41,7 +41,9 @@ bool append(HeaderLines& lines, const Headers& headers, const Headers& overridin
         if (contains(overriding, name.c_str()))
             continue;
         // An empty value takes a semicolon; with the colon libcurl would leave the header out.
-        std::string line = name + (value.empty() ? ";" : ": ") + value;
+        std::string line = name;
+        line += value.empty() ? ";" : ": ";
+        line += value;
         // A line end inside a value would begin another header.
         std::replace_if(
             line.begin(), line.end(),

@@ -23,7 +23,7 @@ constexpr std::size_t maximumOther = std::size_t{1} << 20;    ///< gathered of a
 constexpr std::size_t maximumHeadSize = std::size_t{1} << 20;
 constexpr long maximumRedirects = 20;
 /// A server that sends a byte now and then never times out; a gathered body is not waited for without end.
-constexpr long longestGathering = 60 * 60;
+constexpr long longestGathering = 3600; ///< seconds
 
 curl_socket_t openSocket(void*, curlsocktype, curl_sockaddr* address)
 {
