@@ -98,15 +98,18 @@ void RoundedImageNode::drawCorners(QQuickWindow& window)
         Corner& one = m_corners[i];
         const std::unique_ptr<QSGTexture> before = std::move(one.texture);
         one.texture.reset(window.createTextureFromImage(image, QQuickWindow::TextureHasAlphaChannel));
-        if (one.node == nullptr) {
+        const bool isNew = one.node == nullptr;
+        if (isNew) {
             one.node = window.createImageNode();
             one.node->setOwnsTexture(false);
             one.node->setFiltering(QSGTexture::Linear);
-            appendChildNode(one.node);
         }
         one.node->setTexture(one.texture.get());
         one.node->setRect(place);
         one.node->setSourceRect(QRectF(QPointF(), image.size()));
+        // Last: the software renderer reads the texture of a node that joins a scene.
+        if (isNew)
+            appendChildNode(one.node);
     }
 }
 
