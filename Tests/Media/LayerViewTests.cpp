@@ -54,9 +54,9 @@ class Colours : public LayerView, public testing::WithParamInterface<ColourRow>
 {
 };
 
-void expectColour(const QImage& picture, QPoint at, QColor wanted)
+void expectColour(const QImage& image, QPoint at, QColor wanted)
 {
-    const QColor seen = picture.pixelColor(at);
+    const QColor seen = image.pixelColor(at);
     const auto isNear = [](int a, int b) { return std::abs(a - b) <= 6; };
     EXPECT_TRUE(isNear(seen.red(), wanted.red()) && isNear(seen.green(), wanted.green()) &&
                 isNear(seen.blue(), wanted.blue()))
@@ -67,13 +67,13 @@ void expectColour(const QImage& picture, QPoint at, QColor wanted)
 TEST_P(Colours, OfTheBarsAreRight)
 {
     show(served(GetParam().clip));
-    const QImage picture = window.image();
+    const QImage image = window.image();
     // Each bar is a seventh wide; the upper two thirds carry them.
     const std::array<QColor, 7> bars{QColor(191, 191, 191), QColor(191, 191, 0), QColor(0, 191, 191),
                                      QColor(0, 191, 0),     QColor(191, 0, 191), QColor(191, 0, 0),
                                      QColor(0, 0, 191)};
     for (std::size_t bar = 0; bar < bars.size(); ++bar)
-        expectColour(picture, QPoint(static_cast<int>(640 * (bar + 0.5) / 7), 100), bars[bar]);
+        expectColour(image, QPoint(static_cast<int>(640 * (bar + 0.5) / 7), 100), bars[bar]);
 }
 
 INSTANTIATE_TEST_SUITE_P(, Colours,
@@ -93,25 +93,25 @@ INSTANTIATE_TEST_SUITE_P(, Colours,
                                                     .colorimetry = "bt601"}}),
                          rowName);
 
-TEST_F(LayerView, FitsThePictureBetweenBarsOfTheBackground)
+TEST_F(LayerView, FitsTheFrameBetweenBarsOfTheBackground)
 {
     show(served({.width = 320, .height = 320, .pattern = "red", .sound = false}));
     EXPECT_EQ(view->videoRect(), QRectF(140, 0, 360, 360));
-    QImage picture = window.image();
-    expectColour(picture, {320, 180}, Qt::red);
-    expectColour(picture, {145, 5}, Qt::red);
-    expectColour(picture, {130, 180}, Qt::darkBlue);
-    expectColour(picture, {510, 180}, Qt::darkBlue);
+    QImage image = window.image();
+    expectColour(image, {320, 180}, Qt::red);
+    expectColour(image, {145, 5}, Qt::red);
+    expectColour(image, {130, 180}, Qt::darkBlue);
+    expectColour(image, {510, 180}, Qt::darkBlue);
     view->setFrame(QRectF(0, 0, 200, 360));
-    picture = window.image();
+    image = window.image();
     EXPECT_EQ(view->videoRect(), QRectF(0, 80, 200, 200));
-    expectColour(picture, {100, 90}, Qt::red);
-    expectColour(picture, {100, 70}, Qt::darkBlue);
+    expectColour(image, {100, 90}, Qt::red);
+    expectColour(image, {100, 70}, Qt::darkBlue);
     view->setPlayer(nullptr);
     expectColour(window.image(), {100, 180}, Qt::darkBlue);
 }
 
-TEST_F(LayerView, KeepsAPictureUntilTheNextItemHasOne)
+TEST_F(LayerView, KeepsAFrameUntilTheNextItemHasOne)
 {
     make({served({.seconds = 0.4, .pattern = "red", .sound = false}),
           served({.seconds = 0.4, .pattern = "blue", .sound = false})});
@@ -131,7 +131,7 @@ TEST_F(LayerView, KeepsAPictureUntilTheNextItemHasOne)
     EXPECT_GT(window.grabWindow().pixelColor(320, 180).blue(), 200);
 }
 
-TEST_F(LayerView, ShowsEveryPictureOfAClip)
+TEST_F(LayerView, ShowsEveryFrameOfAClip)
 {
     const auto item =
         served({.seconds = 3, .width = 640, .height = 360, .pattern = "ball", .kilobitsPerSecond = 3000});
