@@ -55,10 +55,22 @@ QByteArray thumbnailOf(const QImage& image)
 
 void benchImages(Results& results)
 {
+    takeFreshMemory();
     const auto store = VIRLOAppGridFeaturedImageStore::sharedStore();
     const std::string bytes = adImage(1);
     const auto kept = item("kept");
     store->setImageForItem(bytes, *kept);
+
+    int number = 0;
+    const Pair stored = alternate(
+        rounds,
+        [&] {
+            const auto fresh = item("stored-" + std::to_string(++number));
+            return timed([&] { store->setImageForItem(bytes, *fresh); });
+        },
+        [&] { return timed([&] { (void)thumbnailOf(decoded(bytes)); }); });
+    results.addRatio("image and thumbnail stored, against decode + scale + PNG encode", stored.ours * 1e3,
+                     stored.bare * 1e3, "ms", 1.0, true);
 
     const Pair hit = alternate(
         rounds,
@@ -71,15 +83,4 @@ void benchImages(Results& results)
         [&] { return timed([&] { (void)decoded(bytes); }); });
     results.addRatio("memory-cache hit, 1920x1080 JPEG, against the bare decode", hit.ours * 1e3,
                      hit.bare * 1e3, "ms", 1.05, true);
-
-    int number = 0;
-    const Pair stored = alternate(
-        rounds,
-        [&] {
-            const auto fresh = item("stored-" + std::to_string(++number));
-            return timed([&] { store->setImageForItem(bytes, *fresh); });
-        },
-        [&] { return timed([&] { (void)thumbnailOf(decoded(bytes)); }); });
-    results.addRatio("image and thumbnail stored, against decode + scale + PNG encode", stored.ours * 1e3,
-                     stored.bare * 1e3, "ms", 1.0, true);
 }

@@ -99,6 +99,7 @@ double presentedToFirstFrame(QQuickWindow& window, const Ready& ready)
 
 void benchScreen(Results& results)
 {
+    takeFreshMemory();
     const auto api = VIRLOAdServerAPI::initWithBaseURL(*virlo::URL::fromString("https://localhost:1"));
     const auto store = VIRLOAdFullscreenImageStore::sharedStore();
     store->setImageForItem(adImage(1), *advertisement()->items().front());

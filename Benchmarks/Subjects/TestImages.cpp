@@ -7,6 +7,8 @@
 #include <QPainterPath>
 #include <QRandomGenerator>
 
+#include <malloc.h>
+
 std::string adImage(int number)
 {
     QRandomGenerator random(static_cast<quint32>(number) + 1);
@@ -35,4 +37,10 @@ std::string adImage(int number)
     QBuffer buffer(&bytes);
     image.save(&buffer, "JPEG", 85);
     return bytes.toStdString();
+}
+
+void takeFreshMemory()
+{
+    constexpr int glibcDefault = 128 * 1024; // setting it ends its growing with each block that is freed
+    mallopt(M_MMAP_THRESHOLD, glibcDefault);
 }
