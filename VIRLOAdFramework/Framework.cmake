@@ -55,6 +55,7 @@ set(VIRLO_PUBLIC_HEADERS
   ../Platform/Foundation/Base/JSON.h
   ../Platform/Foundation/Network/NetworkFlags.h
   ../Platform/Foundation/Concurrency/NotificationCenter.h
+  ../Platform/Foundation/Device/Preferences.h
   ../Platform/Foundation/Concurrency/SerialQueue.h
   ../Platform/Foundation/Base/StringFormat.h
   ../Platform/Foundation/Base/SystemLog.h
