@@ -144,6 +144,50 @@ TEST_F(PresentationTest, RefusesWhatCannotStand)
     EXPECT_TRUE(standing->isPresented());
 }
 
+TEST_F(PresentationTest, AScreenAboveAnotherHasEveryKeyUntilItIsDismissed)
+{
+    class Above : public Screen
+    {
+    public:
+        QString typed;
+
+        void textTyped(const QString& text) override { typed += text; }
+    };
+
+    const auto presentation = window->present(screen);
+    screen->mayMove = [](const FocusUpdateContext&) { return false; };
+    const auto above = ViewController::make<Above>();
+    const auto highest = ViewController::make<Screen>();
+    window->press(Qt::Key_Return); // held: the screen below must not fire at its release
+    int fired = 0;
+    screen->button("A")->setPrimaryAction([&] { ++fired; });
+    screen->presentViewController(above);
+    window->release(Qt::Key_Return);
+    EXPECT_EQ(fired, 0);
+    window->click(Qt::Key_Down);
+    EXPECT_EQ(above->focused(), "B") << "whatever the screen below allows";
+    EXPECT_EQ(screen->focused(), "A");
+    window->type("hi");
+    EXPECT_EQ(above->typed, "hi");
+    above->presentViewController(highest);
+    highest->button("A")->setPrimaryAction([&] { above->dismissViewController(); });
+    window->click(Qt::Key_Return);
+    EXPECT_EQ(highest->life.back(), "did disappear");
+    EXPECT_EQ(above->life,
+              (std::vector<std::string>{"will appear", "did appear", "will disappear", "did disappear"}));
+    EXPECT_EQ(screen->life, (std::vector<std::string>{"will appear", "did appear"}));
+    EXPECT_FALSE(highest->presentation());
+    EXPECT_TRUE(screen->button("A")->hasActiveFocus());
+    window->click(Qt::Key_Return);
+    EXPECT_EQ(fired, 1);
+    screen->presentViewController(above); // again, and ended with everything
+    presentation->dismiss();
+    EXPECT_EQ(above->life.back(), "did disappear");
+    expectLog("Cannot present above a screen");
+    screen->presentViewController(above);
+    EXPECT_TRUE(window->left().hasActiveFocus());
+}
+
 TEST_F(PresentationTest, MayBeStartedAndEndedFromAnyThread)
 {
     std::weak_ptr<Screen> watch = screen;

@@ -7,9 +7,14 @@
 #include "LogCapture.h"
 #include "Settle.h"
 #include "TapRecognizer.h"
+#include "TextField.h"
 #include "ViewController.h"
 
 #include <gtest/gtest.h>
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QTest>
 
 namespace virlo::test
 {
@@ -161,6 +166,37 @@ TEST_F(StoryboardTest, ATextFieldUsesTheKeysThatItCanType)
     EXPECT_EQ(typed(), "ab ");
     EXPECT_EQ(menus, 2) << "no text to delete: it is Menu again";
     EXPECT_TRUE(window.right().keys.empty());
+    window.click(Qt::Key_Up);
+    for (int i = 0; i < 4; ++i)
+        window.click(Qt::Key_Backspace);
+    EXPECT_EQ(typed(), "");
+    EXPECT_EQ(menus, 3) << "and so it is in an empty field";
+}
+
+TEST_F(StoryboardTest, ATextFieldHoldsOneLineAndDeletesWholeCharacters)
+{
+    Storyboard::registerScene("Test", "TextEntry", scene("TextEntry.qml"),
+                              [] { return ViewController::make<Panel>(); });
+    HostWindow window;
+    const auto entry = instantiate("TextEntry");
+    window.present(entry);
+    auto& field = *entry->outlet<TextField>("field");
+    field.setText(QStringLiteral("a\r\nb\u2028c") + QChar(0) + QStringLiteral("d"));
+    QGuiApplication::clipboard()->setText(QStringLiteral("x\ny"));
+    QTest::keyClick(&window, Qt::Key_End);
+    QTest::keyClick(&window, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(field.text(), QStringLiteral("abcdxy"));
+    field.setText(QStringLiteral("7👩‍🚀é"));
+    for (const char* const left : {"7👩‍🚀", "7", "", ""}) {
+        field.deleteBackward();
+        EXPECT_EQ(field.text(), QString::fromUtf8(left));
+    }
+    field.insert(QStringLiteral("ad"));
+    field.moveCursor(-1);
+    field.insert(QStringLiteral("bc"));
+    field.moveCursor(9);
+    field.insert(QStringLiteral("e"));
+    EXPECT_EQ(field.text(), QStringLiteral("abcde"));
 }
 
 } // namespace

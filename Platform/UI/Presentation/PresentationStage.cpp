@@ -85,11 +85,7 @@ void PresentationStage::enter()
     if (QQuickItem* grabber = m_window->mouseGrabberItem())
         grabber->ungrabMouse();
 
-    View& view = m_controller.view();
-    view.setParentItem(m_canvas);
-    view.setPosition({0, 0});
-    view.setSize(m_canvas->size());
-    m_presses = std::make_shared<PressDispatcher>(view);
+    push(m_controller);
 
     QQuickItem* const content = m_window->contentItem();
     setParentItem(content);
@@ -108,14 +104,49 @@ void PresentationStage::enter()
     update();
 }
 
+void PresentationStage::push(ViewController& controller)
+{
+    if (!m_layers.empty())
+        m_layers.back().presses->cancelAll();
+    View& view = controller.view();
+    view.setParentItem(m_canvas);
+    view.setPosition({0, 0});
+    view.setSize(m_canvas->size());
+    m_layers.push_back({controller, std::make_shared<PressDispatcher>(view), nullptr});
+}
+
+void PresentationStage::removeHighest()
+{
+    Layer layer = std::move(m_layers.back());
+    m_layers.pop_back();
+    layer.focus.reset();
+    layer.presses->cancelAll();
+    if (layer.controller.isViewLoaded() && layer.controller.view().parentItem() == m_canvas)
+        layer.controller.view().setParentItem(nullptr);
+}
+
+void PresentationStage::pop()
+{
+    if (m_layers.size() < 2)
+        return;
+    removeHighest();
+    const auto& engine = m_layers.back().focus;
+    if (!engine)
+        return;
+    engine->validate();
+    if (View* const focused = engine->focusedView())
+        focused->forceActiveFocus(Qt::OtherFocusReason);
+}
+
 void PresentationStage::startFocus()
 {
-    if (!m_isEntered)
+    if (m_layers.empty() || m_layers.back().focus)
         return;
+    Layer& layer = m_layers.back();
     // A press that is held while the focus moves must not fire the button that lost it.
-    m_focus = std::make_unique<FocusEngine>(m_controller, m_controller.view(),
-                                            [presses = m_presses] { presses->cancelDelivered(); });
-    m_focus->validate();
+    layer.focus = std::make_unique<FocusEngine>(layer.controller, layer.controller.view(),
+                                                [presses = layer.presses] { presses->cancelDelivered(); });
+    layer.focus->validate();
 }
 
 void PresentationStage::leave()
@@ -123,10 +154,8 @@ void PresentationStage::leave()
     if (!std::exchange(m_isEntered, false))
         return;
     disconnect(m_swapped);
-    m_focus.reset();
-    m_presses->cancelAll();
-    if (m_controller.isViewLoaded() && m_controller.view().parentItem() == m_canvas)
-        m_controller.view().setParentItem(nullptr);
+    while (!m_layers.empty())
+        removeHighest();
     if (!m_window)
         return;
     m_window->removeEventFilter(this);
@@ -140,10 +169,15 @@ void PresentationStage::leave()
 
 // Input
 
-bool PresentationStage::isTypingText() const
+bool PresentationStage::isTypingText(const QKeyEvent& event) const
 {
     const QQuickItem* item = m_window ? m_window->activeFocusItem() : nullptr;
-    return item != nullptr && item->flags().testFlag(ItemAcceptsInputMethod) && isAncestorOf(item);
+    if (item == nullptr || !item->flags().testFlag(ItemAcceptsInputMethod) || m_layers.empty() ||
+        !m_layers.back().controller.view().isAncestorOf(item))
+        return false;
+    // With nothing left to delete, Backspace is the remote's Menu: a field must not keep the viewer.
+    return event.key() != Qt::Key_Backspace ||
+           !item->inputMethodQuery(Qt::ImSurroundingText).toString().isEmpty();
 }
 
 bool PresentationStage::eventFilter(QObject*, QEvent* event)
@@ -155,19 +189,22 @@ bool PresentationStage::eventFilter(QObject*, QEvent* event)
         return true;
     case QEvent::KeyPress:
         // Keys that a text field does not use come back through the items, to `keyPressEvent`.
-        if (isTypingText())
+        if (isTypingText(*static_cast<QKeyEvent*>(event)))
             return false;
         keyDown(*static_cast<QKeyEvent*>(event));
         event->accept();
         return true;
     case QEvent::KeyRelease:
-        if (isTypingText())
+        if (isTypingText(*static_cast<QKeyEvent*>(event)))
             return false;
         keyUp(*static_cast<QKeyEvent*>(event));
         event->accept();
         return true;
     case QEvent::FocusOut:
-        m_presses->cancelAll();
+        if (!m_layers.empty()) {
+            const auto presses = m_layers.back().presses;
+            presses->cancelAll();
+        }
         return false;
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonRelease:
@@ -207,28 +244,33 @@ void PresentationStage::keyReleaseEvent(QKeyEvent* event)
 
 void PresentationStage::keyDown(const QKeyEvent& event)
 {
-    const auto type = pressTypeOfKey(event.key(), event.modifiers());
-    if (!type || !m_focus)
+    if (m_layers.empty() || !m_layers.back().focus)
         return;
+    const auto type = pressTypeOfKey(event.key(), event.modifiers());
+    if (!type) {
+        if (const QString text = event.text(); !text.isEmpty() && text.front().isPrint())
+            m_layers.back().controller.textTyped(text);
+        return;
+    }
     if (const FocusHeading heading = headingOf(*type); heading != FocusHeading::None) {
-        m_focus->move(heading);
+        m_layers.back().focus->move(heading);
         return;
     }
     if (event.isAutoRepeat())
         return;
-    m_focus->validate();
-    if (!m_focus)
+    m_layers.back().focus->validate();
+    if (m_layers.empty() || !m_layers.back().focus)
         return;
-    View* first = m_focus->focusedView();
-    const auto presses = m_presses;
-    presses->begin(event.key(), *type, first != nullptr ? *first : m_controller.view());
+    View* first = m_layers.back().focus->focusedView();
+    const auto presses = m_layers.back().presses;
+    presses->begin(event.key(), *type, first != nullptr ? *first : m_layers.back().controller.view());
 }
 
 void PresentationStage::keyUp(const QKeyEvent& event)
 {
-    if (event.isAutoRepeat())
+    if (event.isAutoRepeat() || m_layers.empty())
         return;
-    const auto presses = m_presses;
+    const auto presses = m_layers.back().presses;
     presses->end(event.key());
 }
 

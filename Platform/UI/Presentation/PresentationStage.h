@@ -8,6 +8,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <vector>
 
 class QKeyEvent;
 class QQuickWindow;
@@ -19,8 +20,9 @@ class FocusEngine;
 class ViewController;
 
 /// The item that a presentation puts into a host's window: a black background over everything and the canvas
-/// on it. It takes the window's input. Made by WindowPresentation; after `leave` it is out of the window for
-/// good. Main thread.
+/// on it with the presented controllers' views, the lowest first. It takes the window's input and gives it to
+/// the highest one; each has a focus of its own. Made by WindowPresentation; after `leave` it is out of the
+/// window for good. Main thread.
 class PresentationStage : public QQuickItem
 {
     Q_OBJECT
@@ -35,7 +37,12 @@ public:
     /// Releases the input and returns the focus to the host's item that had it last.
     void leave();
 
-    /// Starts the focus engine, after the view has been told that it appears.
+    /// Puts the controller's view above the others on the canvas.
+    void push(ViewController& controller);
+    /// Takes away the highest one, which is not the first.
+    void pop();
+
+    /// Starts the highest controller's focus engine, after its view has been told that it appears.
     void startFocus();
 
 protected:
@@ -46,9 +53,16 @@ protected:
     QSGNode* updatePaintNode(QSGNode* node, UpdatePaintNodeData* data) override;
 
 private:
-    [[nodiscard]] bool isTypingText() const;
+    struct Layer {
+        ViewController& controller;
+        std::shared_ptr<PressDispatcher> presses;
+        std::unique_ptr<FocusEngine> focus;
+    };
+
+    [[nodiscard]] bool isTypingText(const QKeyEvent& event) const;
     void keyDown(const QKeyEvent& event);
     void keyUp(const QKeyEvent& event);
+    void removeHighest();
     void layOutCanvas();
     void noteActiveFocus();
     void keepFocus();
@@ -60,8 +74,7 @@ private:
     QQuickItem* m_canvas;
     QPointer<QQuickItem> m_hostFocus;
     QPointer<QQuickItem> m_ownFocus; ///< the stage's item that had the window's focus last
-    std::shared_ptr<PressDispatcher> m_presses;
-    std::unique_ptr<FocusEngine> m_focus;
+    std::vector<Layer> m_layers;     ///< lowest first; empty before `enter` and after `leave`
     QMetaObject::Connection m_swapped;
     std::atomic<bool> m_synchronised{false};
     std::atomic<bool> m_reported{false};

@@ -146,9 +146,21 @@ std::shared_ptr<WindowPresentation> ViewController::presentation() const
     return m_parent != nullptr ? m_parent->presentation() : m_presentation.lock();
 }
 
-void ViewController::dismissViewController()
+void ViewController::presentViewController(const std::shared_ptr<ViewController>& controller)
 {
     if (const auto current = presentation())
+        current->push(controller);
+    else
+        systemLog("Cannot present above a screen that is not shown.");
+}
+
+void ViewController::dismissViewController()
+{
+    const ViewController* root = this;
+    while (root->m_parent != nullptr)
+        root = root->m_parent;
+    const auto current = presentation();
+    if (current && !current->pop(*root))
         current->dismiss();
 }
 

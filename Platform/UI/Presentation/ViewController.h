@@ -74,8 +74,17 @@ public:
 
     /// Its presentation over a window, or null: for a child its parent's.
     [[nodiscard]] std::shared_ptr<WindowPresentation> presentation() const;
-    /// Dismisses the presentation that it is in, if any.
+    /// Shows `controller` above everything in this one's presentation, with a focus of its own, until it is
+    /// dismissed or the presentation ends; keys go to it alone. Nothing, with a line in the log, where this
+    /// controller is in no presentation, `controller` is in one, or its scene cannot be loaded.
+    void presentViewController(const std::shared_ptr<ViewController>& controller);
+    /// Dismisses the controller presented above others that this is or belongs to, with those above it; else
+    /// the whole presentation, if any.
     void dismissViewController();
+
+    /// Text of a real keyboard's key that is no button of the remote, while this is the highest presented
+    /// controller and no text field takes it. Nothing unless overridden.
+    virtual void textTyped(const QString&) {}
 
     /// The view.
     [[nodiscard]] View* preferredFocusedView() override;

@@ -85,6 +85,45 @@ void WindowPresentation::start(std::shared_ptr<ViewController> controller, QQuic
         m_stage->startFocus();
 }
 
+void WindowPresentation::push(const std::shared_ptr<ViewController>& controller)
+{
+    const bool free = controller && !controller->presentation() && !controller->parentViewController();
+    if (!m_stage || !free) {
+        systemLog("Cannot present above a screen: one of the two is gone, or is shown already.");
+        return;
+    }
+    controller->loadViewIfNeeded();
+    if (controller->sceneHasFailed())
+        return;
+    const auto self = shared_from_this();
+    m_above.push_back(controller);
+    controller->m_presentation = self;
+    m_stage->push(*controller);
+    controller->beginAppearing();
+    if (m_stage)
+        m_stage->startFocus();
+    controller->endAppearing();
+}
+
+bool WindowPresentation::pop(const ViewController& controller)
+{
+    const auto first = std::find_if(m_above.begin(), m_above.end(),
+                                    [&](const auto& one) { return one.get() == &controller; });
+    if (first == m_above.end())
+        return false;
+    const auto self = shared_from_this();
+    for (auto left = m_above.end() - first; left > 0 && !m_above.empty(); --left) {
+        const auto highest = m_above.back();
+        m_above.pop_back();
+        highest->beginDisappearing();
+        if (m_stage)
+            m_stage->pop();
+        highest->m_presentation.reset();
+        highest->endDisappearing();
+    }
+    return true;
+}
+
 void WindowPresentation::didShowFirstFrame()
 {
     const auto self = shared_from_this();
@@ -108,6 +147,8 @@ void WindowPresentation::end(End reason)
     if (std::exchange(m_ended, true))
         return;
     const auto self = shared_from_this();
+    if (!m_above.empty())
+        pop(*m_above.front());
     const auto controller = std::exchange(m_controller, nullptr);
     std::shared_ptr<PresentationStage> stage = std::move(m_stage);
     if (stage) {

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 class QQuickWindow;
 
@@ -58,15 +59,20 @@ public:
 
 private:
     friend class UIRuntime;
+    friend class ViewController;
 
     explicit WindowPresentation(Handlers handlers);
     void start(std::shared_ptr<ViewController> controller, QQuickWindow* window);
+    void push(const std::shared_ptr<ViewController>& controller);
+    /// Takes away `controller` and all above it; false where it is not above another one.
+    bool pop(const ViewController& controller);
     void end(End reason);
     void didShowFirstFrame();
     static void endAll();
 
     Handlers m_handlers;
     std::shared_ptr<ViewController> m_controller;
+    std::vector<std::shared_ptr<ViewController>> m_above; ///< lowest first
     std::unique_ptr<PresentationStage> m_stage;
     bool m_ended = false;
 };

@@ -4,21 +4,19 @@ import Virlo.UI
 View {
     id: entry
 
-    property View field: holder
+    property TextField field: holder
     property Item input: textInput
     property Button below: next
 
-    View {
+    TextField {
         id: holder
 
-        focusable: true
+        input: textInput
         x: 100
         y: 100
         width: 600
         height: 90
         accessibleName: "Name"
-        onFocusedChanged: if (holder.focused)
-            textInput.forceActiveFocus()
 
         TextInput {
             id: textInput
