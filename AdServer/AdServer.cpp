@@ -8,11 +8,14 @@
 #include "FaultTable.h"
 #include "FileEndpoint.h"
 #include "HTTPListener.h"
+#include "InspectorResponder.h"
+#include "ReplayEndpoint.h"
 #include "RequestLog.h"
 #include "RequestPipeline.h"
 #include "SessionTable.h"
 #include "StorePage.h"
 #include "TransactionTable.h"
+#include "TransactionTrace.h"
 #include "VASTEndpoints.h"
 
 #include <algorithm>
@@ -28,15 +31,20 @@ public:
     State(AdServerOptions given, AdServer& server)
         : options(std::move(given))
         , sessions(options.pingInterval, options.sessionLifetime)
-        , pipeline(faults, log, endpoints(server), scheme(), options.clock)
+        , control(server, sessions, campaigns, faults)
+        , inspector(control, log, options.liveView)
+        , pipeline(faults, log, trace, endpoints(server), scheme(), options.clock)
     {
+        faults.setObserver([this] { log.feed().publish("faults", "{}"); });
     }
 
     /// Asked in this order; the one list that a new endpoint joins.
     [[nodiscard]] RequestPipeline::Endpoints endpoints(AdServer& server)
     {
         RequestPipeline::Endpoints all;
-        all.push_back(std::make_unique<ControlEndpoints>(server, sessions));
+        all.push_back(std::make_unique<ControlEndpoints>(server, sessions, campaigns, faults));
+        if (!options.replayFile.empty())
+            all.push_back(std::make_unique<ReplayEndpoint>(options.replayFile));
         all.push_back(std::make_unique<AdEndpoints>(sessions, transactions, campaigns));
         all.push_back(std::make_unique<VASTEndpoints>(campaigns));
         all.push_back(std::make_unique<FileEndpoint>(campaigns));
@@ -51,12 +59,33 @@ public:
         sessions.expireAll();
         sessions.setPingInterval(options.pingInterval);
         transactions.clear();
+        trace.clear();
         campaigns.restart();
         log.clear();
         faults.replaceCampaignFaults(campaigns.faults());
     }
 
-    /// Guards `listener` and `authorityFile`; not held while a request is served.
+    [[nodiscard]] std::unique_ptr<HTTPListener> openPage()
+    {
+        // A page is a few connections, and one of them is its event stream.
+        constexpr std::size_t mostConnections = 24;
+        auto opened = std::make_unique<HTTPListener>(
+            nullptr,
+            [this](const httplib::Request& request, ClientConnection& connection) {
+                return inspector.respond({.method = request.method,
+                                          .path = request.path,
+                                          .query = request.params,
+                                          .headers = connection.entry().headers,
+                                          .body = request.body,
+                                          .origin = "http://" + request.get_header_value("Host"),
+                                          .now = options.clock()});
+            },
+            [](const RequestLogEntry&) {}, mostConnections);
+        opened->listen(*options.pagePort);
+        return opened;
+    }
+
+    /// Guards `listener`, `page` and `authorityFile`; not held while a request is served.
     mutable std::mutex mutex;
     const AdServerOptions options;
     CampaignCatalogue campaigns;
@@ -64,9 +93,13 @@ public:
     FaultTable faults;
     RequestLog log;
     SessionTable sessions;
+    TransactionTrace trace;
+    ControlEndpoints control;
+    InspectorResponder inspector;
     RequestPipeline pipeline;
     std::filesystem::path authorityFile;
     std::unique_ptr<HTTPListener> listener;
+    std::unique_ptr<HTTPListener> page;
 };
 
 AdServer::AdServer(AdServerOptions options) : m_state(std::make_unique<State>(std::move(options), *this)) {}
@@ -101,16 +134,27 @@ void AdServer::start()
         },
         [&state](const RequestLogEntry& entry) { state.log.append(entry); });
     listener->listen(state.options.port);
+    state.log.feed().open();
+    if (state.options.pagePort) {
+        state.page = state.openPage();
+        state.inspector.setAddresses("http://127.0.0.1:" + std::to_string(state.page->port()),
+                                     state.scheme() + "://localhost:" + std::to_string(listener->port()));
+    }
     state.listener = std::move(listener);
 }
 
 void AdServer::stop()
 {
     std::unique_ptr<HTTPListener> ending;
+    std::unique_ptr<HTTPListener> page;
     {
         const std::lock_guard lock(m_state->mutex);
         ending = std::move(m_state->listener);
+        page = std::move(m_state->page);
     }
+    m_state->log.feed().close();
+    if (page)
+        page->stop();
     if (ending)
         ending->stop();
 }
@@ -124,6 +168,12 @@ std::uint16_t AdServer::port() const
 std::string AdServer::baseURL() const
 {
     return m_state->scheme() + "://localhost:" + std::to_string(port());
+}
+
+std::string AdServer::pageURL() const
+{
+    const std::lock_guard lock(m_state->mutex);
+    return m_state->page ? "http://127.0.0.1:" + std::to_string(m_state->page->port()) : std::string();
 }
 
 std::filesystem::path AdServer::authorityFile() const

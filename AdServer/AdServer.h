@@ -49,6 +49,8 @@ public:
     [[nodiscard]] std::uint16_t port() const;
     /// "https://localhost:PORT" (or "http://…"), no slash at the end.
     [[nodiscard]] std::string baseURL() const;
+    /// "http://127.0.0.1:PORT", the inspector page; empty when not started or not asked for.
+    [[nodiscard]] std::string pageURL() const;
     /// PEM of the authority that a client must trust; empty with plain HTTP.
     [[nodiscard]] std::filesystem::path authorityFile() const;
 

@@ -85,4 +85,32 @@ AdServerFault AdServerFault::fromJSON(const nlohmann::json& value)
     return fault;
 }
 
+nlohmann::json AdServerFault::toJSON() const
+{
+    const auto seconds = [](std::chrono::milliseconds time) {
+        return static_cast<double>(time.count()) / 1000;
+    };
+    nlohmann::json value{{"path", path}};
+    const auto add = [&](const char* key, bool isSet, const nlohmann::json& member) {
+        if (isSet)
+            value[key] = member;
+    };
+    add("method", !method.empty(), method);
+    add("delay", delay.count() > 0, seconds(delay));
+    add("neverResponds", neverResponds, true);
+    add("drop", drop, true);
+    add("status", status.has_value(), status.value_or(0));
+    add("body", body.has_value(), body.value_or(""));
+    add("contentType", contentType.has_value(), contentType.value_or(""));
+    add("headers", !headers.empty(), headers);
+    add("bodySize", bodySize.has_value(), bodySize.value_or(0));
+    add("chunked", chunked, true);
+    add("cutBodyAfter", cutBodyAfter.has_value(), cutBodyAfter.value_or(0));
+    add("stallBodyAfter", stallBodyAfter.has_value(), stallBodyAfter.value_or(0));
+    add("stallFor", stallFor.has_value(), seconds(stallFor.value_or(std::chrono::milliseconds(0))));
+    add("bytesPerSecond", bytesPerSecond > 0, bytesPerSecond);
+    add("times", times > 0, times);
+    return value;
+}
+
 } // namespace adserver

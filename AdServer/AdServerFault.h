@@ -61,6 +61,8 @@ struct AdServerFault {
     /// seconds, `body` as text or as any other JSON value. Throws std::invalid_argument naming the key and
     /// the reason.
     [[nodiscard]] static AdServerFault fromJSON(const nlohmann::json& value);
+    /// The same form; only what is set. A body is given as text.
+    [[nodiscard]] nlohmann::json toJSON() const;
 };
 
 } // namespace adserver

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <optional>
+#include <string>
 
 namespace adserver
 {
@@ -23,6 +25,12 @@ struct AdServerOptions {
     std::filesystem::path campaignsFolder = {};
     /// One JSON line is appended for each request.
     std::filesystem::path logFile = {};
+    /// Its responses are served again before anything else is asked.
+    std::filesystem::path replayFile = {};
+    /// The inspector page's plain-HTTP port on 127.0.0.1; 0: any free one. Without it there is no page.
+    std::optional<std::uint16_t> pagePort = {};
+    /// Where the page finds the host's frames, as in "http://127.0.0.1:8445"; empty: nowhere.
+    std::string liveView = {};
     /// What a session's response names as "pingInterval".
     std::chrono::milliseconds pingInterval{std::chrono::seconds(60)};
     /// A session that no PUT has kept up for this long is invalid.

@@ -12,6 +12,7 @@ namespace
 {
 
 constexpr unsigned defaultPort = 8443;
+constexpr unsigned defaultPagePort = 8444;
 
 unsigned wholeNumber(const std::string& option, const std::string& word, unsigned most)
 {
@@ -35,6 +36,12 @@ CommandLine CommandLine::read(const std::vector<std::string>& words)
          [&](const auto& word) {
              line.options.port = static_cast<std::uint16_t>(wholeNumber("--port", word, 65535));
          }},
+        {"--page-port",
+         [&](const auto& word) {
+             line.options.pagePort = static_cast<std::uint16_t>(wholeNumber("--page-port", word, 65535));
+         }},
+        {"--live-view", [&](const auto& word) { line.options.liveView = word; }},
+        {"--replay", [&](const auto& word) { line.options.replayFile = word; }},
         {"--state", [&](const auto& word) { line.options.stateFolder = word; }},
         {"--campaigns", [&](const auto& word) { line.options.campaignsFolder = word; }},
         {"--log", [&](const auto& word) { line.options.logFile = word; }},
@@ -57,6 +64,9 @@ CommandLine CommandLine::read(const std::vector<std::string>& words)
             throw std::invalid_argument(*word + " needs a value");
         taker->second(*++word);
     }
+    if (!line.options.pagePort)
+        line.options.pagePort =
+            static_cast<std::uint16_t>(line.options.port == defaultPort ? defaultPagePort : 0);
     if (line.checkCampaigns && line.options.campaignsFolder.empty())
         throw std::invalid_argument("--check-campaigns needs --campaigns");
     return line;
@@ -70,6 +80,9 @@ A development ad server on 127.0.0.1. Runs until SIGINT or SIGTERM.
   --campaigns DIR        serve the campaign files (*.json) of DIR and the images beside them
   --check-campaigns      say what is wrong with them and end: 0 when nothing is, 2 otherwise
   --port N               listen on port N (default 8443; 0: any free one)
+  --page-port N          show the inspector page on port N (default 8444, or any free one with a --port)
+  --live-view URL        show the host's screen there, as its plugin virlostream serves it
+  --replay FILE          serve the responses of a request log again
   --http                 plain HTTP in place of HTTPS
   --state DIR            keep the certificate authority in DIR
                          (default $XDG_STATE_HOME/virlo-ad-server or ~/.local/state/virlo-ad-server)

@@ -45,6 +45,7 @@ void announce(const adserver::AdServer& server, const adserver::CommandLine& lin
         std::cout << "trust the authority in " << server.authorityFile().string() << '\n';
     if (line.options.campaignsFolder.empty())
         std::cout << "no campaigns: every request for an ad gets NO_AD\n";
+    std::cout << "inspector on " << server.pageURL() << '\n';
     std::cout << "listening on " << server.baseURL() << std::endl;
 }
 

@@ -1,6 +1,7 @@
 #include "CampaignCatalogue.h"
 
 #include "CampaignReader.h"
+#include "JSONText.h"
 
 #include <algorithm>
 #include <fstream>
@@ -77,6 +78,9 @@ std::shared_ptr<const Campaign> CampaignCatalogue::choose(const std::string& pla
                                                           const std::string& type)
 {
     const std::lock_guard lock(m_mutex);
+    for (const auto& at : {placement, std::string("*")})
+        if (const auto next = m_next.extract(at))
+            return next.mapped();
     auto candidates = bestOf(m_added, placement, type);
     if (candidates.empty())
         candidates = bestOf(m_read, placement, type);
@@ -109,6 +113,44 @@ void CampaignCatalogue::restart()
 {
     const std::lock_guard lock(m_mutex);
     m_turns.clear();
+    m_next.clear();
+}
+
+bool CampaignCatalogue::serveNext(const std::string& placement, const std::string& name)
+{
+    const std::lock_guard lock(m_mutex);
+    if (name.empty()) {
+        m_next.erase(placement);
+        return true;
+    }
+    for (const auto* campaigns : {&m_added, &m_read})
+        for (const auto& campaign : *campaigns)
+            if (campaign->name == name && (m_next.size() < mostTurns || m_next.contains(placement))) {
+                m_next[placement] = campaign;
+                return true;
+            }
+    return false;
+}
+
+nlohmann::json CampaignCatalogue::describe() const
+{
+    const std::lock_guard lock(m_mutex);
+    auto list = nlohmann::json::array();
+    for (const auto* campaigns : {&m_added, &m_read})
+        for (const auto& campaign : *campaigns) {
+            auto placements = nlohmann::json::array();
+            for (const auto& rule : campaign->rules)
+                placements.push_back(rule.placement);
+            auto nextAt = nlohmann::json::array();
+            for (const auto& [placement, next] : m_next)
+                if (next == campaign)
+                    nextAt.push_back(placement);
+            list.push_back({{"name", campaign->name},
+                            {"type", textAt(campaign->advertisement, "type")},
+                            {"placements", placements},
+                            {"isNextAt", nextAt}});
+        }
+    return list;
 }
 
 std::optional<nlohmann::json> CampaignCatalogue::item(const std::string& cid) const

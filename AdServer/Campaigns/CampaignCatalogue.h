@@ -31,7 +31,12 @@ public:
     /// Null when none fits.
     [[nodiscard]] std::shared_ptr<const Campaign> choose(const std::string& placement,
                                                          const std::string& type);
-    /// Everybody's turn is the first again.
+    /// The next request at that placement ("*": at any) gets this campaign, whatever type it asks for. False
+    /// when there is no campaign of that name. An empty name takes it back.
+    [[nodiscard]] bool serveNext(const std::string& placement, const std::string& name);
+    /// [{"name","type","placements","isNextAt"}]
+    [[nodiscard]] nlohmann::json describe() const;
+    /// Everybody's turn is the first again, and no campaign is the next one.
     void restart();
     /// The item of any campaign, for pages that are not bound to a transaction.
     [[nodiscard]] std::optional<nlohmann::json> item(const std::string& cid) const;
@@ -51,6 +56,8 @@ private:
     Campaigns m_read;
     std::vector<std::string> m_errors;
     std::map<std::pair<std::string, std::string>, std::size_t> m_turns;
+    /// By placement.
+    std::map<std::string, std::shared_ptr<const Campaign>> m_next;
 };
 
 } // namespace adserver

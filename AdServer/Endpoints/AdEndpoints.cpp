@@ -146,7 +146,10 @@ Response AdEndpoints::advertisement(const ServerRequest& request) const
     const auto campaign = m_campaigns.choose(placement, request.queryItem("type"));
     if (!campaign)
         return Response::error(404, "NO_AD");
-    return Response::json(campaign->response(m_transactions.begin(campaign), request.origin, request.now));
+    const auto txid = m_transactions.begin(campaign);
+    auto response = Response::json(campaign->response(txid, request.origin, request.now));
+    response.transaction = txid;
+    return response;
 }
 
 std::optional<Response> AdEndpoints::ofTransaction(const ServerRequest& request) const

@@ -1,10 +1,13 @@
 #include "ControlEndpoints.h"
 
 #include "AdServer.h"
+#include "CampaignCatalogue.h"
+#include "FaultTable.h"
 #include "JSONText.h"
 #include "SessionTable.h"
 
 #include <algorithm>
+#include <charconv>
 #include <stdexcept>
 #include <vector>
 
@@ -23,7 +26,11 @@ bool isThisMachine(const std::string& origin)
 
 } // namespace
 
-ControlEndpoints::ControlEndpoints(AdServer& server, const SessionTable& sessions) : m_server(server)
+ControlEndpoints::ControlEndpoints(AdServer& server, const SessionTable& sessions,
+                                   CampaignCatalogue& campaigns, FaultTable& faults)
+    : m_server(server)
+    , m_campaigns(campaigns)
+    , m_faults(faults)
 {
     const auto simply = [](auto work) {
         return [work](const ServerRequest&) {
@@ -33,6 +40,10 @@ ControlEndpoints::ControlEndpoints(AdServer& server, const SessionTable& session
     };
     m_operations = {
         {{"POST", "faults"}, [this](const ServerRequest& request) { return setFaults(request); }},
+        {{"GET", "faults"}, [this](const ServerRequest&) { return this->faults(); }},
+        {{"GET", "campaigns"},
+         [this](const ServerRequest&) { return Response::json(m_campaigns.describe()); }},
+        {{"POST", "next"}, [this](const ServerRequest& request) { return serveNext(request); }},
         {{"DELETE", "faults"}, simply([this] { m_server.clearFaults(); })},
         {{"GET", "requests"}, [this](const ServerRequest&) { return requests(); }},
         {{"DELETE", "requests"}, simply([this] { m_server.clearRequests(); })},
@@ -51,9 +62,20 @@ std::optional<Response> ControlEndpoints::respond(const ServerRequest& request) 
         return std::nullopt;
     if (!request.header("origin").empty() || !isThisMachine(request.origin))
         return Response::error(403, "FORBIDDEN");
+    return perform(request);
+}
+
+Response ControlEndpoints::perform(const ServerRequest& request) const
+{
     const auto name = request.path.substr(request.path.find('/', 1) + 1);
     if (const auto operation = m_operations.find({request.method, name}); operation != m_operations.end())
         return operation->second(request);
+    constexpr std::string_view oneFault = "faults/";
+    if (request.method == "DELETE" && name.starts_with(oneFault)) {
+        std::uint64_t number = 0;
+        std::from_chars(name.data() + oneFault.size(), name.data() + name.size(), number);
+        return m_faults.remove(number) ? Response::nothing() : Response::notFound();
+    }
     const bool known = std::any_of(m_operations.begin(), m_operations.end(),
                                    [&](const auto& entry) { return entry.first.second == name; });
     return known ? Response::error(405, "METHOD_NOT_ALLOWED") : Response::notFound();
@@ -74,6 +96,28 @@ Response ControlEndpoints::setFaults(const ServerRequest& request) const
     }
 }
 
+Response ControlEndpoints::faults() const
+{
+    auto list = nlohmann::json::array();
+    for (const auto& [number, fault] : m_faults.list()) {
+        auto value = fault.toJSON();
+        value["number"] = number;
+        list.push_back(std::move(value));
+    }
+    return Response::json(list);
+}
+
+Response ControlEndpoints::serveNext(const ServerRequest& request) const
+{
+    const auto value = parseJSONIfPossible(request.body);
+    const auto placement = value ? textAt(*value, "placement") : std::string();
+    if (placement.empty())
+        return Response::badRequest("\"placement\" is missing");
+    if (!m_campaigns.serveNext(placement, textAt(*value, "campaign")))
+        return Response::badRequest("\"campaign\" names no campaign");
+    return Response::nothing();
+}
+
 Response ControlEndpoints::setPingInterval(const ServerRequest& request) const
 {
     constexpr double longest = 86400;
@@ -90,12 +134,8 @@ Response ControlEndpoints::setPingInterval(const ServerRequest& request) const
 Response ControlEndpoints::requests() const
 {
     auto list = nlohmann::ordered_json::array();
-    for (const auto& entry : m_server.requests()) {
-        auto value = entry.toJSON();
-        value["headers"] = entry.headers;
-        value["connection"] = entry.connection;
-        list.push_back(std::move(value));
-    }
+    for (const auto& entry : m_server.requests())
+        list.push_back(entry.toJSON());
     Response response;
     response.contentType = "application/json";
     response.text = printJSON(list);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fnmatch.h>
-#include <utility>
 
 namespace adserver
 {
@@ -20,37 +19,80 @@ bool fits(const AdServerFault& fault, const std::string& method, const std::stri
 
 void FaultTable::set(const AdServerFault& fault)
 {
-    const std::lock_guard lock(m_mutex);
-    m_set.insert(m_set.begin(), fault);
+    {
+        const std::lock_guard lock(m_mutex);
+        m_set.insert(m_set.begin(), {++m_lastNumber, fault});
+    }
+    tell();
 }
 
-void FaultTable::replaceCampaignFaults(std::vector<AdServerFault> faults)
+void FaultTable::replaceCampaignFaults(const std::vector<AdServerFault>& faults)
 {
-    const std::lock_guard lock(m_mutex);
-    m_fromCampaigns = std::move(faults);
+    {
+        const std::lock_guard lock(m_mutex);
+        m_fromCampaigns.clear();
+        for (const auto& fault : faults)
+            m_fromCampaigns.push_back({++m_lastNumber, fault});
+    }
+    tell();
 }
 
 void FaultTable::clear()
 {
+    {
+        const std::lock_guard lock(m_mutex);
+        m_set.clear();
+        m_fromCampaigns.clear();
+    }
+    tell();
+}
+
+bool FaultTable::remove(std::uint64_t number)
+{
+    const auto isIt = [number](const Numbered& entry) { return entry.number == number; };
+    {
+        const std::lock_guard lock(m_mutex);
+        if (std::erase_if(m_set, isIt) + std::erase_if(m_fromCampaigns, isIt) == 0)
+            return false;
+    }
+    tell();
+    return true;
+}
+
+std::vector<FaultTable::Numbered> FaultTable::list() const
+{
     const std::lock_guard lock(m_mutex);
-    m_set.clear();
-    m_fromCampaigns.clear();
+    auto all = m_set;
+    all.insert(all.end(), m_fromCampaigns.begin(), m_fromCampaigns.end());
+    return all;
 }
 
 std::optional<AdServerFault> FaultTable::take(const std::string& method, const std::string& path)
 {
-    const std::lock_guard lock(m_mutex);
-    for (auto* faults : {&m_set, &m_fromCampaigns}) {
-        const auto found = std::find_if(faults->begin(), faults->end(),
-                                        [&](const auto& fault) { return fits(fault, method, path); });
-        if (found == faults->end())
-            continue;
-        auto fault = *found;
-        if (fault.times > 0 && --found->times == 0)
-            faults->erase(found);
-        return fault;
+    std::optional<AdServerFault> taken;
+    {
+        const std::lock_guard lock(m_mutex);
+        for (auto* faults : {&m_set, &m_fromCampaigns}) {
+            const auto found = std::find_if(faults->begin(), faults->end(), [&](const auto& entry) {
+                return fits(entry.fault, method, path);
+            });
+            if (found == faults->end())
+                continue;
+            taken = found->fault;
+            if (taken->times > 0 && --found->fault.times == 0)
+                faults->erase(found);
+            break;
+        }
     }
-    return std::nullopt;
+    if (taken && taken->times > 0)
+        tell();
+    return taken;
+}
+
+void FaultTable::tell() const
+{
+    if (m_changed)
+        m_changed();
 }
 
 } // namespace adserver

@@ -17,8 +17,6 @@ namespace
 using namespace std::chrono_literals;
 
 constexpr auto idleLimit = 75s;
-/// Each connection occupies a thread until it closes; further connections wait.
-constexpr size_t mostConnections = 128;
 constexpr auto everyPath = "[\\s\\S]*";
 constexpr size_t copyBuffer = 65536;
 
@@ -39,6 +37,27 @@ struct BodyFaults {
     std::optional<std::chrono::milliseconds> stallFor;
 };
 
+bool isText(const std::string& contentType)
+{
+    return contentType.starts_with("text/") || contentType.find("json") != std::string::npos ||
+           contentType.find("xml") != std::string::npos;
+}
+
+/// What the log keeps of the response's body: the first bytes of a text that goes out.
+std::string loggedBody(const Response& response)
+{
+    if (!isText(response.contentType))
+        return {};
+    const auto most =
+        std::min<std::uint64_t>(RequestLogEntry::longestLoggedBody,
+                                response.cutBodyAfter.value_or(RequestLogEntry::longestLoggedBody));
+    if (!response.body)
+        return response.text.substr(0, static_cast<size_t>(most));
+    std::string text(static_cast<size_t>(std::min(most, response.body->size())), '\0');
+    text.resize(response.body->isLive() ? 0 : response.body->read(0, text.data(), text.size()));
+    return text;
+}
+
 /// One step of sending `body`; false breaks the response off. Steps end where the body stalls, so that the
 /// next one begins there and no other does.
 bool sendChunk(const ResponseBody& body, std::uint64_t offset, const BodyFaults& faults,
@@ -53,7 +72,7 @@ bool sendChunk(const ResponseBody& body, std::uint64_t offset, const BodyFaults&
         if (faults.stallAfter && *faults.stallAfter > offset)
             allowed = std::min(allowed, *faults.stallAfter - offset);
         const auto count = body.read(offset, buffer.data(), static_cast<size_t>(allowed));
-        if (count > 0 && sink.write(buffer.data(), count))
+        if (count > 0 && sink.write(buffer.data(), count) && (!body.isLive() || connection.flush()))
             return true;
     }
     connection.breakOff();
@@ -78,12 +97,13 @@ private:
 
 } // namespace
 
-HTTPListener::HTTPListener(TLSContextPointer tls, Responder responder, Logger logger)
+HTTPListener::HTTPListener(TLSContextPointer tls, Responder responder, Logger logger,
+                           std::size_t mostConnections)
     : m_tls(std::move(tls))
     , m_responder(std::move(responder))
     , m_logger(std::move(logger))
 {
-    new_task_queue = [] { return new httplib::ThreadPool(mostConnections); };
+    new_task_queue = [mostConnections] { return new httplib::ThreadPool(mostConnections); };
     set_tcp_nodelay(true);
     // The layer below would let two servers share a port, and clients meet either.
     set_socket_options([](socket_t socket) {
@@ -126,7 +146,10 @@ HTTPListener::HTTPListener(TLSContextPointer tls, Responder responder, Logger lo
             deliver(Response::error(500, "SERVER_ERROR", reason), output, *currentConnection);
         });
     set_logger([](const httplib::Request&, const httplib::Response& output) {
-        currentConnection->entry().status = output.status;
+        auto& entry = currentConnection->entry();
+        entry.status = output.status;
+        for (const auto& [name, value] : output.headers)
+            entry.responseHeaders.insert_or_assign(lowerCase(name), value);
     });
 }
 
@@ -217,6 +240,7 @@ void HTTPListener::respond(const httplib::Request& request, httplib::Response& o
 void HTTPListener::deliver(Response response, httplib::Response& output, ClientConnection& connection)
 {
     connection.setSpeed(response.bytesPerSecond);
+    connection.entry().responseBody = loggedBody(response);
     output.status = response.status;
     for (const auto& [name, value] : response.headers) {
         output.headers.erase(name);
@@ -252,8 +276,11 @@ void HTTPListener::log(ClientConnection& connection) const
 {
     auto& entry = connection.entry();
     entry.bytes = connection.bytesWritten();
-    if (entry.bytes == 0)
+    if (entry.bytes == 0) {
         entry.status = 0;
+        entry.responseHeaders.clear();
+        entry.responseBody.clear();
+    }
     const bool cameToNothing = entry.method.empty() && entry.bytes == 0;
     if (!std::exchange(connection.logged, true) && !cameToNothing)
         m_logger(entry);

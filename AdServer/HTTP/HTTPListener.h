@@ -26,8 +26,9 @@ public:
     /// Called once for each request, before the end of its response is sent.
     using Logger = std::function<void(const RequestLogEntry&)>;
 
-    /// `tls` is null for plain HTTP.
-    HTTPListener(TLSContextPointer tls, Responder responder, Logger logger);
+    /// `tls` is null for plain HTTP. Each connection occupies a thread until it closes; further ones wait.
+    HTTPListener(TLSContextPointer tls, Responder responder, Logger logger,
+                 std::size_t mostConnections = 128);
     /// Stops.
     ~HTTPListener() override;
 

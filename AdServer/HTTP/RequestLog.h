@@ -1,5 +1,6 @@
 #pragma once
 
+#include "EventFeed.h"
 #include "RequestLogEntry.h"
 
 #include <atomic>
@@ -10,31 +11,43 @@
 #include <fstream>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 namespace adserver
 {
 
 /// The requests in memory and, with a file, on disk: one JSON line each, flushed. Safe from any thread. Of
-/// those in memory the oldest go when there are more than `mostKept`.
+/// those in memory the older half goes when there are more than `mostKept`, or their bodies exceed
+/// `mostBytes`. Each change goes to the feed: "began" and "ended" with the entry's summary, and "cleared".
 class RequestLog
 {
 public:
     static constexpr std::size_t mostKept = 20'000;
+    static constexpr std::size_t mostBytes = std::size_t{128} << 20U;
 
     /// Throws std::runtime_error when the file cannot be opened for appending; an empty path writes none.
     void open(const std::filesystem::path& file);
 
-    void append(const RequestLogEntry& entry);
+    /// Numbers the entry and tells that its request has come.
+    void begin(RequestLogEntry& entry);
+    /// Dates the entry's end.
+    void append(RequestLogEntry entry);
     void clear();
     [[nodiscard]] std::vector<RequestLogEntry> requests() const;
+    [[nodiscard]] std::optional<RequestLogEntry> find(std::uint64_t identifier) const;
     [[nodiscard]] bool waitUntil(const std::function<bool(const std::vector<RequestLogEntry>&)>& condition,
                                  std::chrono::milliseconds timeout) const;
 
+    [[nodiscard]] EventFeed& feed() { return m_feed; }
+
 private:
+    EventFeed m_feed;
+    std::atomic<std::uint64_t> m_lastIdentifier = 0;
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;
     std::vector<RequestLogEntry> m_entries;
+    std::size_t m_bytes = 0; ///< of their bodies
     std::ofstream m_file;
     std::atomic<bool> m_writes = false;
     bool m_reportedFailure = false;

@@ -31,10 +31,11 @@ Response cannedResponse(const AdServerFault& fault)
 
 } // namespace
 
-RequestPipeline::RequestPipeline(FaultTable& faults, RequestLog& log, Endpoints endpoints, std::string scheme,
-                                 std::function<TimePoint()> clock)
+RequestPipeline::RequestPipeline(FaultTable& faults, RequestLog& log, TransactionTrace& trace,
+                                 Endpoints endpoints, std::string scheme, std::function<TimePoint()> clock)
     : m_faults(faults)
     , m_log(log)
+    , m_trace(trace)
     , m_endpoints(std::move(endpoints))
     , m_scheme(std::move(scheme))
     , m_clock(std::move(clock))
@@ -44,15 +45,40 @@ RequestPipeline::RequestPipeline(FaultTable& faults, RequestLog& log, Endpoints 
 std::optional<Response> RequestPipeline::respond(const httplib::Request& request,
                                                  ClientConnection& connection) const
 {
+    auto& entry = connection.entry();
+    const auto name = origin(request);
+    const ServerRequest asked{.method = request.method,
+                              .path = request.path,
+                              .query = request.params,
+                              .headers = entry.headers,
+                              .body = request.body,
+                              .origin = name.value_or(""),
+                              .now = m_clock()};
     // Whoever has set a fault for every path must be able to take it away again.
     if (ControlEndpoints::isControlPath(request.path)) {
         connection.logged = true;
-        return ask(request, connection);
+        return ask(asked);
     }
+    entry.transaction = m_trace.of(asked);
+    m_log.begin(entry);
+    auto response = respondWithFaults(asked, connection);
+    if (!response)
+        return response;
+    if (!response->transaction.empty())
+        entry.transaction = response->transaction;
+    if (!entry.transaction.empty() && !response->text.empty())
+        m_trace.note(entry.transaction, response->text, asked.origin);
+    return response;
+}
+
+std::optional<Response> RequestPipeline::respondWithFaults(const ServerRequest& request,
+                                                           ClientConnection& connection) const
+{
     const auto fault = m_faults.take(request.method, request.path);
     if (!fault)
-        return ask(request, connection);
+        return ask(request);
 
+    connection.entry().fault = std::make_shared<const AdServerFault>(*fault);
     if (fault->neverResponds) {
         m_log.append(connection.entry());
         connection.logged = true;
@@ -62,7 +88,7 @@ std::optional<Response> RequestPipeline::respond(const httplib::Request& request
         connection.breakOff();
         return std::nullopt;
     }
-    auto response = isCanned(*fault) ? cannedResponse(*fault) : ask(request, connection);
+    auto response = isCanned(*fault) ? cannedResponse(*fault) : ask(request);
     for (const auto& [name, value] : fault->headers)
         (name == "Content-Type" ? response.contentType : response.headers[name]) = value;
     response.chunked = fault->chunked;
@@ -73,20 +99,12 @@ std::optional<Response> RequestPipeline::respond(const httplib::Request& request
     return response;
 }
 
-Response RequestPipeline::ask(const httplib::Request& request, const ClientConnection& connection) const
+Response RequestPipeline::ask(const ServerRequest& request) const
 {
-    const auto name = origin(request);
-    if (!name)
+    if (request.origin.empty())
         return Response::badRequest("the Host header names no host");
-    const ServerRequest asked{.method = request.method,
-                              .path = request.path,
-                              .query = request.params,
-                              .headers = connection.entry().headers,
-                              .body = request.body,
-                              .origin = *name,
-                              .now = m_clock()};
     for (const auto& endpoint : m_endpoints)
-        if (auto response = endpoint->respond(asked))
+        if (auto response = endpoint->respond(request))
             return std::move(*response);
     return Response::notFound();
 }

@@ -4,6 +4,7 @@
 #include "Endpoint.h"
 #include "FaultTable.h"
 #include "RequestLog.h"
+#include "TransactionTrace.h"
 
 #include <httplib.h>
 
@@ -23,19 +24,22 @@ public:
     using Endpoints = std::vector<std::unique_ptr<Endpoint>>;
 
     /// `scheme` is "https" or "http".
-    RequestPipeline(FaultTable& faults, RequestLog& log, Endpoints endpoints, std::string scheme,
-                    std::function<TimePoint()> clock);
+    RequestPipeline(FaultTable& faults, RequestLog& log, TransactionTrace& trace, Endpoints endpoints,
+                    std::string scheme, std::function<TimePoint()> clock);
 
     /// Nothing: the connection has been broken off.
     [[nodiscard]] std::optional<Response> respond(const httplib::Request& request,
                                                   ClientConnection& connection) const;
 
 private:
-    [[nodiscard]] Response ask(const httplib::Request& request, const ClientConnection& connection) const;
+    [[nodiscard]] std::optional<Response> respondWithFaults(const ServerRequest& request,
+                                                            ClientConnection& connection) const;
+    [[nodiscard]] Response ask(const ServerRequest& request) const;
     [[nodiscard]] std::optional<std::string> origin(const httplib::Request& request) const;
 
     FaultTable& m_faults;
     RequestLog& m_log;
+    TransactionTrace& m_trace;
     const Endpoints m_endpoints;
     const std::string m_scheme;
     const std::function<TimePoint()> m_clock;

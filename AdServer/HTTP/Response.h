@@ -23,6 +23,9 @@ struct Response {
     /// In place of `text` when set.
     std::shared_ptr<const ResponseBody> body = {};
 
+    /// The ad transaction that it begins; empty for all others.
+    std::string transaction = {};
+
     bool chunked = false;
     std::optional<std::uint64_t> cutBodyAfter = {};
     std::optional<std::uint64_t> stallBodyAfter = {};

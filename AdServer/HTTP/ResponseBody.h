@@ -19,6 +19,9 @@ public:
     [[nodiscard]] virtual std::uint64_t size() const = 0;
     /// Reads up to `capacity` bytes from `offset` on; 0 when there are none or the medium fails.
     [[nodiscard]] virtual std::size_t read(std::uint64_t offset, char* into, std::size_t capacity) const = 0;
+
+    /// Whether each piece goes out at once, since the next one may come much later.
+    [[nodiscard]] virtual bool isLive() const { return false; }
 };
 
 /// A part of an open file. Nothing when the file cannot be opened or is no regular one.

@@ -41,6 +41,7 @@ adserver::AdServerOptions ServerTest::options()
     return {.stateFolder = folder.path("state"),
             .campaignsFolder = folder.path("campaigns"),
             .logFile = folder.path("requests.jsonl"),
+            .pagePort = 0,
             .pingInterval = std::chrono::milliseconds(2500),
             .sessionLifetime = std::chrono::seconds(10),
             .clock = [this] { return m_time.load(); }};

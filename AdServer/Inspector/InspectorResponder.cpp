@@ -1,0 +1,111 @@
+#include "InspectorResponder.h"
+
+#include "InspectorPage.h"
+#include "JSONText.h"
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+namespace adserver
+{
+
+namespace
+{
+
+Response page()
+{
+    Response response;
+    response.contentType = "text/html; charset=utf-8";
+    response.text = inspectorPage;
+    // The page shows what a server sent: none of it may load or run anything.
+    response.headers = {
+        {"Content-Security-Policy",
+         "default-src 'none'; script-src 'unsafe-inline'; style-src 'unsafe-inline'; img-src "
+         "http://127.0.0.1:* "
+         "data:; connect-src 'self' http://127.0.0.1:*; frame-ancestors 'none'; base-uri 'none'; form-action "
+         "'none'"},
+        {"X-Content-Type-Options", "nosniff"},
+        {"Referrer-Policy", "no-referrer"}};
+    return response;
+}
+
+Response jsonText(const nlohmann::ordered_json& value)
+{
+    Response response;
+    response.contentType = "application/json";
+    response.text = printJSON(value);
+    return response;
+}
+
+} // namespace
+
+InspectorResponder::InspectorResponder(const ControlEndpoints& control, RequestLog& log, std::string liveView)
+    : m_control(control)
+    , m_log(log)
+    , m_liveView(std::move(liveView))
+{
+}
+
+void InspectorResponder::setAddresses(std::string own, std::string adServer)
+{
+    m_ownAddress = std::move(own);
+    m_adServer = std::move(adServer);
+}
+
+Response InspectorResponder::respond(const ServerRequest& request) const
+{
+    const auto origin = request.header("origin");
+    const bool reads = request.method == "GET" || request.method == "HEAD";
+    // Simple posts reach a server without a preflight, from any page: the origin decides, not the browser.
+    const bool isOwnPage = origin == m_ownAddress || (origin.empty() && reads);
+    if (request.origin != m_ownAddress || !isOwnPage)
+        return Response::error(403, "FORBIDDEN");
+    auto response = ControlEndpoints::isControlPath(request.path) ? m_control.perform(request)
+                    : reads                                       ? read(request)
+                                                                  : Response::notFound();
+    response.headers.emplace("Cache-Control", "no-store");
+    return response;
+}
+
+Response InspectorResponder::read(const ServerRequest& request) const
+{
+    constexpr std::string_view oneRecord = "/records/";
+    if (request.path == "/")
+        return page();
+    if (request.path == "/events") {
+        Response response;
+        response.contentType = "text/event-stream";
+        response.body = m_log.feed().listen();
+        response.chunked = true;
+        return response;
+    }
+    if (request.path == "/configuration")
+        return Response::json(
+            {{"origin", m_adServer},
+             {"liveView", m_liveView.empty() ? nlohmann::json() : nlohmann::json(m_liveView)}});
+    if (request.path == "/records" || request.path == "/records/all") {
+        auto list = nlohmann::ordered_json::array();
+        for (const auto& entry : m_log.requests())
+            list.push_back(request.path == "/records" ? entry.summary() : entry.toJSON());
+        return jsonText(list);
+    }
+    if (request.path.starts_with(oneRecord))
+        return record(request.path.substr(oneRecord.size()));
+    return Response::notFound();
+}
+
+Response InspectorResponder::record(const std::string& rest) const
+{
+    std::uint64_t identifier = 0;
+    const auto [end, failure] = std::from_chars(rest.data(), rest.data() + rest.size(), identifier);
+    const std::string_view what(end, static_cast<std::size_t>(rest.data() + rest.size() - end));
+    const auto entry = m_log.find(identifier);
+    if (failure != std::errc() || !entry)
+        return Response::notFound();
+    if (what.empty())
+        return jsonText(entry->toJSON());
+    return what == "/vast" ? m_explainer.explain(entry->responseBody) : Response::notFound();
+}
+
+} // namespace adserver
