@@ -87,15 +87,36 @@ bool Campaign::fits(const Rule& rule, const std::string& placement, const std::s
 
 const nlohmann::json* Campaign::item(const std::string& cid) const
 {
+    if (generatedItems != 0)
+        return itemIn(advertisement, cid.substr(0, cid.rfind('-')));
     const auto* found = itemIn(advertisement, cid);
     for (auto page = morePages.begin(); !found && page != morePages.end(); ++page)
         found = itemIn(*page, cid);
     return found;
 }
 
+nlohmann::json Campaign::generatedPage(std::size_t number) const
+{
+    const auto& models = advertisement.at("ads");
+    auto served = nlohmann::json{{"ads", nlohmann::json::array()}};
+    const auto end = std::min(generatedItems, (number + 1) * itemsPerPage);
+    for (auto index = number * itemsPerPage; index < end; ++index) {
+        auto item = models.at(index % models.size());
+        const auto ordinal = std::to_string(index + 1);
+        item["cid"] = textAt(item, "cid") + '-' + ordinal;
+        item["title"] = textAt(item, "title") + ' ' + ordinal;
+        served["ads"].push_back(std::move(item));
+    }
+    if (end < generatedItems)
+        served["moreAdsUrl"] = "/ad/more/{txid}/" + std::to_string(number + 1);
+    return served;
+}
+
 nlohmann::json Campaign::response(const std::string& txid, const std::string& origin, TimePoint now) const
 {
     auto served = advertisement;
+    if (generatedItems != 0)
+        served.update(generatedPage(0));
     setUnlessSaid(served, "txid", txid);
     setUnlessSaid(served, "timestamp", advertisementDate(now));
     setUnlessSaid(served, "validUntil", advertisementDate(now + validFor));
@@ -108,9 +129,10 @@ nlohmann::json Campaign::response(const std::string& txid, const std::string& or
 std::optional<nlohmann::json> Campaign::page(std::size_t number, const std::string& txid,
                                              const std::string& origin) const
 {
-    if (number == 0 || number > morePages.size())
+    const auto pages = generatedItems != 0 ? (generatedItems - 1) / itemsPerPage : morePages.size();
+    if (number == 0 || number > pages)
         return std::nullopt;
-    auto served = morePages[number - 1];
+    auto served = generatedItems != 0 ? generatedPage(number) : morePages[number - 1];
     const AddressFinisher finisher(txid, origin);
     finisher.finish(served, "moreAdsUrl", {});
     finisher.finishItems(served);

@@ -34,6 +34,11 @@ struct Campaign {
     nlohmann::json advertisement;
     /// Pages of more items: {"ads", "moreAdsUrl"}.
     std::vector<nlohmann::json> morePages;
+    /// Where not 0, that many items are served in pages of `itemsPerPage`, made from those of the
+    /// advertisement in turn:
+    /// "-1", "-2" … is added to each "cid" and " 1", " 2" … to each "title".
+    std::size_t generatedItems = 0;
+    std::size_t itemsPerPage = 0;
     std::chrono::seconds validFor{3600};
     /// By "cid": how long after the click the reward is there.
     std::map<std::string, std::chrono::milliseconds> rewards;
@@ -47,6 +52,10 @@ struct Campaign {
     /// `number` counts from 1; nothing when there is none.
     [[nodiscard]] std::optional<nlohmann::json> page(std::size_t number, const std::string& txid,
                                                      const std::string& origin) const;
+
+private:
+    /// The items of page `number`, which counts from 0, and where the next page is.
+    [[nodiscard]] nlohmann::json generatedPage(std::size_t number) const;
 };
 
 /// Where the files beside campaigns are served.

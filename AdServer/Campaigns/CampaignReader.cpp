@@ -38,8 +38,11 @@ public:
                               {"rules", [this](const auto& value) { readRules(value); }},
                               {"advertisement", [this](const auto& value) { readAdvertisement(value); }},
                               {"morePages", [this](const auto& value) { readPages(value); }},
+                              {"generatedItems", skip},
                               {"faults", [this](const auto& value) { readFaults(value); }},
                               {"rewards", skip}});
+        if (const auto generated = file.find("generatedItems"); generated != file.end())
+            readGeneratedItems(JSONChecker(*generated, "generatedItems"));
         if (const auto rewards = file.find("rewards"); rewards != file.end())
             readRewards(JSONChecker(*rewards, "rewards"));
         return std::move(m_campaign);
@@ -97,6 +100,17 @@ private:
                  {"ads", [this](const JSONChecker& value) { checkItems(value); }}});
             m_campaign.morePages.push_back(page.value());
         });
+    }
+
+    void readGeneratedItems(const JSONChecker& generated)
+    {
+        m_campaign.generatedItems = generated.required("count").wholeNumber(1'000'000);
+        m_campaign.itemsPerPage = generated.required("perPage").wholeNumber(10'000);
+        generated.checkMembers({{"count", skip}, {"perPage", skip}});
+        if (m_campaign.itemsPerPage == 0)
+            generated.fail("must have at least one item on a page");
+        if (m_campaign.advertisement.value("ads", nlohmann::json::array()).empty())
+            generated.fail("needs items of the advertisement to go by");
     }
 
     void readRewards(const JSONChecker& rewards)
