@@ -7,6 +7,7 @@
 #include "ViewController.h"
 
 #include <algorithm>
+#include <iterator>
 #include <tuple>
 #include <utility>
 
@@ -47,6 +48,15 @@ void collectFocusable(const QQuickItem& item, const QQuickItem& root, std::vecto
         views.push_back(view);
     for (const QQuickItem* child : View::childrenInPaintOrder(item))
         collectFocusable(*child, root, views);
+}
+
+/// The nearest item around `item` that cuts off what lies outside it, below `root`; null for none.
+const QQuickItem* scrollerOf(const QQuickItem& item, const QQuickItem& root)
+{
+    const QQuickItem* around = item.parentItem();
+    while (around != nullptr && around != &root && !around->clip())
+        around = around->parentItem();
+    return around == &root ? nullptr : around;
 }
 
 void collectEnvironments(const QQuickItem& item, std::vector<FocusEnvironment*>& environments)
@@ -118,12 +128,26 @@ QRectF FocusEngine::rectOf(const QQuickItem& item) const
     return item.mapRectToItem(&m_rootView, QRectF(0, 0, item.width(), item.height()));
 }
 
-std::vector<FocusEngine::Candidate> FocusEngine::candidates(const Views& focusable) const
+/// The part of the item that can be seen: without what items around it cut off, up to `scroller`.
+QRectF FocusEngine::visibleRectOf(const QQuickItem& item, const QQuickItem* scroller) const
+{
+    QRectF rect = rectOf(item);
+    for (const QQuickItem* around = scrollerOf(item, m_rootView); around != nullptr && around != scroller;
+         around = scrollerOf(*around, m_rootView))
+        rect = rect.intersected(rectOf(*around));
+    return rect;
+}
+
+std::vector<FocusEngine::Candidate> FocusEngine::candidates(const Views& focusable,
+                                                            const QQuickItem* scroller) const
 {
     std::vector<Candidate> candidates;
     for (View* view : focusable) {
-        if (view != m_focused && !view->isAncestorOf(m_focused))
-            candidates.push_back({rectOf(*view), view});
+        if (view == m_focused || view->isAncestorOf(m_focused))
+            continue;
+        const QRectF rect = visibleRectOf(*view, scroller);
+        if (!rect.isEmpty())
+            candidates.push_back({rect, view});
     }
     addGuides(m_rootView, focusable, candidates);
     return candidates;
@@ -227,14 +251,27 @@ bool FocusEngine::move(FocusHeading heading)
     if (!m_focused || m_moving || heading == FocusHeading::None)
         return false;
     const Views focusable = focusableViews();
-    const std::vector<Candidate> all = candidates(focusable);
-    std::vector<QRectF> rects(all.size());
-    std::transform(all.begin(), all.end(), rects.begin(),
+    const QQuickItem* const scroller = scrollerOf(*m_focused, m_rootView);
+    const std::vector<Candidate> all = candidates(focusable, scroller);
+    // A scroller is left only where nothing in it lies ahead: what has scrolled out of it lies, by geometry,
+    // behind its neighbours.
+    std::vector<Candidate> inside;
+    std::copy_if(all.begin(), all.end(), std::back_inserter(inside), [scroller](const Candidate& candidate) {
+        return scroller != nullptr && scroller->isAncestorOf(candidate.view);
+    });
+    View* next = bestOf(inside, heading);
+    if (next == nullptr)
+        next = bestOf(all, heading);
+    return next != nullptr && focus(resolve(*next, focusable), heading, true);
+}
+
+View* FocusEngine::bestOf(const std::vector<Candidate>& candidates, FocusHeading heading) const
+{
+    std::vector<QRectF> rects(candidates.size());
+    std::transform(candidates.begin(), candidates.end(), rects.begin(),
                    [](const Candidate& candidate) { return candidate.rect; });
     const int best = bestFocusCandidate(rectOf(*m_focused), heading, rects);
-    if (best < 0)
-        return false;
-    return focus(resolve(*all[static_cast<std::size_t>(best)].view, focusable), heading, true);
+    return best < 0 ? nullptr : candidates[static_cast<std::size_t>(best)].view;
 }
 
 void FocusEngine::setNeedsUpdate(FocusEnvironment& environment)

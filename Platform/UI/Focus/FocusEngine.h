@@ -59,9 +59,11 @@ private:
     using Views = std::vector<View*>;
 
     [[nodiscard]] Views focusableViews() const;
-    [[nodiscard]] std::vector<Candidate> candidates(const Views& focusable) const;
+    [[nodiscard]] std::vector<Candidate> candidates(const Views& focusable, const QQuickItem* scroller) const;
+    [[nodiscard]] View* bestOf(const std::vector<Candidate>& candidates, FocusHeading heading) const;
     void addGuides(const QQuickItem& item, const Views& focusable, std::vector<Candidate>& candidates) const;
     [[nodiscard]] QRectF rectOf(const QQuickItem& item) const;
+    [[nodiscard]] QRectF visibleRectOf(const QQuickItem& item, const QQuickItem* scroller) const;
     [[nodiscard]] Environments environmentsInTree() const;
     [[nodiscard]] static Environments chainOf(View* view);
     [[nodiscard]] View* resolve(FocusEnvironment& environment, const Views& focusable) const;
