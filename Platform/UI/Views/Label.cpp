@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <cmath>
 
+// The library does not export this type's functions: it is used by its properties.
+Q_DECLARE_OPAQUE_POINTER(QQuickTextLine*)
+
 namespace virlo
 {
 
@@ -106,6 +109,28 @@ void Label::setWraps(bool wraps)
 {
     m_text->setWrapMode(wraps ? QQuickText::Wrap : QQuickText::NoWrap);
     emit styleChanged();
+}
+
+void Label::setExclusion(const QRectF& exclusion)
+{
+    if (exclusion == m_exclusion)
+        return;
+    m_exclusion = exclusion;
+    // Only while it is needed: with a listener, text is laid out line by line.
+    disconnect(m_lineLayout);
+    if (!exclusion.isEmpty())
+        m_lineLayout =
+            connect(m_text, &QQuickText::lineLaidOut, this, [this](QQuickTextLine* line) { fitLine(*line); });
+    m_text->forceLayout();
+    emit styleChanged();
+}
+
+void Label::fitLine(QObject& line) const
+{
+    const double top = line.property("y").toDouble();
+    const double bottom = top + line.property("height").toDouble();
+    if (top < m_exclusion.bottom() && bottom > m_exclusion.top())
+        line.setProperty("width", std::clamp(m_exclusion.left(), 0.0, line.property("width").toDouble()));
 }
 
 void Label::geometryChange(const QRectF& now, const QRectF& before)

@@ -19,6 +19,7 @@ class Label : public virlo::View
     Q_PROPERTY(
         Qt::Alignment textAlignment READ textAlignment WRITE setTextAlignment NOTIFY styleChanged FINAL)
     Q_PROPERTY(bool wraps READ wraps WRITE setWraps NOTIFY styleChanged FINAL)
+    Q_PROPERTY(QRectF exclusion READ exclusion WRITE setExclusion NOTIFY styleChanged FINAL)
 
 public:
     explicit Label(QQuickItem* superview = nullptr);
@@ -41,6 +42,11 @@ public:
     [[nodiscard]] bool wraps() const;
     void setWraps(bool wraps);
 
+    /// A rectangle at the text's right edge into which no line reaches; empty at first.
+    [[nodiscard]] QRectF exclusion() const noexcept { return m_exclusion; }
+
+    void setExclusion(const QRectF& exclusion);
+
 signals:
     void textChanged();
     void styleChanged();
@@ -50,10 +56,13 @@ protected:
 
 private:
     void alignByScript();
+    void fitLine(QObject& line) const;
 
     QQuickText* m_text;
     bool m_alignsByScript = true;
     double m_fontSize = 34;
+    QRectF m_exclusion;
+    QMetaObject::Connection m_lineLayout;
 };
 
 } // namespace virlo
