@@ -2,6 +2,8 @@
 
 #include "VIRLOImageStore.h"
 
+#include <functional>
+
 /// The common part of the stores with memory caches: reads try memory first, writes go to both levels
 /// together with a thumbnail. Every read decodes again, so that memory holds encoded bytes only.
 class VIRLOCachedImageStore : public VIRLOImageStore
@@ -10,6 +12,10 @@ public:
     [[nodiscard]] std::shared_ptr<const virlo::Image> imageForItem(const VIRLOAdItem& item) override;
     [[nodiscard]] std::shared_ptr<const virlo::Image> thumbnailForItem(const VIRLOAdItem& item) override;
     void setImageForItem(std::string bytes, const VIRLOAdItem& item) override;
+
+    /// The middle of the image, scaled to exactly this size in pixels.
+    [[nodiscard]] std::shared_ptr<const virlo::Image> imageForItemFilling(const VIRLOAdItem& item, int width,
+                                                                          int height);
 
 protected:
     static constexpr std::size_t mebibyte = std::size_t{1024} * 1024;
@@ -20,7 +26,11 @@ protected:
     /// decode.
     [[nodiscard]] virtual Bytes thumbnailOf(const Bytes& bytes) const;
 
-    /// From `cache`, or else from the file; a file that decodes is put into `cache`.
+private:
+    using Decode = std::shared_ptr<const virlo::Image>(const std::string& bytes);
+
+    /// A file that decodes goes into `cache`.
     [[nodiscard]] static std::shared_ptr<const virlo::Image>
-    imageOf(Cache& cache, const std::string& directory, const Key& key);
+    imageOf(Cache& cache, const std::string& directory, const Key& key, const std::function<Decode>& decode);
+    void storeThumbnail(const Key& key, const Bytes& bytes);
 };
