@@ -2,7 +2,7 @@ find_package(Qt6 6.4 REQUIRED COMPONENTS Quick)
 
 # The screens: for each a folder of ViewControllers. A screen with a scene also has a QML document in Storyboard, named
 # by its identifier. VIRLOAdStoryboardScreens.cpp lists them for the code.
-set(VIRLO_SCREENS Fullscreen Interstitial Video)
+set(VIRLO_SCREENS AppGrid Fullscreen Interstitial Video)
 
 # The image stores, the controls and the screens, apart from the shared library so that tests can use what that one hides.
 # A program that links it calls VIRLOAdStoryboardScreens::start.
@@ -64,6 +64,11 @@ qt_add_resources(virlo-screens virlo-images
   PREFIX "/com.virlohq.VIRLOAdFramework"
   BASE Resources
   FILES
+    Resources/AdGridAppStore.png
+    Resources/AdGridMail.png
+    Resources/AdGridPhone.png
+    Resources/AdGridPlay.png
+    Resources/AdGridSMS.png
     Resources/Star34-empty.png
     Resources/Star34-full.png
     Resources/Star34-half.png

@@ -129,6 +129,23 @@ def star(x, y):
     return (-distance if inside else distance) - 1.2
 
 
+def play(x, y):
+    """A triangle with rounded corners in a ring."""
+    ring = abs(circle(x, y, 24, 24, 19.5)) - 1.9
+    edges = (segment(x, y, 20, 16.5, 20, 31.5, 0), segment(x, y, 20, 16.5, 32, 24, 0),
+             segment(x, y, 20, 31.5, 32, 24, 0))
+    inside = x > 20 and abs(y - 24) < 7.5 * (32 - x) / 12
+    return min(ring, (-min(edges) if inside else min(edges)) - 1.6)
+
+
+def app_tile(x, y):
+    """The placeholder of an app's icon: four tiles on a light ground."""
+    tiles = min(rounded_box(x, y, left, top, left + 38, top + 38, 9) for left in (33, 79) for top in (33, 79))
+    cover = 0.55 * coverage(tiles)
+    return (*(round(ground * (1 - cover) + tile * cover) for ground, tile in zip((0xC9, 0xD6, 0xDA), (0x6F, 0x86, 0x90))),
+            1.0)
+
+
 def main():
     folder = pathlib.Path(__file__).resolve().parent
     write_png(folder / "fullscreen_close.png", 44, cross(WHITE, BLACK))
@@ -138,6 +155,10 @@ def main():
     write_png(folder / "icon_email.png", 48, glyph(envelope))
     write_png(folder / "icon_phone.png", 48, glyph(handset))
     write_png(folder / "icon_sms.png", 48, glyph(bubble))
+    slate = (0x33, 0x47, 0x52)
+    for name, shape in (("Mail", envelope), ("Phone", handset), ("Play", play), ("SMS", bubble)):
+        write_png(folder / f"AdGrid{name}.png", 48, lambda x, y, shape=shape: (*slate, coverage(shape(x, y))))
+    write_png(folder / "AdGridAppStore.png", 150, app_tile)
     gold = (0xFF, 0xC2, 0x3D)
     write_png(folder / "Star34-full.png", 34, lambda x, y: (*gold, coverage(star(x, y))))
     write_png(folder / "Star34-half.png", 34, lambda x, y: (*gold, coverage(max(star(x, y), x - 17))))

@@ -44,8 +44,9 @@ void VIRLOFrameworkImages::warmUp()
 {
     virlo::GlobalQueue::background().async([] {
         for (const char* name :
-             {"countdown_halo.png", "countdown_halo_light.png", "fullscreen_close.png",
-              "fullscreen_close_dark.png", "icon_email.png", "icon_phone.png", "icon_sms.png"})
+             {"AdGridMail.png", "AdGridPhone.png", "AdGridPlay.png", "AdGridSMS.png", "countdown_halo.png",
+              "countdown_halo_light.png", "fullscreen_close.png", "fullscreen_close_dark.png",
+              "icon_email.png", "icon_phone.png", "icon_sms.png"})
             static_cast<void>(imageNamed(name));
     });
 }

@@ -4,6 +4,7 @@
 #include "MainLoop.h"
 #include "Storyboard.h"
 #include "VIRLOAdFullscreenViewController.h"
+#include "VIRLOAdGridViewController.h"
 #include "VIRLOAdInterstitialViewController.h"
 #include "VIRLOAdServerAPI.h"
 #include "VIRLOAdVideoViewController.h"
@@ -42,6 +43,12 @@ struct ScreenKind {
 
 /// Every screen of the library.
 const std::array screenKinds{
+    ScreenKind{VIRLOAdvertisementType::Discovery, "QDXAdGridViewController",
+               &make<VIRLOAdGridViewController>},
+    ScreenKind{VIRLOAdvertisementType::DiscoveryAlternative, "QDXAdGridViewController",
+               &make<VIRLOAdGridViewController>},
+    ScreenKind{VIRLOAdvertisementType::Recommendation, "QDXAdGridViewController",
+               &make<VIRLOAdGridViewController>},
     ScreenKind{VIRLOAdvertisementType::Engagement, "QDXAdFullscreenViewController",
                &make<VIRLOAdFullscreenViewController>},
     ScreenKind{VIRLOAdvertisementType::Interstitial, "QDXAdSingleViewController",

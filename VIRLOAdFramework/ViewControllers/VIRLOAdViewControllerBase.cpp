@@ -167,6 +167,11 @@ void VIRLOAdViewControllerBase::closeAd()
         video->completeAd();
         return;
     }
+    completeAdForViewer();
+}
+
+void VIRLOAdViewControllerBase::completeAdForViewer()
+{
     ++m_closings;
     completeAd();
 }
@@ -221,16 +226,19 @@ OptionalError VIRLOAdViewControllerBase::sceneError() const
     return virlo::Error{VIRLOAdFrameworkBundleIdentifier, 0, {{"Reason", "The scene cannot be loaded."}}};
 }
 
-void VIRLOAdViewControllerBase::reportImpressionOfItem(const std::shared_ptr<VIRLOAdItem>& item) const
+void VIRLOAdViewControllerBase::reportImpressionOfItem(const std::shared_ptr<VIRLOAdItem>& item)
 {
-    if (!item || item->impressionMarked())
+    const auto server = api();
+    if (!server || !item || item->impressionMarked() || !m_impressionsOnTheirWay.insert(item).second)
         return;
-    virlo::GlobalQueue::background().async([server = api(), item] {
-        if (!server)
-            return;
-        server->registerImpressionForItemWithCompletion(*item, [item](const OptionalError& error) {
+    virlo::GlobalQueue::background().async([weak = weakSelf(*this), server, item] {
+        server->registerImpressionForItemWithCompletion(*item, [weak, item](const OptionalError& error) {
             if (!error)
                 item->setImpressionMarked(true);
+            MainLoop::shared().post([weak, item] {
+                if (const auto self = weak.lock())
+                    self->m_impressionsOnTheirWay.erase(item);
+            });
         });
     });
 }

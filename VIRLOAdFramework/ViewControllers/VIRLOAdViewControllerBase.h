@@ -7,6 +7,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <set>
 #include <vector>
 
 class VIRLOAdItem;
@@ -73,6 +74,9 @@ protected:
     /// then. The base has none.
     [[nodiscard]] virtual bool closeOverlay();
 
+    /// As its close button does: ends the ad, and nothing that is on its way opens any more.
+    void completeAdForViewer();
+
     /// If the item has a video: preloads it as a child that fills the screen, removes it once it has ended,
     /// and then updates the focus. `show` inserts its view into this one, on the main thread. A video whose
     /// document cannot be read is left out. The group is left when that is done.
@@ -84,8 +88,9 @@ protected:
     /// For the preload's completion: an error if the scene could not be loaded.
     [[nodiscard]] virlo::OptionalError sceneError() const;
 
-    /// Reports the item's impression in the background, unless the server has accepted a report of it.
-    void reportImpressionOfItem(const std::shared_ptr<VIRLOAdItem>& item) const;
+    /// Reports the item's impression in the background, unless the server has accepted a report of it or one
+    /// is on its way.
+    void reportImpressionOfItem(const std::shared_ptr<VIRLOAdItem>& item);
 
     /// While an overlay is shown.
     void pauseVideos();
@@ -110,4 +115,5 @@ private:
     std::weak_ptr<VIRLOAdServerAPI> m_api;
     std::shared_ptr<virlo::TapRecognizer> m_menuButtonRecognizer;
     std::atomic<int> m_closings{0}; ///< how often the viewer has closed the screen
+    std::set<std::shared_ptr<VIRLOAdItem>> m_impressionsOnTheirWay;
 };

@@ -8,6 +8,7 @@
 
 const VIRLOFocusLift VIRLOFocusLift::fullscreen{1.05, {0.0, 15.0}, 0.4, 10.0, false};
 const VIRLOFocusLift VIRLOFocusLift::interstitial{1.1F, {3.0, 3.0}, 0.75, 10.0, true};
+const VIRLOFocusLift VIRLOFocusLift::grid{1.15F, {3.0, 3.0}, 0.75, 10.0, true};
 
 void VIRLOFocusLift::apply(const virlo::FocusUpdateContext& context,
                            virlo::FocusAnimationCoordinator& coordinator) const

@@ -18,6 +18,7 @@ struct VIRLOFocusLift {
 
     static const VIRLOFocusLift fullscreen;
     static const VIRLOFocusLift interstitial;
+    static const VIRLOFocusLift grid;
 
     /// Lifts the next view and lets the previous one down, each where it is a button, in the move's
     /// animations.

@@ -25,6 +25,7 @@
 #include "VIRLOFocusLift.h"
 #include "VIRLOFocusPreference.h"
 #include "VIRLOFrameworkImages.h"
+#include "VIRLOScreenText.h"
 
 #include <QCoreApplication>
 #include <QPointer>
@@ -38,6 +39,8 @@ using virlo::GlobalQueue;
 using virlo::MainLoop;
 using virlo::OptionalError;
 using virlo::Seconds;
+using VIRLOScreenText::joined;
+using VIRLOScreenText::line;
 
 namespace
 {
@@ -58,18 +61,6 @@ constexpr double shakeReach = 8.0;
 
 constexpr QSizeF videoButtonSize(460.0, 90.0);
 constexpr double safeMargin = 60.0;
-
-/// On one line, whatever the server sent.
-QString line(const std::optional<std::string>& text)
-{
-    return virlo::toQString(text.value_or("")).simplified();
-}
-
-/// What the server left out leaves no sign behind.
-QString joined(const QString& first, const QString& second)
-{
-    return first.isEmpty() || second.isEmpty() ? first + second : first + QStringLiteral(" | ") + second;
-}
 
 double inside(double position, double extent, double whole)
 {
