@@ -1,7 +1,10 @@
 // bench-host AUTHORITY [WIDTHxHEIGHT]: a host with nothing in it but ads, for measuring from outside. Reads
 // commands from standard input: "show PLACEMENT" asks for an ad, presents it and says "painted
-// MILLISECONDS STALL", the time from the question to the first frame and the longest time that the main
-// thread was not free meanwhile; "close" presses Menu and says "closed".
+// MILLISECONDS STALL PRESENTED", the time from the question to the first frame, the longest time that the
+// main thread was not free meanwhile, and the time from the presentation on; "close" presses Menu and says
+// "closed"; "down" presses that arrow; "slide SECONDS" and "scroll LINES" see SlideWatch.
+
+#include "SlideWatch.h"
 
 #include <VIRLOAdFramework/Bundle.h>
 #include <VIRLOAdFramework/NetworkFlags.h>
@@ -11,7 +14,6 @@
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
-#include <QKeyEvent>
 #include <QQuickWindow>
 #include <QSocketNotifier>
 #include <QTimer>
@@ -83,20 +85,13 @@ public:
                         return;
                     }
                     m_presented = true;
+                    m_sincePresented.start();
                     VIRLOAdPresenter::present(screen, &m_window, [] {
                         std::puts("closed");
                         std::fflush(stdout);
                     });
                 });
             });
-    }
-
-    void close()
-    {
-        for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-            QKeyEvent event(type, Qt::Key_Escape, Qt::NoModifier);
-            QCoreApplication::sendEvent(&m_window, &event);
-        }
     }
 
 private:
@@ -106,12 +101,14 @@ private:
             return;
         m_waiting = false;
         const double milliseconds = static_cast<double>(m_sinceAsked.nsecsElapsed()) / 1e6;
-        std::printf("painted %.3f %.3f\n", milliseconds, m_stall.stop());
+        const double presented = static_cast<double>(m_sincePresented.nsecsElapsed()) / 1e6;
+        std::printf("painted %.3f %.3f %.3f\n", milliseconds, m_stall.stop(), presented);
         std::fflush(stdout);
     }
 
     QQuickWindow& m_window;
     QElapsedTimer m_sinceAsked;
+    QElapsedTimer m_sincePresented;
     StallWatch m_stall;
     bool m_waiting = false;
     bool m_presented = false;
@@ -138,6 +135,7 @@ int main(int count, char** arguments)
     window.show();
     window.requestActivate();
     BenchHost host(window);
+    SlideWatch slide(window);
     VIRLOAdController::sharedAdController()->startWithAppIdentifier("bench-host");
 
     QSocketNotifier input(0, QSocketNotifier::Read);
@@ -148,7 +146,13 @@ int main(int count, char** arguments)
         if (command.starts_with("show "))
             host.show(command.substr(5));
         else if (command == "close")
-            host.close();
+            slide.press(Qt::Key_Escape);
+        else if (command == "down")
+            slide.press(Qt::Key_Down);
+        else if (command.starts_with("slide "))
+            slide.slide(std::stoi(command.substr(6)));
+        else if (command.starts_with("scroll "))
+            slide.scroll(std::stoi(command.substr(7)));
     });
     return QGuiApplication::exec();
 }
