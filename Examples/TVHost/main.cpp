@@ -36,6 +36,11 @@ int main(int count, char** arguments)
 
     Game game;
     QQuickView window;
+    // First of all: the ad is on its way while the menu is made.
+    const auto ads = std::make_shared<AdIntegration>(window, game);
+    ads->start();
+    if (!options.isSet("scenario"))
+        ads->showAd(VIRLOAdFrameworkPlacementAppLaunch);
     window.setTitle("Ember Trail");
     window.setResizeMode(QQuickView::SizeRootObjectToView);
     window.engine()->addImportPath("qrc:/qt/qml");
@@ -43,10 +48,7 @@ int main(int count, char** arguments)
     window.setSource(QUrl("qrc:/qt/qml/TVHost/HostMenu.qml"));
     QObject::connect(window.engine(), &QQmlEngine::quit, &application, &QGuiApplication::quit);
 
-    const auto ads = std::make_shared<AdIntegration>(window, game);
-    ads->start();
     if (!options.isSet("scenario")) {
-        ads->showAd(VIRLOAdFrameworkPlacementAppLaunch);
         // The whole screen, also without a window manager that would see to it.
         window.setGeometry(window.screen()->geometry());
         window.showFullScreen();
