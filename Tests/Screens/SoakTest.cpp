@@ -81,9 +81,11 @@ protected:
         EXPECT_TRUE(settle([&] { return window.left().hasActiveFocus(); })) << name;
     }
 
-    /// Lets the delayed currency checks pass.
+    /// Lets the delayed currency checks pass. A weak pointer keeps the memory of its screen: only those to
+    /// screens that still exist stay.
     void rest()
     {
+        std::erase_if(m_shown, [](const auto& shown) { return shown.second.expired(); });
         clock.advance(Seconds(31));
         server().clearRequests();
     }
@@ -129,9 +131,10 @@ TEST_F(Soak, MixedAdsWithFaultsLeaveNothingBehind)
     show(rounds);
     const Footprint after = footprint(window);
     RecordProperty("pss_growth_kib", static_cast<int>(after.kibibytes - before.kibibytes));
-    // A screen takes over 50 KiB, its image 8 MiB; the server, which is in this process, grows by some.
+    // A screen takes over 50 KiB, its image 8 MiB. Heap and server, which is in this process, fill ever more
+    // slowly: 2 MiB after 100 rounds, 6 after 1,000, 7 after 3,000.
     if (Footprint::memoryTells) {
-        EXPECT_LT(after.kibibytes - before.kibibytes, 4096 + 8 * rounds);
+        EXPECT_LT(after.kibibytes - before.kibibytes, 4096 + 4 * rounds);
     }
     EXPECT_LE(after.threads, before.threads + 2);         // workers come and go
     EXPECT_LE(after.descriptors, before.descriptors + 6); // as do kept connections
