@@ -11,7 +11,9 @@ target_include_directories(virlo-core PUBLIC
 target_sources(virlo-core PRIVATE
   VIRLOAdController.cpp
   VIRLOAdFrameworkLogger.cpp
+  VIRLOAdReports.cpp
   VIRLOAdScreens.cpp
+  VIRLOAdViewController.cpp
   VIRLOConnectionMeasurement.cpp
   VIRLOConnectionQualityMonitor.cpp
   VIRLOConstans.cpp

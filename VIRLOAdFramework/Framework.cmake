@@ -1,7 +1,3 @@
-include(CMakePackageConfigHelpers)
-include(GNUInstallDirs)
-find_package(nlohmann_json REQUIRED)
-
 # What hosts link: everything below in one library that exports only what carries VIRLO_EXPORT. The archives are linked
 # whole, since hosts may call what the library itself does not.
 add_library(VIRLOAdFramework SHARED LibraryStart.cpp $<TARGET_OBJECTS:virlo-screens>)
@@ -35,56 +31,16 @@ if(VIRLO_BUILD_MEDIA)
     PRIVATE "$<TARGET_PROPERTY:virlo-platform,INTERFACE_INCLUDE_DIRECTORIES>")
   target_link_libraries(virlo-media-module PRIVATE virlo-media-engine VIRLOAdFramework)
   target_link_options(virlo-media-module PRIVATE -Wl,--no-undefined)
-  install(TARGETS virlo-media-module LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/virloadframework")
+  install(TARGETS virlo-media-module
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/virloadframework" COMPONENT media)
 endif()
 
-# Hosts write <VIRLOAdFramework/VIRLOAdController.h>, in the build as after the installation.
-set(VIRLO_PUBLIC_HEADERS
-  VIRLOAdController.h
-  VIRLOAdFrameworkLogger.h
-  VIRLOConstans.h
-  VIRLOUserProfile.h
+virlo_public_headers(VIRLOAdFramework framework-dev
   ViewControllers/VIRLOAdPresenter.h
-  ViewControllers/VIRLOAdViewController.h
-  ../Platform/Foundation/Device/Bundle.h
-  ../Platform/Foundation/Concurrency/Clock.h
-  ../Platform/Foundation/Device/AdvertisingIdentifier.h
-  ../Platform/Foundation/Base/Error.h
-  ../Platform/Foundation/Base/Exception.h
-  ../Platform/Foundation/Base/Export.h
-  ../Platform/Foundation/Base/JSON.h
-  ../Platform/Foundation/Network/NetworkFlags.h
-  ../Platform/Foundation/Concurrency/NotificationCenter.h
-  ../Platform/Foundation/Device/Preferences.h
-  ../Platform/Foundation/Concurrency/SerialQueue.h
-  ../Platform/Foundation/Base/StringFormat.h
-  ../Platform/Foundation/Base/SystemLog.h
-  ../Platform/Foundation/Network/URL.h
-  ../Platform/Foundation/Network/URLSession.h
   ../Platform/UI/Presentation/Application.h
 )
-set(VIRLO_HEADER_FOLDER "${CMAKE_BINARY_DIR}/include/VIRLOAdFramework")
-file(MAKE_DIRECTORY "${VIRLO_HEADER_FOLDER}")
-foreach(header IN LISTS VIRLO_PUBLIC_HEADERS)
-  get_filename_component(name "${header}" NAME)
-  file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}/${header}" "${VIRLO_HEADER_FOLDER}/${name}" SYMBOLIC)
-endforeach()
-target_include_directories(VIRLOAdFramework INTERFACE
-  "$<BUILD_INTERFACE:${CMAKE_BINARY_DIR}/include>"
-  "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>")
-
-set(VIRLO_CONFIG_FOLDER "${CMAKE_INSTALL_LIBDIR}/cmake/VIRLOAdFramework")
-configure_package_config_file(VIRLOAdFrameworkConfig.cmake.in VIRLOAdFrameworkConfig.cmake
-  INSTALL_DESTINATION "${VIRLO_CONFIG_FOLDER}")
-write_basic_package_version_file(VIRLOAdFrameworkConfigVersion.cmake COMPATIBILITY SameMajorVersion)
-file(RELATIVE_PATH VIRLO_PREFIX_FROM_PKGCONFIG "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
-configure_file(virloadframework.pc.in virloadframework.pc @ONLY)
-install(TARGETS VIRLOAdFramework EXPORT VIRLOAdFrameworkTargets)
-install(EXPORT VIRLOAdFrameworkTargets NAMESPACE VIRLOAdFramework:: DESTINATION "${VIRLO_CONFIG_FOLDER}")
-install(FILES ${VIRLO_PUBLIC_HEADERS} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/VIRLOAdFramework")
-install(FILES
-  "${CMAKE_CURRENT_BINARY_DIR}/VIRLOAdFrameworkConfig.cmake"
-  "${CMAKE_CURRENT_BINARY_DIR}/VIRLOAdFrameworkConfigVersion.cmake"
-  DESTINATION "${VIRLO_CONFIG_FOLDER}")
-install(FILES "${CMAKE_CURRENT_BINARY_DIR}/virloadframework.pc"
-  DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+install(TARGETS VIRLOAdFramework EXPORT VIRLOAdFrameworkScreensTargets
+  LIBRARY COMPONENT framework NAMELINK_COMPONENT framework-dev)
+install(EXPORT VIRLOAdFrameworkScreensTargets
+  NAMESPACE VIRLOAdFramework:: DESTINATION "${VIRLO_CONFIG_FOLDER}" COMPONENT framework-dev)
+virlo_pkgconfig(virloadframework framework-dev)

@@ -37,7 +37,6 @@ target_sources(virlo-screens PRIVATE
   Utilities/VIRLOTimerProgress.cpp
   ViewControllers/VIRLOAdPresenter.cpp
   ViewControllers/VIRLOAdStoryboardScreens.cpp
-  ViewControllers/VIRLOAdViewController.cpp
   ViewControllers/VIRLOAdViewControllerBase.cpp
   ViewControllers/VIRLOFocusLift.cpp
 )

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Error.h"
+#include "Export.h"
 
 #include <functional>
 #include <memory>
@@ -9,9 +10,10 @@ class VIRLOAdServerAPI;
 class VIRLOAdViewController;
 class VIRLOAdvertisement;
 
-/// Creates screens. The core has none: the presentation layer installs its factory, and a program without
-/// that layer has no screens. Any thread.
-class VIRLOAdScreens
+/// Creates screens. The core has none, and without them a request for an ad gives neither screen nor error:
+/// the presentation layer installs its factory when it is loaded, and a host without Qt installs its own,
+/// whose screens derive from VIRLOAdViewController and report by VIRLOAdReports.h. Any thread.
+class VIRLO_EXPORT VIRLOAdScreens
 {
 public:
     /// Neither screen nor error if the advertisement's type has no screen; never both.

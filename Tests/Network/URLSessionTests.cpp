@@ -230,7 +230,7 @@ TEST_F(TLSTest, SessionWithoutTheAuthorityNeverUsesATrustingOnesConnection)
     stranger.start();
     for (const auto& wary : {makeSession(), makeSession(stranger.authorityFile().string())}) {
         const auto result = get(*wary, url("/"));
-        EXPECT_EQ(result.code(), URLSession::failed);
+        EXPECT_EQ(result.code(), URLSession::untrusted);
         EXPECT_FALSE(result.response);
     }
     EXPECT_EQ(get(*trusted, url("/")).status(), 200);
@@ -240,7 +240,7 @@ TEST_F(TLSTest, SessionWithoutTheAuthorityNeverUsesATrustingOnesConnection)
 TEST_F(TLSTest, MissingAuthoritiesFileIsAnErrorThatNamesIt)
 {
     const auto result = get(*makeSession("/nowhere/authority.pem"), url("/"));
-    EXPECT_EQ(result.code(), URLSession::failed);
+    EXPECT_EQ(result.code(), URLSession::untrusted);
     ASSERT_TRUE(result.error);
     EXPECT_THAT(result.error->userInfo["Reason"].get<std::string>(),
                 testing::HasSubstr("/nowhere/authority.pem"));

@@ -1,4 +1,5 @@
 #include "JSONSerialization.h"
+#include "VIRLOAdFrameworkLogger.h"
 #include "VIRLOAdServerAPI.h"
 #include "VIRLOSession.h"
 
@@ -80,11 +81,16 @@ void VIRLOAdServerAPI::sessionRequestOfTypeToURLWithDictionaryAndCompletionHandl
     if (const auto session = serverSession())
         request.headers = {{"VRL-SessionId", session->identifier()}};
 
-    // The transport's own error is not passed on: every failure without a response is the same error.
+    // The transport's own error is not passed on: every failure without a response is the same error. One
+    // that no later attempt mends is logged: a host that trusts the wrong authorities has nothing else to go
+    // by.
     m_session
         ->dataTask(std::move(request),
                    [completion = std::move(completion)](const std::string& data, const Response& response,
-                                                        const virlo::OptionalError&) {
+                                                        const virlo::OptionalError& error) {
+                       if (error && error->code == virlo::URLSession::untrusted)
+                           VIRLOAdFrameworkLogger::logErrorWithFormat("The ad server is not trusted. %@",
+                                                                      error);
                        completeWithResponse(completion, data, response);
                    })
         ->resume();

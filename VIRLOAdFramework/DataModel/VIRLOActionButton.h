@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Color.h"
+#include "Export.h"
 #include "JSON.h"
 
 #include <memory>
@@ -10,7 +11,7 @@
 /// The call-to-action button of an ad item: label, colours, position and action. Immutable; any thread.
 /// Construction from the server's JSON never fails: a key that is missing or of another type leaves its
 /// property empty.
-class VIRLOActionButton
+class VIRLO_EXPORT VIRLOActionButton
 {
 public:
     /// Colours without keys are opaque black, positions 0.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Export.h"
 #include "JSON.h"
 #include "URL.h"
 #include "VIRLOActionButton.h"
@@ -26,7 +27,7 @@ enum class VIRLOAdItemType : std::uint64_t {
 /// and `setImpressionMarked` on any thread; the other setters only before the item is shared.
 ///
 /// Items are equal by `identifier`, so they serve as cache keys; an item without one equals none.
-class VIRLOAdItem
+class VIRLO_EXPORT VIRLOAdItem
 {
 public:
     [[nodiscard]] static std::shared_ptr<VIRLOAdItem> initWithDictionary(const virlo::JSON& dictionary);

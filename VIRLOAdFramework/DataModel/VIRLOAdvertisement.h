@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Clock.h"
+#include "Export.h"
 #include "JSON.h"
 #include "URL.h"
 #include "VIRLOAdItem.h"
@@ -27,7 +28,7 @@ enum class VIRLOAdvertisementType : std::uint64_t {
 /// One response of the ad server to a request for an ad: type, items, and the URL of further items. Held by
 /// the screen that shows it. Construction never fails: a key that is missing or of another type leaves its
 /// property empty. Items are never removed. Any thread; the setters only before it is shared.
-class VIRLOAdvertisement
+class VIRLO_EXPORT VIRLOAdvertisement
 {
 public:
     using Items = std::vector<std::shared_ptr<VIRLOAdItem>>;

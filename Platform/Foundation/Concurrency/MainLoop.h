@@ -1,16 +1,18 @@
 #pragma once
 
 #include "Clock.h"
+#include "Export.h"
 
 #include <functional>
 
 namespace virlo
 {
 
-/// The main thread's loop. A program with another loop (Qt's) sets an adapter; any other gets the built-in
-/// loop and drives it by `runUntil`. `post` may be called from any thread and never runs its work on the
+/// The main thread's loop, on which the session's timers run. A program with another loop (Qt's) sets an
+/// adapter; any other gets the built-in loop and drives it by `runUntil`, which may also be the wait between
+/// two frames of its own loop. `post` may be called from any thread and never runs its work on the
 /// caller's stack; work runs in the order posted.
-class MainLoop
+class VIRLO_EXPORT MainLoop
 {
 public:
     virtual ~MainLoop() = default;

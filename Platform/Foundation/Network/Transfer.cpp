@@ -296,6 +296,8 @@ void Transfer::finish(CURLcode result)
         auto code = URLSession::failed;
         if (result == CURLE_OPERATION_TIMEDOUT)
             code = URLSession::timedOut;
+        else if (result == CURLE_PEER_FAILED_VERIFICATION || result == CURLE_SSL_CACERT_BADFILE)
+            code = URLSession::untrusted;
         else if (result == CURLE_URL_MALFORMAT || (result == CURLE_UNSUPPORTED_PROTOCOL && m_headSize > 0))
             code = URLSession::unsupportedURL; // the second is a redirect to anything but http and https
         const char* text = m_handle ? m_handle->errorText : "";

@@ -93,7 +93,8 @@ public:
         timedOut = 3,
         bodyTooLong = 4,
         unsupportedURL = 5,
-        sessionEnded = 6
+        sessionEnded = 6,
+        untrusted = 7 ///< the server's certificate, or there is no list of authorities to hold it against
     };
 
     /// `response` is absent exactly where no final head arrived. `data` holds what arrived of the body, also
