@@ -25,6 +25,7 @@ namespace
 {
 
 std::atomic<URLOpener*> currentOpener{nullptr};
+std::atomic<bool> followsWindows{true};
 
 bool anyWindowVisible()
 {
@@ -74,7 +75,7 @@ private:
     {
         MainScreen::refresh();
         const Activity now = activity();
-        if (std::exchange(m_activity, now) == now)
+        if (std::exchange(m_activity, now) == now || !followsWindows)
             return;
         watchWindows();
         if (now == Activity::Active)
@@ -140,6 +141,11 @@ void Application::openURL(const std::optional<URL>& url, std::function<void(bool
 void Application::setURLOpener(URLOpener* opener)
 {
     currentOpener = opener;
+}
+
+void Application::setFollowsWindows(bool follows)
+{
+    followsWindows = follows;
 }
 
 void Application::start()

@@ -38,6 +38,10 @@ public:
     /// refusal, and refuses relative URLs and those of local files. Not owned; it must outlive its last call.
     static void setURLOpener(URLOpener* opener);
 
+    /// False for a program whose windows come and go for another one's sake: it posts did become active and
+    /// did enter background itself. True unless set; call it before the application object is made.
+    static void setFollowsWindows(bool follows);
+
     /// Starts the main loop and the notifications: with the application object, or at once where there is
     /// one. The shared library calls it when it is loaded. Any thread; later calls do nothing.
     static void start();
