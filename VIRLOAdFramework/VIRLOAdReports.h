@@ -15,7 +15,7 @@ class VIRLOAdServerAPI;
 namespace VIRLOAdReports
 {
 /// The item is shown. Does nothing once the server has accepted a report of this item, so a screen may call
-/// it each time.
+/// it each time that it shows the item.
 VIRLO_EXPORT void reportImpression(const std::shared_ptr<VIRLOAdServerAPI>& api,
                                    const std::shared_ptr<VIRLOAdItem>& item);
 
