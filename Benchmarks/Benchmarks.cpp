@@ -12,6 +12,7 @@ constexpr std::array all{
     Benchmark{"screen", nullptr},
     Benchmark{"images", nullptr},
     Benchmark{"host-process", benchHostProcess},
+    Benchmark{"interstitial", benchInterstitial},
     Benchmark{"app-grid", benchAppGrid},
     Benchmark{"core-memory", benchCoreMemory},
     Benchmark{"video-screen", nullptr},

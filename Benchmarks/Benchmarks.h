@@ -20,6 +20,7 @@ struct Benchmark {
 // Other processes, measured from this one: it has none of the libraries that they are measured with, or
 // their pages would count as shared.
 void benchHostProcess(Results& results);
+void benchInterstitial(Results& results);
 void benchAppGrid(Results& results);
 void benchCoreMemory(Results& results);
 void benchVideoProcess(Results& results);
