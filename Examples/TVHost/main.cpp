@@ -15,6 +15,20 @@
 #include <QScreen>
 #include <QTimer>
 
+#include <cstdio>
+
+namespace
+{
+
+/// Empty where the text is none.
+QSize sizeOf(const QString& text)
+{
+    const QStringList sides = text.split('x');
+    return sides.size() == 2 ? QSize(sides[0].toInt(), sides[1].toInt()) : QSize();
+}
+
+} // namespace
+
 int main(int count, char** arguments)
 {
     QGuiApplication application(count, arguments);
@@ -22,10 +36,17 @@ int main(int count, char** arguments)
     options.setApplicationDescription("A small game menu that shows ads.");
     options.addHelpOption();
     options.addOption({"authority", "Trust the certificates of this authority too.", "PEM"});
-    options.addOptions({{"scenario", "Play the steps of this file and quit.", "JSON"},
-                        {"images", "Leave the scenario's images in this folder.", "DIR", "."},
-                        {"log", "The ad server's request log, which the scenario waits for.", "FILE"}});
+    options.addOptions(
+        {{"scenario", "Play the steps of this file and quit.", "JSON"},
+         {"images", "Leave the scenario's images in this folder.", "DIR", "."},
+         {"log", "The ad server's request log, which the scenario waits for.", "FILE"},
+         {"size", "The window's size (default: the whole screen; 1920x1080 for a scenario).", "WxH"}});
     options.process(application);
+    const QSize size = sizeOf(options.value("size"));
+    if (options.isSet("size") && size.isEmpty()) {
+        std::fputs("tv-host: --size needs a width and a height in pixels, as in 1280x720\n", stderr);
+        return 2;
+    }
 
     virlo::Bundle::setMainBundle("com.example.ember-trail", "Ember Trail", "2.4");
     virlo::URLSessionConfiguration::setDefaultTrustedAuthoritiesFile(
@@ -48,16 +69,18 @@ int main(int count, char** arguments)
     window.setSource(QUrl("qrc:/qt/qml/TVHost/HostMenu.qml"));
     QObject::connect(window.engine(), &QQmlEngine::quit, &application, &QGuiApplication::quit);
 
-    if (!options.isSet("scenario")) {
+    if (!options.isSet("scenario") && size.isEmpty()) {
         // The whole screen, also without a window manager that would see to it.
         window.setGeometry(window.screen()->geometry());
         window.showFullScreen();
         window.requestActivate();
         return QGuiApplication::exec();
     }
-    window.resize(1920, 1080);
+    window.resize(size.isEmpty() ? QSize(1920, 1080) : size);
     window.show();
     window.requestActivate();
+    if (!options.isSet("scenario"))
+        return QGuiApplication::exec();
 
     AppPages pages;
     virlo::Application::setURLOpener(&pages);
