@@ -56,6 +56,8 @@ int main(int count, char** arguments)
     virlo::NetworkFlagsSource::setShared(virlo::makeFixedNetworkFlags(virlo::NetworkFlagReachable).release());
 
     Game game;
+    // The inspector page's live view asks the game for ads by this.
+    application.setProperty("virloAdRequester", QVariant::fromValue<QObject*>(&game));
     QQuickView window;
     // First of all: the ad is on its way while the menu is made.
     const auto ads = std::make_shared<AdIntegration>(window, game);
