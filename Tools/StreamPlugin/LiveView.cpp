@@ -14,7 +14,7 @@ namespace
 constexpr qint64 focusInterval = 50; ///< ms
 
 /// The item of the library's own focus, which draws itself as focused; items of Qt's own focus come second.
-const QQuickItem* focusedView(const QQuickItem* item)
+QQuickItem* focusedView(QQuickItem* item)
 {
     if (!item->isVisible() || item->opacity() == 0)
         return nullptr;
@@ -22,20 +22,22 @@ const QQuickItem* focusedView(const QQuickItem* item)
         return item;
     const auto children = item->childItems();
     for (auto child = children.crbegin(); child != children.crend(); ++child)
-        if (const auto* found = focusedView(*child))
+        if (auto* found = focusedView(*child))
             return found;
     return nullptr;
 }
 
-QString nameOf(const QQuickItem* item)
+/// Of the item, or else of the nearest one around it that has a name.
+QString nameOf(QQuickItem* item)
 {
-    if (const auto name = item->property("accessibleName").toString(); !name.isEmpty())
-        return name;
-    if (auto* accessible = QAccessible::queryAccessibleInterface(const_cast<QQuickItem*>(item)))
-        if (const auto name = accessible->text(QAccessible::Name); !name.isEmpty())
+    for (auto* named = item; named != nullptr; named = named->parentItem()) {
+        if (const auto name = named->property("accessibleName").toString(); !name.isEmpty())
             return name;
-    return item->objectName().isEmpty() ? QString::fromLatin1(item->metaObject()->className())
-                                        : item->objectName();
+        if (auto* accessible = QAccessible::queryAccessibleInterface(named))
+            if (const auto name = accessible->text(QAccessible::Name); !name.isEmpty())
+                return name;
+    }
+    return QString::fromLatin1(item->metaObject()->className());
 }
 
 QObject* requester()
@@ -118,7 +120,7 @@ void LiveView::tellFocus()
     if (!m_window || m_sinceFocus.elapsed() < focusInterval)
         return;
     m_sinceFocus.restart();
-    const auto* item = focusedView(m_window->contentItem());
+    auto* item = focusedView(m_window->contentItem());
     if (item == nullptr)
         item = m_window->activeFocusItem();
     const auto name = item != nullptr ? nameOf(item) : QString();
