@@ -45,19 +45,22 @@ void RequestLog::append(RequestLogEntry entry)
         entry.id = ++m_lastIdentifier;
     entry.end = std::chrono::system_clock::now();
     const auto line = m_writes ? printJSON(entry.toJSON()) + '\n' : std::string();
+    auto summary = printJSON(entry.summary());
     if (m_feed.isHeard())
-        m_feed.publish("ended", printJSON(entry.summary()));
+        m_feed.publish("ended", summary);
     {
         const std::lock_guard lock(m_mutex);
         if (m_entries.size() >= mostKept || m_bytes > mostBytes) {
-            m_entries.erase(m_entries.begin(),
-                            m_entries.begin() + static_cast<std::ptrdiff_t>((m_entries.size() + 1) / 2));
+            const auto half = static_cast<std::ptrdiff_t>((m_entries.size() + 1) / 2);
+            m_entries.erase(m_entries.begin(), m_entries.begin() + half);
+            m_summaries.erase(m_summaries.begin(), m_summaries.begin() + half);
             m_bytes = 0;
             for (const auto& kept : m_entries)
                 m_bytes += bodiesOf(kept);
         }
         m_bytes += bodiesOf(entry);
         m_entries.push_back(std::move(entry));
+        m_summaries.push_back(std::move(summary));
         if (!line.empty() && !(m_file << line << std::flush) && !std::exchange(m_reportedFailure, true))
             std::fputs("ad-server: the log cannot be written any more\n", stderr);
     }
@@ -69,6 +72,7 @@ void RequestLog::clear()
     {
         const std::lock_guard lock(m_mutex);
         m_entries.clear();
+        m_summaries.clear();
         m_bytes = 0;
     }
     m_feed.publish("cleared", "{}");
@@ -78,6 +82,15 @@ std::vector<RequestLogEntry> RequestLog::requests() const
 {
     const std::lock_guard lock(m_mutex);
     return m_entries;
+}
+
+std::string RequestLog::summaries() const
+{
+    std::string text = "[";
+    const std::lock_guard lock(m_mutex);
+    for (const auto& summary : m_summaries)
+        text.append(text.size() > 1 ? "," : "").append(summary);
+    return text += ']';
 }
 
 std::optional<RequestLogEntry> RequestLog::find(std::uint64_t identifier) const

@@ -30,11 +30,11 @@ Response page()
     return response;
 }
 
-Response jsonText(const nlohmann::ordered_json& value)
+Response jsonText(std::string text)
 {
     Response response;
     response.contentType = "application/json";
-    response.text = printJSON(value);
+    response.text = std::move(text);
     return response;
 }
 
@@ -84,11 +84,13 @@ Response InspectorResponder::read(const ServerRequest& request) const
         return Response::json(
             {{"origin", m_adServer},
              {"liveView", m_liveView.empty() ? nlohmann::json() : nlohmann::json(m_liveView)}});
-    if (request.path == "/records" || request.path == "/records/all") {
+    if (request.path == "/records")
+        return jsonText(m_log.summaries());
+    if (request.path == "/records/all") {
         auto list = nlohmann::ordered_json::array();
         for (const auto& entry : m_log.requests())
-            list.push_back(request.path == "/records" ? entry.summary() : entry.toJSON());
-        return jsonText(list);
+            list.push_back(entry.toJSON());
+        return jsonText(printJSON(list));
     }
     if (request.path.starts_with(oneRecord))
         return record(request.path.substr(oneRecord.size()));
@@ -104,7 +106,7 @@ Response InspectorResponder::record(const std::string& rest) const
     if (failure != std::errc() || !entry)
         return Response::notFound();
     if (what.empty())
-        return jsonText(entry->toJSON());
+        return jsonText(printJSON(entry->toJSON()));
     return what == "/vast" ? m_explainer.explain(entry->responseBody) : Response::notFound();
 }
 

@@ -31,10 +31,10 @@ QQuickItem* focusedView(QQuickItem* item)
 QString nameOf(QQuickItem* item)
 {
     for (auto* named = item; named != nullptr; named = named->parentItem()) {
-        if (const auto name = named->property("accessibleName").toString(); !name.isEmpty())
+        if (auto name = named->property("accessibleName").toString(); !name.isEmpty())
             return name;
         if (auto* accessible = QAccessible::queryAccessibleInterface(named))
-            if (const auto name = accessible->text(QAccessible::Name); !name.isEmpty())
+            if (auto name = accessible->text(QAccessible::Name); !name.isEmpty())
                 return name;
     }
     return QString::fromLatin1(item->metaObject()->className());

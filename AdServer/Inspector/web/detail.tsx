@@ -154,8 +154,8 @@ const faultKinds: {label: string; title: string; fault: (request: Req) => object
 function FaultButtons({request}: {request: Req}): JSX.Element {
   const path = request.path;
   return (
-    <fieldset class="faultSet">
-      <legend>Fault on <code>{path}</code></legend>
+    <section class="panel faultSet" role="group" aria-label={`Fault on ${path}`}>
+      <h2><span>Fault on <code>{path}</code></span></h2>
       <span class="choices">
         {[[1, 'once'], [3, '3×'], [0, 'always']].map(([times, label]) => (
           <label key={String(label)}><input type="radio" name="times" checked={store.times === times}
@@ -169,7 +169,7 @@ function FaultButtons({request}: {request: Req}): JSX.Element {
             {kind.label}</button>
         ))}
       </span>
-    </fieldset>
+    </section>
   );
 }
 

@@ -244,11 +244,13 @@ class Judge {
       return this.anything.some(isOld) ? 'the ad is shown' : '';
     const own = this.first[index];
     const step = moments.indexOf(event);
+    if (event !== 'start' && this.hasFailed(index))
+      return '';
     const later = moments.slice(step + 1).find((moment) => isOld(own.get(moment)));
-    if (later && !this.hasFailed(index))
+    if (later)
       return `${later} has come`;
     if (this.first.slice(index + 1).some((firsts) => isOld(firsts.get('start'))))
-      return this.hasFailed(index) ? '' : 'the next video has begun';
+      return 'the next video has begun';
     if (this.first.some((firsts) => firsts.has('close')))
       return '';
     if (event === 'start')

@@ -20,6 +20,9 @@ export interface View {
 
 export type Selection = {kind: 'request'; request: Req} | {kind: 'group'; group: string} | null;
 
+/** The key of the rows that tell what the host did. */
+export const hostLane = 'host';
+
 const mostHostEvents = 2000;
 
 class Store {
@@ -37,7 +40,7 @@ class Store {
   campaigns: Campaign[] = [];
   selection: Selection = null;
   ledgerGroup: string | null = null; // null: the newest ad's
-  folded = new Set<string>();
+  folded = new Set<string>([hostLane]); // the keys of groups
   filter = '';
   tab: 'request' | 'response' | 'vast' = 'request';
   isRaw = false;
@@ -80,8 +83,8 @@ class Store {
     if (this.source === 'live')
       return Date.now();
     const list = this.list();
-    // A log is over: what had not come by its end did not come.
-    return list.reduce((last, request) => Math.max(last, request.end ?? request.begin), 0) + 60_000;
+    // What was under way when the log ended has come; what was still to come by then still waits.
+    return list.reduce((last, request) => Math.max(last, request.end ?? request.begin), 0) + 2000;
   }
 
   view(): View {
@@ -182,10 +185,14 @@ class Store {
     if (known?.end)
       return; // a beginning that the list had already overtaken
     const request = toReq(line, line.id);
+    if (!known && request.path === '/ad/req')
+      this.ledgerGroup = null; // the new ad is what its developer waits for
     if (known)
       Object.assign(known, request);
     else
       this.requests.set(line.id, request);
+    if (request.path === '/ad/req' && request.end && this.campaigns.some((campaign) => campaign.isNextAt.length))
+      void this.loadCampaigns(); // one that was to be next has been served
     if (known && known.transaction === request.transaction && this.cachedGroups && line.path !== '/ad/req')
       this.changed();
     else

@@ -2,7 +2,7 @@ import {h} from 'preact';
 import {Group} from './groups';
 import {Ledger, totals} from './ledger';
 import {HostEvent, Req} from './records';
-import {store, View} from './store';
+import {hostLane, store, View} from './store';
 
 export const rowHeight = 24;
 
@@ -13,7 +13,6 @@ export interface Row {
   event: HostEvent | null;
 }
 
-const hostLane = 'host';
 
 function matches(request: Req, words: string[]): boolean {
   const text = `${request.method} ${request.status} ${request.path}?${request.query} ${request.transaction ?? ''}`.toLowerCase();
@@ -24,6 +23,12 @@ function matches(request: Req, words: string[]): boolean {
 export function rowsOf(view: View): Row[] {
   const words = store.filter.toLowerCase().split(/\s+/).filter((word) => word);
   const rows: Row[] = [];
+  const events = store.source === 'live' ? store.hostEvents : [];
+  if (events.length && !words.length) {
+    rows.push({key: hostLane, group: null, request: null, event: null});
+    if (!store.folded.has(hostLane))
+      events.forEach((event, index) => rows.push({key: `h${index}`, group: null, request: null, event}));
+  }
   for (const group of view.groups) {
     const fitting = words.length ? group.requests.filter((request) => matches(request, words)) : group.requests;
     if (!fitting.length)
@@ -32,12 +37,6 @@ export function rowsOf(view: View): Row[] {
     if (!store.folded.has(group.key) || words.length)
       for (const request of fitting)
         rows.push({key: `r${request.key}`, group, request, event: null});
-  }
-  const events = store.source === 'live' ? store.hostEvents : [];
-  if (events.length && !words.length) {
-    rows.push({key: hostLane, group: null, request: null, event: null});
-    if (!store.folded.has(hostLane))
-      events.forEach((event, index) => rows.push({key: `h${index}`, group: null, request: null, event}));
   }
   return rows;
 }
@@ -103,11 +102,13 @@ function spanOf(group: Group | null): [number, number] {
   const now = store.source === 'live' ? Date.now() : 0;
   if (!group) {
     const events = store.hostEvents;
-    return [events[0].time, Math.max(events[events.length - 1].time, events[0].time + 1000)];
+    const length = Math.max(events[events.length - 1].time - events[0].time, 1000);
+    return [events[0].time, events[0].time + length * 1.03];
   }
   const begin = group.requests[0].begin;
   const end = group.requests.reduce((last, request) => Math.max(last, request.end ?? now), begin);
-  return [begin, Math.max(end, begin + 1000)];
+  const length = Math.max(end - begin, 1000);
+  return [begin, begin + length * 1.03]; // so that the last one is seen
 }
 
 function statusText(request: Req): string {

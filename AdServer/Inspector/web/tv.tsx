@@ -22,7 +22,6 @@ function onKey(event: KeyboardEvent, down: boolean): void {
 }
 
 let placement = '';
-let campaign = '';
 
 function placements(): string[] {
   const asked = store.list().filter((request) => request.path === '/ad/req').map(placementOf);
@@ -33,7 +32,8 @@ function placements(): string[] {
 export function TV(): JSX.Element {
   const names = placements();
   const at = placement || names[0] || '*';
-  const next = store.campaigns.find((one) => one.isNextAt.length);
+  const next = store.campaigns.filter((one) => one.isNextAt.length);
+  const campaign = next.find((one) => one.isNextAt.includes(at))?.name ?? '';
   return (
     <section class="panel tv">
       <h2>TV {store.isHostConnected ? null : <span class="quiet">{store.liveView ? 'no host' : 'no live view'}</span>}</h2>
@@ -56,15 +56,14 @@ export function TV(): JSX.Element {
           store.changed();
         }}>{['*', ...names].map((name) => <option key={name} value={name}>{name === '*' ? 'any placement' : name}</option>)}</select></label>
         <label>is <select value={campaign} aria-label="Campaign" onChange={(event: Event) => {
-          campaign = (event.target as HTMLSelectElement).value;
-          void store.serveNext(at, campaign);
+          void store.serveNext(at, (event.target as HTMLSelectElement).value);
         }}>
           <option value="">the usual one</option>
           {store.campaigns.map((one) => <option key={one.name} value={one.name}>{one.name.replace(/\.json$/, '')}</option>)}
         </select></label>
         <button disabled={!store.isHostConnected || at === '*'} onClick={() => void store.ask(at)}>Ask</button>
       </div>
-      {next ? <p class="quiet">{next.name} is next at {next.isNextAt.join(', ')}.</p> : null}
+      {next.map((one) => <p key={one.name} class="quiet">{one.name} is next at {one.isNextAt.join(', ')}.</p>)}
     </section>
   );
 }
