@@ -17,6 +17,7 @@ target_sources(virlo-core PRIVATE
   VIRLOConnectionMeasurement.cpp
   VIRLOConnectionQualityMonitor.cpp
   VIRLOConstans.cpp
+  VIRLOFormDataSubmitter.cpp
   VIRLOUserProfile.cpp
   API/VIRLOAdServerAPI.cpp
   API/VIRLOAdServerAPI+DeviceData.cpp
