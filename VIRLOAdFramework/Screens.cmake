@@ -2,7 +2,7 @@ find_package(Qt6 6.4 REQUIRED COMPONENTS Quick)
 
 # The screens: for each a folder of ViewControllers. A screen with a scene also has a QML document in Storyboard, named
 # by its identifier. VIRLOAdStoryboardScreens.cpp lists them for the code.
-set(VIRLO_SCREENS AppGrid Fullscreen Interstitial Video)
+set(VIRLO_SCREENS AppGrid Form Fullscreen Interstitial Video)
 
 # The image stores, the controls and the screens, apart from the shared library so that tests can use what that one hides.
 # A program that links it calls VIRLOAdStoryboardScreens::start.
@@ -38,6 +38,7 @@ target_sources(virlo-screens PRIVATE
   ViewControllers/VIRLOAdPresenter.cpp
   ViewControllers/VIRLOAdStoryboardScreens.cpp
   ViewControllers/VIRLOAdViewControllerBase.cpp
+  ViewControllers/VIRLOAdViewControllerBase+Form.cpp
   ViewControllers/VIRLOFocusLift.cpp
 )
 
@@ -55,6 +56,8 @@ qt_add_qml_module(virlo-screens
     Utilities/VIRLOCarouselElement.h
     Utilities/VIRLOTimerButton.h
     Utilities/VIRLOTimerProgress.h
+    ViewControllers/Form/VIRLOFormButton.h
+    ViewControllers/Form/VIRLOFormTextField.h
   QML_FILES ${scenes}
 )
 virlo_admit_generated_qml(virlo-screens)

@@ -4,6 +4,7 @@
 #include "Exception.h"
 #include "Folders.h"
 #include "GlobalQueue.h"
+#include "Preferences.h"
 #include "URL.h"
 #include "VIRLOAdFrameworkLogger.h"
 #include "VIRLOAdScreens.h"
@@ -77,6 +78,8 @@ std::shared_ptr<VIRLOAdController> VIRLOAdController::initPrivate()
     std::shared_ptr<VIRLOAdController> controller(new VIRLOAdController(
         std::move(api), std::move(trackingManager), &VIRLOAppRequestStore::sharedStore));
     controller->observeApplication();
+    // Read in the background from now on: the contact form needs them at once, on the main thread.
+    [[maybe_unused]] const auto& preferences = virlo::Preferences::standard();
     GlobalQueue::background().async([] {
         for (const std::string& folder : {virlo::Folders::library(), virlo::Folders::caches()})
             virlo::DiskFileSystem::removeAbandonedTemporaryFiles(folder);

@@ -10,6 +10,7 @@
 #include "VIRLOAdVideoViewController.h"
 #include "VIRLOAdViewControllerBase.h"
 #include "VIRLOAdvertisement.h"
+#include "VIRLOFormViewController.h"
 #include "VIRLOFrameworkImages.h"
 #include "VIRLOPreloadedAdViewController.h"
 
@@ -56,16 +57,22 @@ const std::array screenKinds{
     ScreenKind{VIRLOAdvertisementType::Video, nullptr, &make<VIRLOAdVideoViewController>},
 };
 
+void registerScene(const char* identifier, Storyboard::Maker maker)
+{
+    const QString document =
+        QStringLiteral("qrc:/qt/qml/VIRLOAdFramework/Storyboard/%1.qml").arg(QLatin1String(identifier));
+    Storyboard::registerScene(VIRLOAdStoryboardScreens::storyboardName, identifier, QUrl(document),
+                              std::move(maker));
+}
+
 void registerScenes()
 {
     for (const ScreenKind& kind : screenKinds) {
-        if (kind.scene == nullptr)
-            continue;
-        const QString document =
-            QStringLiteral("qrc:/qt/qml/VIRLOAdFramework/Storyboard/%1.qml").arg(QLatin1String(kind.scene));
-        Storyboard::registerScene(VIRLOAdStoryboardScreens::storyboardName, kind.scene, QUrl(document),
-                                  kind.make);
+        if (kind.scene != nullptr)
+            registerScene(kind.scene, kind.make);
     }
+    registerScene(VIRLOFormViewController::sceneIdentifier,
+                  [] { return virlo::ViewController::make<VIRLOFormViewController>(); });
 }
 
 Screen screenForType(VIRLOAdvertisementType type)
@@ -107,10 +114,13 @@ void warmUp()
         return;
     VIRLOFrameworkImages::warmUp();
     const auto storyboard = Storyboard::storyboardWithName(VIRLOAdStoryboardScreens::storyboardName);
+    if (!storyboard)
+        return;
     for (const ScreenKind& kind : screenKinds) {
-        if (kind.scene != nullptr && storyboard)
+        if (kind.scene != nullptr)
             storyboard->warmUp(kind.scene);
     }
+    storyboard->warmUp(VIRLOFormViewController::sceneIdentifier);
 }
 
 } // namespace

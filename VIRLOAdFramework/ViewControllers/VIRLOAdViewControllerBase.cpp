@@ -82,6 +82,7 @@ void VIRLOAdViewControllerBase::viewWillAppear()
 void VIRLOAdViewControllerBase::viewDidDisappear()
 {
     ViewController::viewDidDisappear();
+    removeForm(); // a host may present the screen again
     if (!m_menuButtonRecognizer)
         return;
     view().removeGestureRecognizer(m_menuButtonRecognizer);
@@ -97,6 +98,8 @@ void VIRLOAdViewControllerBase::openItem(const std::shared_ptr<VIRLOAdItem>& ite
         openAppFromItem(item);
     else if (actionType == "CLICK_TO_CONTENT")
         openContentForItem(item);
+    else if (actionType == "CLICK_TO_EMAIL" || actionType == "CLICK_TO_CALL" || actionType == "CLICK_TO_SMS")
+        showFormForItem(item);
 }
 
 std::function<bool()> VIRLOAdViewControllerBase::closedFromNowOn() const
@@ -161,8 +164,10 @@ void VIRLOAdViewControllerBase::closeAd()
     const auto controller = VIRLOAdController::sharedAdController();
     controller->checkAvailableCurrencyAfterTimeInterval(earlyCheck);
     controller->checkAvailableCurrencyAfterTimeInterval(lateCheck);
-    if (closeOverlay())
+    if (m_formViewController) {
+        closeForm();
         return;
+    }
     if (const auto video = firstVideo()) {
         video->completeAd();
         return;
@@ -253,18 +258,6 @@ std::vector<std::shared_ptr<VIRLOAdVideoViewController>> VIRLOAdViewControllerBa
     return result;
 }
 
-void VIRLOAdViewControllerBase::pauseVideos()
-{
-    for (const auto& video : videos())
-        video->pause();
-}
-
-void VIRLOAdViewControllerBase::resumeVideos()
-{
-    for (const auto& video : videos())
-        video->resume();
-}
-
 std::shared_ptr<VIRLOAdVideoViewController> VIRLOAdViewControllerBase::videoOnTop()
 {
     const auto subviews = view().subviews();
@@ -287,11 +280,6 @@ void VIRLOAdViewControllerBase::pressesEnded(const std::vector<virlo::Press>& pr
     const auto others = video ? video->handlePresses(presses) : presses;
     if (!others.empty())
         ViewController::pressesEnded(others);
-}
-
-bool VIRLOAdViewControllerBase::closeOverlay()
-{
-    return false;
 }
 
 void VIRLOAdViewControllerBase::completeAd() const

@@ -14,6 +14,7 @@ class VIRLOAdItem;
 class VIRLOAdServerAPI;
 class VIRLOAdVideoViewController;
 class VIRLOAdvertisement;
+class VIRLOFormViewController;
 
 namespace virlo
 {
@@ -39,10 +40,10 @@ public:
 
     void setApi(std::weak_ptr<VIRLOAdServerAPI> api);
 
-    /// Opens the item's app page or content. Nothing for an item of another action type or without an action
-    /// button; then no click is registered either. Once the viewer has closed the screen, by Menu or its
-    /// close button, nothing opens any more; otherwise an opening that has begun is completed, whoever holds
-    /// the screen.
+    /// Opens the item's app page or content, or the contact form. Nothing for an item of another action type
+    /// or without an action button; then no click is registered either. Once the viewer has closed the
+    /// screen, by Menu or its close button, nothing opens any more; otherwise an opening that has begun is
+    /// completed, whoever holds the screen.
     void openItem(const std::shared_ptr<VIRLOAdItem>& item);
     /// Registers the click, resolves the item's `clickURL`, opens the result, ends the ad by `adCompleted`,
     /// called on a worker, and stores the item's conversion-poll URL. A failure of a step does not stop the
@@ -52,11 +53,26 @@ public:
     /// that. The ad stays behind the content: `adCompleted` is not called.
     void openContentForItem(const std::shared_ptr<VIRLOAdItem>& item);
 
-    /// Menu, or a close button: closes the overlay, or else a video that is the first child, or else the ad
+    /// Shows the contact form over the screen; its videos pause. Nothing while a form is shown. No click is
+    /// registered: what the form sends is its own affair. A finished form calls `adCompleted`.
+    void showFormForItem(const std::shared_ptr<VIRLOAdItem>& item);
+    /// Fades the form out, removes it and resumes the videos; nothing without one.
+    void closeForm();
+
+    /// Not null from the beginning of its fade-in to the end of its fade-out.
+    [[nodiscard]] const std::shared_ptr<VIRLOFormViewController>& formViewController() const noexcept
+    {
+        return m_formViewController;
+    }
+
+    /// Menu, or a close button: closes the form, or else a video that is the first child, or else the ad
     /// itself. Each time it also requests currency checks in 5 and in 30 seconds.
     void closeAd();
 
-    /// Play/pause and mute go to a child video, unless an overlay or another child lies above it; the rest is
+    /// The form's, while it is shown.
+    [[nodiscard]] virlo::View* preferredFocusedView() override;
+
+    /// Play/pause and mute go to a child video, unless a form or another child lies above it; the rest is
     /// passed on.
     void pressesEnded(const std::vector<virlo::Press>& presses) override;
 
@@ -70,9 +86,8 @@ protected:
     void viewWillAppear() override;
     void viewDidDisappear() override;
 
-    /// Closes an overlay that takes the close for itself, and returns whether there was one; the ad stays
-    /// then. The base has none.
-    [[nodiscard]] virtual bool closeOverlay();
+    /// Where the form wants the focus; null while there is none, or it fades out.
+    [[nodiscard]] virlo::View* focusOfForm() const;
 
     /// As its close button does: ends the ad, and nothing that is on its way opens any more.
     void completeAdForViewer();
@@ -92,10 +107,6 @@ protected:
     /// is on its way.
     void reportImpressionOfItem(const std::shared_ptr<VIRLOAdItem>& item);
 
-    /// While an overlay is shown.
-    void pauseVideos();
-    void resumeVideos();
-
     /// This object as its own class, for callbacks that may come after its end.
     template <typename Self>
     [[nodiscard]] static std::weak_ptr<Self> weakSelf(Self& self)
@@ -105,6 +116,7 @@ protected:
 
 private:
     void completeAd() const;
+    void removeForm();
     [[nodiscard]] std::vector<std::shared_ptr<VIRLOAdVideoViewController>> videos() const;
     /// The one that lies above all other children and overlays; null if there is none.
     [[nodiscard]] std::shared_ptr<VIRLOAdVideoViewController> videoOnTop();
@@ -114,6 +126,8 @@ private:
     std::shared_ptr<VIRLOAdvertisement> m_ad;
     std::weak_ptr<VIRLOAdServerAPI> m_api;
     std::shared_ptr<virlo::TapRecognizer> m_menuButtonRecognizer;
+    std::shared_ptr<VIRLOFormViewController> m_formViewController;
+    bool m_formFadesOut = false;
     std::atomic<int> m_closings{0}; ///< how often the viewer has closed the screen
     std::set<std::shared_ptr<VIRLOAdItem>> m_impressionsOnTheirWay;
 };

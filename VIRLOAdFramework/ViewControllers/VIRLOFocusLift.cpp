@@ -3,17 +3,22 @@
 #include "Button.h"
 #include "FocusAnimationCoordinator.h"
 #include "FocusUpdateContext.h"
+#include "VIRLOFormButton.h"
 
 #include <QPointer>
 
-const VIRLOFocusLift VIRLOFocusLift::fullscreen{1.05, {0.0, 15.0}, 0.4, 10.0, false};
-const VIRLOFocusLift VIRLOFocusLift::interstitial{1.1F, {3.0, 3.0}, 0.75, 10.0, true};
-const VIRLOFocusLift VIRLOFocusLift::grid{1.15F, {3.0, 3.0}, 0.75, 10.0, true};
+const VIRLOFocusLift VIRLOFocusLift::fullscreen{1.05, {0.0, 15.0}, 0.4, 10.0, false, false};
+const VIRLOFocusLift VIRLOFocusLift::interstitial{1.1F, {3.0, 3.0}, 0.75, 10.0, true, true};
+const VIRLOFocusLift VIRLOFocusLift::grid{1.15F, {3.0, 3.0}, 0.75, 10.0, true, false};
 
 void VIRLOFocusLift::apply(const virlo::FocusUpdateContext& context,
                            virlo::FocusAnimationCoordinator& coordinator) const
 {
-    if (auto* const next = qobject_cast<virlo::Button*>(context.nextFocusedView))
+    const auto lifted = [this](virlo::View* view) -> virlo::Button* {
+        const bool isOfForm = qobject_cast<VIRLOFormButton*>(view) != nullptr;
+        return isOfForm && !liftsFormButtons ? nullptr : qobject_cast<virlo::Button*>(view);
+    };
+    if (auto* const next = lifted(context.nextFocusedView))
         coordinator.addCoordinatedAnimations([next = QPointer(next), lift = *this] {
             if (!next)
                 return;
@@ -23,7 +28,7 @@ void VIRLOFocusLift::apply(const virlo::FocusUpdateContext& context,
             next->setShadowOpacity(lift.shadowOpacity);
             next->setShadowRadius(lift.shadowRadius);
         });
-    if (auto* const previous = qobject_cast<virlo::Button*>(context.previouslyFocusedView))
+    if (auto* const previous = lifted(context.previouslyFocusedView))
         coordinator.addCoordinatedAnimations([previous = QPointer(previous), reset = resetsOffset] {
             if (!previous)
                 return;

@@ -15,6 +15,7 @@ struct VIRLOFocusLift {
     double shadowOpacity;
     double shadowRadius;
     bool resetsOffset; ///< of the shadow, with the loss of the focus; its colour becomes clear in any case
+    bool liftsFormButtons; ///< also those of the contact form, which has a look of its own
 
     static const VIRLOFocusLift fullscreen;
     static const VIRLOFocusLift interstitial;

@@ -192,6 +192,8 @@ void VIRLOAdGridViewController::closeBtn()
 
 virlo::View* VIRLOAdGridViewController::preferredFocusedView()
 {
+    if (virlo::View* const form = focusOfForm())
+        return form;
     virlo::View* const cell = m_collectionView->preferredFocusedView();
     return cell != nullptr ? cell : m_closeButton;
 }

@@ -248,7 +248,8 @@ void VIRLOAdFullscreenViewController::openForm()
 
 virlo::View* VIRLOAdFullscreenViewController::preferredFocusedView()
 {
-    return m_focusViewPreference;
+    virlo::View* const form = focusOfForm();
+    return form != nullptr ? form : m_focusViewPreference;
 }
 
 void VIRLOAdFullscreenViewController::didUpdateFocusInContextWithAnimationCoordinator(

@@ -308,6 +308,8 @@ void VIRLOAdInterstitialViewController::initiateDownload()
 
 virlo::View* VIRLOAdInterstitialViewController::preferredFocusedView()
 {
+    if (virlo::View* const form = focusOfForm())
+        return form;
     const auto video = firstVideo();
     if (!video)
         return m_actionButton;

@@ -49,7 +49,7 @@ public:
     void setStarRating(float rating);
     void shakeDownloadButton();
 
-    /// The download button, or that of a video that covers the page.
+    /// The form's, the download button, or that of a video that covers the page.
     [[nodiscard]] virlo::View* preferredFocusedView() override;
     void
     didUpdateFocusInContextWithAnimationCoordinator(const virlo::FocusUpdateContext& context,
