@@ -94,7 +94,7 @@ TEST_F(FullscreenFlow, EveryCloseLooksForRewardsInFiveAndThirtySeconds)
     const auto checks = [] {
         int count = 0;
         for (const std::string& line : settledLogLines())
-            count += line.starts_with("Check currency for URL: ") ? 1 : 0;
+            count += line == "Check currency for URL: " + url("/poll/closing") ? 1 : 0;
         return count;
     };
     const auto screen = shown(ad());
