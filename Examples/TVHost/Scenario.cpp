@@ -16,6 +16,7 @@
 #include <QRegularExpression>
 #include <QTimer>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace
@@ -97,6 +98,8 @@ bool Scenario::take(const QJsonObject& step)
         return awaitCondition(step["await"].toObject(), step["pressing"].toArray());
     if (step.contains("image"))
         return takeImage(step["image"].toString());
+    if (step.contains("pick"))
+        return pick(step["pick"].toArray());
     if (step.contains("press")) {
         press(step["press"].toArray());
         return true;
@@ -175,13 +178,44 @@ bool Scenario::takeImage(const QString& name)
     return false;
 }
 
+bool Scenario::pick(const QJsonArray& names)
+{
+    constexpr int mostMoves = 40;
+    const auto middle = [](const QQuickItem& item) {
+        return item.mapToScene(QPointF(item.width(), item.height()) / 2);
+    };
+    for (const auto& name : names) {
+        const QQuickItem* const key = visibleItem(m_window.contentItem(), name.toString());
+        for (int moves = 0; key != nullptr && !key->property("focused").toBool(); ++moves) {
+            const auto keys = key->parentItem()->childItems();
+            const auto at = std::find_if(keys.begin(), keys.end(), [](const QQuickItem* one) {
+                return one->property("focused").toBool();
+            });
+            if (at == keys.end() || moves == mostMoves)
+                return false;
+            const QPointF way = middle(*key) - middle(**at);
+            if (qAbs(way.y()) > key->height() / 4)
+                press({way.y() > 0 ? "Down" : "Up"});
+            else
+                press({way.x() > 0 ? "Right" : "Left"});
+        }
+        if (key == nullptr)
+            return false;
+        press({"Return"});
+    }
+    return true;
+}
+
 void Scenario::press(const QJsonArray& keys)
 {
     const QMetaEnum names = QMetaEnum::fromType<Qt::Key>();
     for (const auto& name : keys) {
         const int key = names.keyToValue(("Key_" + name.toString().toUtf8()).constData());
+        // A letter or digit of a real keyboard also types.
+        const QString text =
+            key > Qt::Key_Space && key <= Qt::Key_Z ? QString(QChar(key)).toLower() : QString();
         for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-            QKeyEvent event(type, key, Qt::NoModifier);
+            QKeyEvent event(type, key, Qt::NoModifier, text);
             QCoreApplication::sendEvent(&m_window, &event);
         }
         pass(50); // what the key begins is under way before the next one

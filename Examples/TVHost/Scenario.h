@@ -15,6 +15,9 @@ class Game;
 ///
 ///     {"ask": "Video"}                        an ad for that placement, as a moment of the game asks for it
 ///     {"press": ["Right", "Return"]}          keys, by the names that follow "Qt::Key_"
+///     {"pick": ["j", "Dot", "Done"]}          keys of the on-screen keyboard by their accessible names:
+///     arrows
+///                                             lead the focus there, Return selects
 ///     {"image": "counting"}                   NN-counting.png, once nothing moves or a second has passed
 ///     {"window": "hide"}                      or "show"
 ///     {"await": {"ad": true}}                 an ad is on the screen; false: the menu is back
@@ -45,6 +48,7 @@ private:
     [[nodiscard]] bool holds(const QJsonObject& condition) const;
     [[nodiscard]] int requestCount(const QJsonObject& condition) const;
     [[nodiscard]] bool takeImage(const QString& name);
+    [[nodiscard]] bool pick(const QJsonArray& names);
     void press(const QJsonArray& keys);
 
     QQuickWindow& m_window;
