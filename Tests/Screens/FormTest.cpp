@@ -186,8 +186,7 @@ TEST_F(FormTest, AFailedSubmissionIsSentAgainWhole)
     openWith("CLICK_TO_EMAIL", "a@b.com");
     click(Qt::Key_Down);
     click(Qt::Key_Return);
-    ASSERT_TRUE(settle([&] { return alert() == apology; }));
-    EXPECT_EQ(focus(), "Send");
+    ASSERT_TRUE(settle([&] { return alert() == apology && focus() == "Send"; }));
     shoot("form-failed");
     EXPECT_THAT(bodies("/click/"), IsEmpty());
     click(Qt::Key_Return);
@@ -377,7 +376,7 @@ TEST_F(FormTest, RandomKeysLeaveOneFocusedAndMenuAlwaysLeaves)
     const auto upTo = [&](std::size_t most) {
         return std::uniform_int_distribution<std::size_t>(0, most)(random);
     };
-    for (int done = 0, total = soaks() ? 100'000 : 4000; done < total;) {
+    for (int done = 0, total = soaks() ? 100'000 : 1200; done < total;) {
         openWith(upTo(1) == 0 ? "CLICK_TO_EMAIL" : "CLICK_TO_CALL", upTo(1) == 0 ? "a@b.com" : "1234567");
         for (; done < total && !window.left().hasActiveFocus() && upTo(300) > 0; ++done) {
             window.click(keys[upTo(keys.size() - (upTo(3) == 0 ? 1 : 2))]);

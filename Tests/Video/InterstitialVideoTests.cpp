@@ -1,5 +1,6 @@
 #include "VIRLOAdInterstitialViewController.h"
 #include "VIRLOButton.h"
+#include "VIRLOFormViewController.h"
 #include "VideoTest.h"
 
 namespace virlo::test
@@ -65,6 +66,24 @@ TEST_F(InterstitialVideo, OpensTheItemByItsButton)
     click(Qt::Key_Return);
     EXPECT_TRUE(awaitRequests("/click/" + identifier()));
     EXPECT_TRUE(awaitRequests("/store/" + identifier()));
+}
+
+TEST_F(InterstitialVideo, PausesUnderTheFormOfItsItemAndGoesOnAfterIt)
+{
+    const Page page = shownPage({{"actionType", "CLICK_TO_EMAIL"}});
+    auto* const button = focused(page);
+    click(Qt::Key_Return);
+    animations.advance(Seconds(1));
+    ASSERT_TRUE(page->formViewController());
+    EXPECT_FALSE(engine.at(clip("a")).isPlaying);
+    click(Qt::Key_MediaTogglePlayPause);
+    EXPECT_EQ(pings(), (Pings{"a pause"})) << "the form has the keys";
+    EXPECT_EQ(focused(page)->accessibleName(), "Enter E-mail Address");
+    click(Qt::Key_Escape);
+    animations.advance(Seconds(1));
+    EXPECT_TRUE(engine.at(clip("a")).isPlaying);
+    EXPECT_EQ(pings(), (Pings{"a resume"}));
+    EXPECT_EQ(focused(page), button);
 }
 
 TEST_F(InterstitialVideo, IsLeftByMenuFirstAndKeepsItsButtonInSight)

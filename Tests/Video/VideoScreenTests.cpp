@@ -198,34 +198,6 @@ TEST_F(VideoScreens, OverAnImageAreLeftOutWhereTheirDocumentCannotBeRead)
     EXPECT_EQ(focus(screen), "action");
 }
 
-/// An ad that pauses its videos.
-class Covered : public VIRLOAdViewControllerBase
-{
-public:
-    using VIRLOAdViewControllerBase::pauseVideos;
-    using VIRLOAdViewControllerBase::resumeVideos;
-};
-
-TEST_F(VideoScreens, PauseWhileAnotherScreenCoversTheirAd)
-{
-    const auto video = made(videoAd({{"a"}}));
-    ready("a");
-    const auto screen = virlo::ViewController::make<Covered>();
-    screen->addChildViewController(video);
-    screen->view().addSubview(video->view());
-    show(screen);
-    static_cast<void>(pings());
-    screen->pauseVideos();
-    pumpMainLoop();
-    EXPECT_FALSE(engine.at(clip("a")).isPlaying);
-    EXPECT_EQ(pings(), (Pings{"a pause"}));
-    screen->resumeVideos();
-    pumpMainLoop();
-    EXPECT_TRUE(engine.at(clip("a")).isPlaying);
-    EXPECT_EQ(pings(), (Pings{"a resume"}));
-    VIRLOAdPresenter::dismiss(screen); // nothing here completes the ad on Menu
-}
-
 } // namespace
 
 } // namespace virlo::test

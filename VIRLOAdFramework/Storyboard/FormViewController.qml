@@ -40,7 +40,7 @@ View {
         x: (screen.width - width) / 2
         y: screen.floor + topMargin.constant
         width: 1240
-        height: 496
+        height: 504
         backgroundColor: "#1d2433"
         Behavior on y { NumberAnimation { duration: 200; easing.type: Easing.OutCubic } }
 
@@ -129,7 +129,7 @@ View {
             Label {
                 id: alert
                 x: screen.margin
-                y: 302
+                y: 298
                 width: screen.contentWidth
                 height: 44
                 fontSize: 30
@@ -140,7 +140,7 @@ View {
             VIRLOFormButton {
                 id: send
                 x: screen.margin
-                y: 408 - height / 2
+                y: 416 - height / 2
                 width: screen.contentWidth
                 height: sendHeight.constant
                 cornerRadius: 10
