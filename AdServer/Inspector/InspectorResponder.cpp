@@ -2,6 +2,7 @@
 
 #include "InspectorPage.h"
 #include "JSONText.h"
+#include "URLText.h"
 
 #include <algorithm>
 #include <charconv>
@@ -49,17 +50,22 @@ InspectorResponder::InspectorResponder(const ControlEndpoints& control, RequestL
 
 void InspectorResponder::setAddresses(std::string own, std::string adServer)
 {
+    const std::lock_guard lock(m_mutex);
     m_ownAddress = std::move(own);
     m_adServer = std::move(adServer);
 }
 
 Response InspectorResponder::respond(const ServerRequest& request) const
 {
+    const auto own = [this] {
+        const std::lock_guard lock(m_mutex);
+        return m_ownAddress;
+    }();
     const auto origin = request.header("origin");
     const bool reads = request.method == "GET" || request.method == "HEAD";
     // Simple posts reach a server without a preflight, from any page: the origin decides, not the browser.
-    const bool isOwnPage = origin == m_ownAddress || (origin.empty() && reads);
-    if (request.origin != m_ownAddress || !isOwnPage)
+    const bool isOwnPage = origin == own || (origin.empty() && reads);
+    if (request.origin != own || !isOwnPage)
         return Response::error(403, "FORBIDDEN");
     auto response = ControlEndpoints::isControlPath(request.path) ? m_control.perform(request)
                     : reads                                       ? read(request)
@@ -80,10 +86,12 @@ Response InspectorResponder::read(const ServerRequest& request) const
         response.chunked = true;
         return response;
     }
-    if (request.path == "/configuration")
+    if (request.path == "/configuration") {
+        const std::lock_guard lock(m_mutex);
         return Response::json(
             {{"origin", m_adServer},
              {"liveView", m_liveView.empty() ? nlohmann::json() : nlohmann::json(m_liveView)}});
+    }
     if (request.path == "/records")
         return jsonText(m_log.summaries());
     if (request.path == "/records/all") {
@@ -107,7 +115,34 @@ Response InspectorResponder::record(const std::string& rest) const
         return Response::notFound();
     if (what.empty())
         return jsonText(printJSON(entry->toJSON()));
-    return what == "/vast" ? m_explainer.explain(entry->responseBody) : Response::notFound();
+    return what == "/vast" && !entry->responseBody.empty() ? explain(*entry) : Response::notFound();
+}
+
+Response InspectorResponder::explain(const RequestLogEntry& entry) const
+{
+    constexpr std::size_t mostDocuments = 40;
+    std::string scheme;
+    {
+        const std::lock_guard lock(m_mutex);
+        scheme = m_adServer.substr(0, m_adServer.find(':'));
+    }
+    const auto address = [&](const RequestLogEntry& request) {
+        const auto host = request.headers.find("host");
+        std::string url = scheme + "://" + (host == request.headers.end() ? "" : host->second);
+        for (std::size_t begin = 1, end = 0; end != std::string::npos; begin = end + 1) {
+            end = request.path.find('/', begin);
+            url += '/' + percentEncoded(request.path.substr(begin, end - begin));
+        }
+        return request.query.empty() ? url : url + '?' + request.query;
+    };
+    std::vector<VASTExplainer::Document> documents{{address(entry), entry.responseBody}};
+    const auto requests = m_log.requests();
+    for (auto other = requests.rbegin(); other != requests.rend() && documents.size() < mostDocuments;
+         ++other)
+        if (!entry.transaction.empty() && other->transaction == entry.transaction && other->id != entry.id &&
+            other->path.starts_with("/vast/") && !other->responseBody.empty() && other->status == 200)
+            documents.emplace_back(address(*other), other->responseBody);
+    return m_explainer.explain(documents);
 }
 
 } // namespace adserver

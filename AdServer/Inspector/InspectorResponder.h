@@ -7,6 +7,7 @@
 #include "VASTExplainer.h"
 
 #include <cstdint>
+#include <mutex>
 #include <string>
 
 namespace adserver
@@ -22,7 +23,8 @@ namespace adserver
 ///     GET /records           200 the requests' summaries
 ///     GET /records/all       200 the same with headers and bodies, as the log has them
 ///     GET /records/ID        200 one request with headers and bodies; 404
-///     GET /records/ID/vast   200 what `vast-inspect --explain` says of the response's body; 404, 501, 502
+///     GET /records/ID/vast   200 what `vast-inspect --explain` says of the document and of what its
+///                              wrappers led to in the same transaction; 404, 501, 502
 ///     GET /configuration     200 {"origin","liveView"}
 ///     …   /control/…         the control path
 class InspectorResponder
@@ -31,7 +33,7 @@ public:
     /// `liveView` is the address of the host's frames; `origin` is the ad server's own.
     InspectorResponder(const ControlEndpoints& control, RequestLog& log, std::string liveView);
 
-    /// Told once the ports are known.
+    /// Told once the ports are known; until then everything is refused.
     void setAddresses(std::string own, std::string adServer);
 
     [[nodiscard]] Response respond(const ServerRequest& request) const;
@@ -39,11 +41,13 @@ public:
 private:
     [[nodiscard]] Response read(const ServerRequest& request) const;
     [[nodiscard]] Response record(const std::string& rest) const;
+    [[nodiscard]] Response explain(const RequestLogEntry& entry) const;
 
     const ControlEndpoints& m_control;
     RequestLog& m_log;
     const VASTExplainer m_explainer;
     const std::string m_liveView;
+    mutable std::mutex m_mutex; ///< guards the following: the port is open before it is known
     std::string m_ownAddress;
     std::string m_adServer;
 };

@@ -6,6 +6,8 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
+#include <list>
 #include <poll.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -51,7 +53,7 @@ private:
 };
 
 /// 0 when the program cannot be started. `output` is the end to read from.
-pid_t start(const std::string& program, const std::string& file, int& output)
+pid_t start(std::vector<std::string> words, int& output)
 {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0)
@@ -67,12 +69,13 @@ pid_t start(const std::string& program, const std::string& file, int& output)
     sigemptyset(&none);
     posix_spawnattr_setsigmask(&attributes, &none);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-    std::array<std::string, 4> words{program, "--explain", "--no-merge", file};
-    std::array<char*, 5> arguments{words[0].data(), words[1].data(), words[2].data(), words[3].data(),
-                                   nullptr};
+    std::vector<char*> arguments;
+    for (auto& word : words)
+        arguments.push_back(word.data());
+    arguments.push_back(nullptr);
     pid_t child = 0;
     const int failure =
-        ::posix_spawnp(&child, program.c_str(), &actions, &attributes, arguments.data(), environ);
+        ::posix_spawnp(&child, words.front().c_str(), &actions, &attributes, arguments.data(), environ);
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     ::close(ends[1]);
@@ -114,13 +117,21 @@ VASTExplainer::VASTExplainer() : m_program("vast-inspect")
         m_program = beside;
 }
 
-Response VASTExplainer::explain(const std::string& document) const
+Response VASTExplainer::explain(const std::vector<Document>& documents) const
 {
-    if (document.empty())
-        return Response::notFound();
-    const DocumentFile file(document);
+    std::list<DocumentFile> files;
+    std::vector<std::string> words{m_program, "--explain"};
+    bool areWritten = !documents.empty();
+    for (const auto& [url, text] : documents) {
+        files.emplace_back(text);
+        areWritten = areWritten && files.back().isWritten();
+        words.insert(words.end(), {"--known", url, files.back().name()});
+    }
+    if (!areWritten)
+        return Response::error(500, "NO_TEMPORARY_FILE");
+    words.push_back(documents.front().first);
     int output = -1;
-    const pid_t child = file.isWritten() ? start(m_program, file.name(), output) : 0;
+    const pid_t child = start(std::move(words), output);
     if (child == 0)
         return Response::error(501, "NO_VAST_INSPECT", "vast-inspect is not beside ad-server");
     Response response;

@@ -120,6 +120,20 @@ TEST_F(InspectTest, ExplainsEveryDocumentOfAChain)
     EXPECT_FALSE(documents[0].contains("milliseconds"));
 }
 
+TEST_F(InspectTest, ReadsKnownDocumentsFromFilesAndRequestsNothing)
+{
+    serve("/lost.xml", vast(inlineAd("lost", "")));
+    folder.write("w.xml", vast(wrapperAd("w", "https://ads.example/end?cb=[CB]", "")));
+    folder.write("end.xml", vast(inlineAd("end", "")));
+    const ToolRun whole({"--known", "https://ads.example/w", folder.path("w.xml"), "--known",
+                         "https://ads.example/end?cb=[CB]", folder.path("end.xml"), "https://ads.example/w"});
+    EXPECT_EQ(json::parse(whole.output)["ads"][0]["identifier"], "end");
+    const ToolRun unknown({"--known", "https://ads.example/w", folder.path("w.xml"), url("/lost.xml")});
+    EXPECT_EQ(unknown.exitStatus, 1);
+    EXPECT_TRUE(server.requests().empty());
+    EXPECT_EQ(ToolRun({"--known", "https://ads.example/w"}).exitStatus, 2);
+}
+
 struct NoteRow {
     const char* name;
     std::string content; ///< of an InLine

@@ -3,7 +3,8 @@
 #include <charconv>
 
 const char* const InspectOptions::usage =
-    R"(usage: vast-inspect [--no-merge] [--timing] [--explain] [--limit N] FILE-or-URL
+    R"(usage: vast-inspect [--no-merge] [--timing] [--explain] [--limit N]
+                    [--known URL FILE]… FILE-or-URL
 
 Reads a VAST document as the library does, follows its wrappers and prints
 the result as one JSON object.
@@ -14,6 +15,9 @@ the result as one JSON object.
   --limit N   stops after N documents (default: 200). From the 200th on the
               library waits before each: 10 ms, then twice as long each time,
               at most a minute
+  --known URL FILE
+              reads the document at URL from FILE, and those of other URLs not at
+              all; may be repeated
 Exit status: 1 if an error is reported or the limit is reached, 2 for wrong
 usage.
 )";
@@ -47,6 +51,11 @@ std::optional<InspectOptions> InspectOptions::parse(const std::vector<std::strin
             options.explains = true;
         } else if (*argument == "--help") {
             options.helps = true;
+        } else if (*argument == "--known") {
+            if (arguments.end() - argument < 3)
+                return std::nullopt;
+            const auto& url = *++argument;
+            options.known[url] = *++argument;
         } else if (*argument == "--limit") {
             if (++argument == arguments.end() || !readCount(*argument, options.limit))
                 return std::nullopt;

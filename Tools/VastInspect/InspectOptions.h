@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,7 +12,8 @@ struct InspectOptions {
     bool merges = true;
     bool times = false;
     bool explains = false;
-    std::size_t limit = 200; ///< documents
+    std::size_t limit = 200;                  ///< documents
+    std::map<std::string, std::string> known; ///< URL → file
     bool helps = false;
 
     static const char* const usage;

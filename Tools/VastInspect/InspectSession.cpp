@@ -23,6 +23,7 @@ InspectSession::InspectSession(virlo::URL source, std::string file, const Inspec
                                std::function<void()> limitReached)
     : m_source(std::move(source))
     , m_file(std::move(file))
+    , m_known(options.known)
     , m_limit(options.limit)
     , m_keepsTexts(options.explains)
     , m_limitReached(std::move(limitReached))
@@ -70,6 +71,12 @@ std::shared_ptr<virlo::URLSessionTask> InspectSession::dataTask(virlo::URLReques
     };
     if (!m_file.empty() && request.url == m_source)
         return std::make_shared<FileTask>(m_file, std::move(request), std::move(recording));
+    if (!m_known.empty()) {
+        const auto found = m_known.find(request.url.absoluteString());
+        // No file has an empty name: the task of an unknown document fails.
+        return std::make_shared<FileTask>(found == m_known.end() ? std::string() : found->second,
+                                          std::move(request), std::move(recording));
+    }
     return network()->dataTask(std::move(request), std::move(recording));
 }
 

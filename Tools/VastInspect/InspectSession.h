@@ -5,14 +5,15 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
 /// Loads the documents of one inspection: the first from the disk if it is a file, all others from the
-/// network, which is not touched before that. No other file is ever read, whatever a document names. Any
-/// thread.
+/// network, which is not touched before that. Where documents are known, all come from their files and
+/// nothing from the network. No other file is ever read, whatever a document names. Any thread.
 class InspectSession : public virlo::URLSession
 {
 public:
@@ -43,6 +44,7 @@ private:
 
     const virlo::URL m_source;
     const std::string m_file;
+    const std::map<std::string, std::string> m_known;
     const std::size_t m_limit;
     const bool m_keepsTexts;
     const std::function<void()> m_limitReached;

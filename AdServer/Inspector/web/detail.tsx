@@ -125,18 +125,24 @@ function Explanation({request}: {request: Req}): JSX.Element {
   if (typeof report === 'string')
     return <p class="problem">{report}</p>;
   const ads: Line[] = report.ads ?? [];
-  const notes: Line[] = (report.documents ?? []).flatMap((document: Line) => document.passedOver ?? []);
+  const documents: Line[] = report.documents ?? [];
+  const list = (notes: Line[] | undefined): JSX.Element[] =>
+    (notes ?? []).map((note, index) => <li key={String(index)}><code>{note.path}</code> {note.reason}</li>);
   return (
     <div class="explanation">
       {report.error ? <p class="problem">{report.error.userInfo?.Reason ?? JSON.stringify(report.error)}</p> : null}
-      <p>{ads.length ? `${ads.length} ad${ads.length > 1 ? 's' : ''} read.` : 'No ad: nothing can be shown.'}</p>
+      <p>{ads.length ? `${ads.length} ad${ads.length > 1 ? 's' : ''}, wrappers merged:` : 'No ad: nothing can be shown.'}</p>
       {ads.map((ad, index) => (
         <p key={String(index)}>{ad.type} <b>{ad.identifier}</b>: {(ad.creatives ?? []).length} creatives,{' '}
-          {(ad.impressions ?? []).length} impressions{ad.VASTAdTagURL ? `, then ${ad.VASTAdTagURL}` : ''}</p>
+          {(ad.impressions ?? []).length} impressions</p>
       ))}
-      <h3>Ignored</h3>
-      {notes.length ? <ul>{notes.map((note, index) => <li key={String(index)}><code>{note.path}</code> {note.reason}</li>)}</ul>
-        : <p>Nothing.</p>}
+      {documents.map((document, index) => (
+        <div key={String(index)}>
+          <h3>{document.url.replace(/^https?:\/\/[^/]+|\?.*$/g, '')}</h3>
+          <ul>{list(document.passedOver)}{list(document.dropped)}</ul>
+          {document.passedOver?.length || document.dropped?.length ? null : <p class="quiet">Nothing was ignored.</p>}
+        </div>
+      ))}
     </div>
   );
 }
