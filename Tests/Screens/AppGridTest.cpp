@@ -18,6 +18,7 @@
 #include "VIRLOAdScreens.h"
 #include "VIRLOAdServerAPI.h"
 #include "VIRLOAdvertisement.h"
+#include "VIRLOFormViewController.h"
 
 #include <set>
 
@@ -190,6 +191,26 @@ TEST_F(Grid, ShowsAppsAndOpensOneBySelect)
     shoot("grid-apps");
     click(Qt::Key_Return);
     EXPECT_TRUE(awaitRequests("/click/" + nameOf(0)));
+}
+
+TEST_F(Grid, OpensTheFormOfAnItemAndComesBackToItsCell)
+{
+    JSON ad = this->page(0, 8);
+    ad["ads"][1]["actionButton"]["actionType"] = "CLICK_TO_CALL";
+    const Page page = shownPage(ad);
+    click(Qt::Key_Right);
+    const int row = focusedRow(page);
+    click(Qt::Key_Return);
+    animations.advance(Seconds(1));
+    ASSERT_TRUE(page->formViewController());
+    ASSERT_EQ(focusedViews(page->view()).size(), 1U);
+    EXPECT_EQ(focusedViews(page->view()).front()->accessibleName(), "Enter Phone Number");
+    click(Qt::Key_Down);
+    EXPECT_EQ(focusedViews(page->view()).front()->accessibleName(), "Enter Phone Number");
+    shoot("grid-form");
+    click(Qt::Key_Escape);
+    animations.advance(Seconds(1));
+    EXPECT_EQ(focusedRow(page), row);
 }
 
 TEST_F(Grid, MixesKindsAndShowsTheRewardOnTheButton)

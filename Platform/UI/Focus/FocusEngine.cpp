@@ -38,9 +38,12 @@ void collectFocusable(const QQuickItem& item, const QQuickItem& root, std::vecto
     auto* view = qobject_cast<View*>(const_cast<QQuickItem*>(&item));
     if (view != nullptr && view->obscuresFocus()) {
         const QRectF covered = view->mapRectToItem(&root, view->boundingRect());
+        // One over the whole screen also covers what a scroller holds outside of it.
+        const bool coversAll = covered.contains(root.boundingRect());
         const auto isCovered = [&](const View* lower) {
-            return !lower->isAncestorOf(view) &&
-                   covered.contains(lower->mapRectToItem(&root, lower->boundingRect()).center());
+            if (lower->isAncestorOf(view))
+                return false;
+            return coversAll || covered.contains(lower->mapRectToItem(&root, lower->boundingRect()).center());
         };
         views.erase(std::remove_if(views.begin(), views.end(), isCovered), views.end());
     }

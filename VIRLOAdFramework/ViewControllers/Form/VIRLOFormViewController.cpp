@@ -63,9 +63,9 @@ VIRLOFormViewController::createInParentViewControllerWithAdItem(VIRLOAdViewContr
                                                                 const std::shared_ptr<VIRLOAdItem>& item)
 {
     const auto storyboard = virlo::Storyboard::storyboardWithName(VIRLOAdStoryboardScreens::storyboardName);
-    const auto form = storyboard ? std::dynamic_pointer_cast<VIRLOFormViewController>(
-                                       storyboard->instantiateViewControllerWithIdentifier(sceneIdentifier))
-                                 : nullptr;
+    auto form = storyboard ? std::dynamic_pointer_cast<VIRLOFormViewController>(
+                                 storyboard->instantiateViewControllerWithIdentifier(sceneIdentifier))
+                           : nullptr;
     if (!form)
         return nullptr;
     form->m_api = parent.api();
