@@ -57,6 +57,13 @@ std::string wrongKey(const nlohmann::json& report)
     return {};
 }
 
+/// What a contact form sends.
+bool isContact(const nlohmann::json& body)
+{
+    const auto isText = [&](const char* key) { return body.contains(key) && body[key].is_string(); };
+    return body.size() == 1 && (isText("email") || isText("phone"));
+}
+
 /// Copies the members that an item has.
 void copyMembers(const nlohmann::json& item, std::initializer_list<const char*> keys, nlohmann::json& into)
 {
@@ -198,8 +205,11 @@ Response AdEndpoints::report(const ServerRequest& request, const ItemPath& path,
 {
     if (request.method != "POST")
         return wrongMethod();
-    if (!objectIn(request.body))
+    const auto body = objectIn(request.body);
+    if (!body)
         return Response::badRequest("the body must be a JSON object");
+    if (what == "form" && !isContact(*body))
+        return Response::badRequest("the body must have the one key \"email\" or \"phone\", a text");
     if (what == "click")
         m_transactions.noteClick(path.txid, path.rest, request.now);
     return what == "form" ? Response::json({{"status", "OK"}}) : Response::nothing();

@@ -24,7 +24,7 @@ namespace adserver
 ///     GET    /ad/more/TXID/PAGE            200 a page of more items
 ///     POST   /ad/imp/TXID/CID              204
 ///     POST   /ad/click/TXID/CID            204
-///     POST   /ad/form/TXID/CID             200 {"status":"OK"}
+///     POST   /ad/form/TXID/CID             200 {"status":"OK"}; 400 where it is no contact data
 ///     GET    /ad/store/TXID/CID            302 to /store/CID
 ///     GET    /ad/poll/TXID/CID             200 {"status":false}, once due {"status":true,…}; 401
 class AdEndpoints final : public Endpoint
