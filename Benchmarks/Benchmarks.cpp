@@ -10,6 +10,7 @@ constexpr std::array all{
     Benchmark{"request-layer", nullptr},
     Benchmark{"public-calls", nullptr},
     Benchmark{"screen", nullptr},
+    Benchmark{"form", nullptr},
     Benchmark{"images", nullptr},
     Benchmark{"host-process", benchHostProcess},
     Benchmark{"interstitial", benchInterstitial},

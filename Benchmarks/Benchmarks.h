@@ -30,6 +30,7 @@ void benchVASTInspect(Results& results);
 void benchRequestLayer(Results& results);
 void benchPublicCalls(Results& results);
 void benchScreen(Results& results);
+void benchForm(Results& results);
 void benchImages(Results& results);
 void benchVASTReading(Results& results);
 void benchVASTNetwork(Results& results);

@@ -23,6 +23,7 @@ constexpr std::array inside{
     Benchmark{"request-layer", benchRequestLayer},
     Benchmark{"public-calls", benchPublicCalls},
     Benchmark{"screen", benchScreen},
+    Benchmark{"form", benchForm},
     Benchmark{"images", benchImages},
     Benchmark{"video-screen", benchVideoScreen},
     Benchmark{"vast-reading", benchVASTReading},
