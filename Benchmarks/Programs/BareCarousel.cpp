@@ -1,10 +1,12 @@
 // bare-carousel FOLDER COUNT: Qt Quick alone with a strip of the folder's images "bench-1.jpg" to COUNT below
-// a few texts, of which it makes and decodes the five around the middle. Says "painted" once the first image
+// a few texts, of which it makes and decodes the five around the middle; the one in focus has a ring and a
+// shadow. Says "painted" once the first image
 // is shown; reads "slide SECONDS" from standard input, see SlideWatch.
 
 #include "SlideWatch.h"
 
 #include <QGuiApplication>
+#include <QPainter>
 #include <QQmlComponent>
 #include <QQmlContext>
 #include <QQmlEngine>
@@ -41,20 +43,49 @@ Rectangle {
         preferredHighlightEnd: 0.5
         highlightRangeMode: PathView.StrictlyEnforceRange
         highlightMoveDuration: 1250
-        delegate: Image {
+        delegate: Item {
+            id: element
             required property int index
+            property bool isFocused: PathView.isCurrentItem
             width: 1400
-            height: PathView.isCurrentItem ? 618 : 515
+            height: isFocused ? 618 : 515
             Behavior on height { NumberAnimation { duration: 1250 } }
-            source: folder + "/bench-" + (index + 1) + ".jpg"
-            sourceSize.width: 1400
-            asynchronous: true
-            cache: false
-            fillMode: Image.PreserveAspectCrop
+            BorderImage {
+                anchors { fill: parent; margins: -90 }
+                border { left: 181; top: 181; right: 181; bottom: 181 }
+                source: folder + "/shadow.png"
+                visible: element.isFocused
+            }
+            Rectangle { anchors { fill: parent; margins: -10 } radius: 20; visible: element.isFocused }
+            Rectangle { anchors { fill: parent; margins: -4 } radius: 14; color: "black"; visible: element.isFocused }
+            Image {
+                anchors.fill: parent
+                source: folder + "/bench-" + (element.index + 1) + ".jpg"
+                sourceSize.width: 1400
+                asynchronous: true
+                cache: false
+                fillMode: Image.PreserveAspectCrop
+            }
         }
     }
 }
 )";
+
+/// As large and as soft as the one that the library draws.
+void drawShadow(const QString& file)
+{
+    QImage image(363, 363, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(0, 0, 0, 4));
+    for (int reach = 88; reach > 0; reach -= 2)
+        painter.drawRoundedRect(QRectF(90, 90, 183, 183).adjusted(-reach, -reach, reach, reach), 10 + reach,
+                                10 + reach);
+    painter.end();
+    image.save(file);
+}
 
 } // namespace
 
@@ -63,6 +94,7 @@ int main(int count, char** arguments)
     if (count != 3)
         return 2;
     QGuiApplication application(count, arguments);
+    drawShadow(QString::fromLocal8Bit(arguments[1]) + "/shadow.png");
     QQuickWindow window;
     window.resize(1920, 1080);
     QQmlEngine engine;
