@@ -308,6 +308,10 @@ void FocusEngine::validate()
         m_validatesAgain = true;
         return;
     }
+    // A window that is being destroyed takes its views out one after another, an overlay maybe before what it
+    // covers: giving the focus to an item of such a window crashes in Qt.
+    if (m_rootView.window() == nullptr)
+        return;
     const Views focusable = focusableViews();
     if (m_focused && contains(focusable, m_focused.data()))
         return;
