@@ -3,6 +3,7 @@
 #include "DetachedThread.h"
 #include "Guarded.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace virlo
@@ -32,9 +33,11 @@ void WorkerPool::submit(Priority priority, std::function<void()> work)
     m_waiting[static_cast<std::size_t>(priority)].push_back(std::move(work));
     if (!mayRun(priority))
         return; // a worker that finishes its task takes this one
-    if (m_wakeUps < m_idle) {
-        ++m_wakeUps;
-        m_wake.notify_one();
+    if (!m_idle.empty()) {
+        IdleWorker& worker = *m_idle.back();
+        m_idle.pop_back();
+        worker.isWoken = true;
+        worker.wake.notify_one(); // under the lock: the worker's stack holds it
     } else if (m_threads < GlobalQueue::maximumThreads) {
         ++m_threads;
         lock.unlock();
@@ -59,15 +62,21 @@ void WorkerPool::runWorker()
             --m_running[static_cast<std::size_t>(task.priority)];
             leaveLocked();
         }
-        ++m_idle;
-        const bool isWoken = m_wake.wait_for(lock, idleLife, [this] { return m_wakeUps > 0; });
-        --m_idle;
-        if (!isWoken) {
+        if (!waitForWork(lock)) {
             --m_threads;
             return;
         }
-        --m_wakeUps;
     }
+}
+
+bool WorkerPool::waitForWork(std::unique_lock<std::mutex>& lock)
+{
+    IdleWorker self;
+    m_idle.push_back(&self);
+    if (self.wake.wait_for(lock, idleLife, [&] { return self.isWoken; }))
+        return true;
+    m_idle.erase(std::find(m_idle.begin(), m_idle.end(), &self));
+    return false;
 }
 
 bool WorkerPool::mayRun(Priority priority) const
