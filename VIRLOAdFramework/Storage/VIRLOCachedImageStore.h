@@ -2,6 +2,7 @@
 
 #include "VIRLOImageStore.h"
 
+#include <atomic>
 #include <functional>
 
 /// The common part of the stores with memory caches: reads try memory first, writes go to both levels
@@ -33,4 +34,7 @@ private:
     [[nodiscard]] static std::shared_ptr<const virlo::Image>
     imageOf(Cache& cache, const std::string& directory, const Key& key, const std::function<Decode>& decode);
     void storeThumbnail(const Key& key, const Bytes& bytes);
+
+    static constexpr int imagesBetweenReturns = 16; ///< of memory to the system
+    std::atomic<int> m_imagesStored{0};
 };

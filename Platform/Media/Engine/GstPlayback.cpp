@@ -2,17 +2,14 @@
 
 #include "DetachedThread.h"
 #include "FrameStore.h"
+#include "FreeMemory.h"
 #include "MediaRuntime.h"
 #include "SystemLog.h"
 #include "TransferMeter.h"
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
-#include <malloc.h>
-#include <sstream>
 #include <string>
-#include <unistd.h>
 #include <utility>
 
 namespace virlo
@@ -24,34 +21,6 @@ namespace
 Seconds seconds(GstClockTime time)
 {
     return std::chrono::nanoseconds(time);
-}
-
-/// Above this heap size `malloc_trim`, which holds the lock of the heap that the main thread allocates from,
-/// could take longer than a frame: 84 ms were measured with 700 MiB.
-constexpr std::ptrdiff_t largestTrimmedHeap = std::ptrdiff_t{32} << 20;
-
-std::ptrdiff_t heapSize()
-{
-    constexpr int fieldsBefore = 44; // of the heap's start, after the program's name
-    std::string line;
-    std::getline(std::ifstream("/proc/self/stat"), line);
-    std::istringstream fields(line.substr(line.rfind(')') + 1));
-    std::string skipped;
-    for (int field = 0; field < fieldsBefore; ++field)
-        fields >> skipped;
-    std::uintptr_t start = 0;
-    fields >> start;
-    return static_cast<std::ptrdiff_t>(reinterpret_cast<std::uintptr_t>(::sbrk(0)) - start);
-}
-
-/// The C library keeps what a pipeline's threads have freed: after twenty videos of 1280×720 a process holds
-/// 70 MiB more than after the first, with this less than 20.
-void giveMemoryBack()
-{
-#ifdef __GLIBC__
-    if (heapSize() <= largestTrimmedHeap)
-        malloc_trim(0);
-#endif
 }
 
 /// How far the time is extrapolated from the last sample.
@@ -176,7 +145,9 @@ void GstPlayback::run()
         const std::lock_guard lock(m_mutex);
         m_messages.clear();
     }
-    giveMemoryBack();
+    // After twenty videos of 1280×720 a process holds 70 MiB more than after the first, with this less
+    // than 20.
+    returnFreeMemory();
     MediaRuntime::shared().leave(*this);
 }
 
