@@ -20,11 +20,11 @@ Item {
         shadowOffset: Qt.point(0, 6)
         visible: card.highlighted
     }
-    View {
+    Rectangle {
         id: ground
         anchors.fill: parent
         anchors.margins: card.inset
-        cornerRadius: 18
-        backgroundColor: "white"
+        radius: 18
+        color: "white"
     }
 }

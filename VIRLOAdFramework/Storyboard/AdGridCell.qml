@@ -84,16 +84,19 @@ VIRLOAdGridItemCollectionViewCell {
         width: 150
         height: 150
     }
+    Rectangle {
+        anchors.fill: download
+        radius: 10
+        color: "#1660c8"
+    }
     Label {
         id: download
         x: (parent.width - width) / 2
         y: parent.height - 18 - downloadBottom.constant - height
         width: downloadWidth.constant
         height: downloadHeight.constant
-        cornerRadius: 10
         fontSize: 30
         bold: true
-        backgroundColor: "#1660c8"
         textColor: "white"
         textAlignment: Qt.AlignCenter
     }

@@ -82,7 +82,7 @@ QSGNode* ImageView::updateContentNode(QSGNode* old)
     const Placement placement = place(QSizeF(m_image->qImage().size()), size(), m_mode);
     // The corners are the view's: an image that leaves room beside it reaches into none of them.
     const bool fills = placement.target.size() == size();
-    node->place(placement.target, placement.source, fills ? cornerRadius() : 0, *window());
+    node->place(placement.target, placement.source, fills && m_roundsImage ? cornerRadius() : 0, *window());
     return node;
 }
 

@@ -11,7 +11,8 @@ class Image;
 
 /// Shows an Image. The texture is made when a frame needs it and destroyed with the image or the view; on the
 /// software backend it shares the Image's memory. `cornerRadius` rounds an image that fills the view, as it
-/// does the background. An empty view draws only its background.
+/// does the background, unless the image has round corners of its own (`roundsImage`). An empty view draws
+/// only its background.
 class ImageView : public virlo::View
 {
     Q_OBJECT
@@ -37,6 +38,9 @@ public:
 
     void setContentMode(ContentMode mode);
 
+    /// True at first. Set before an image.
+    void setRoundsImage(bool rounds) { m_roundsImage = rounds; }
+
 signals:
     void imageChanged();
     void contentModeChanged();
@@ -47,6 +51,7 @@ protected:
 private:
     std::shared_ptr<const Image> m_image;
     ContentMode m_mode = ContentMode::Fill;
+    bool m_roundsImage = true;
     bool m_textureIsStale = false;
 };
 

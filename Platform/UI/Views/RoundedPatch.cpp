@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace virlo
 {
@@ -81,7 +82,10 @@ RoundedPatch::Patch RoundedPatch::draw(const RoundedShape& shape)
     patch.outset = std::ceil(3 * shape.blur);
     patch.inset = std::ceil(std::max(corner, patch.outset)) + 1;
     QSizeF size(2 * patch.inset + 1, 2 * patch.inset + 1);
-    if (shape.size.width() < size.width() || shape.size.height() < size.height()) {
+    const bool isSmaller = shape.size.width() < size.width() || shape.size.height() < size.height();
+    const bool isHardlyLarger =
+        shape.size.width() < 1.5 * size.width() && shape.size.height() < 1.5 * size.height();
+    if (isSmaller || isHardlyLarger) {
         size = shape.size;
         patch.inset = 0;
     }
@@ -99,6 +103,19 @@ RoundedPatch::Patch RoundedPatch::draw(const RoundedShape& shape)
     if (shape.blur > 0)
         blurAlpha(alpha, shape.blur);
     patch.image = tinted(alpha, shape.color);
+    return patch;
+}
+
+std::shared_ptr<const RoundedPatch::Patch> RoundedPatch::patchOf(const RoundedShape& shape)
+{
+    thread_local std::vector<std::pair<RoundedShape, std::weak_ptr<const Patch>>> known;
+    std::erase_if(known, [](const auto& entry) { return entry.second.expired(); });
+    const auto found =
+        std::find_if(known.begin(), known.end(), [&](const auto& entry) { return entry.first == shape; });
+    if (found != known.end())
+        return found->second.lock();
+    auto patch = std::make_shared<const Patch>(draw(shape));
+    known.emplace_back(shape, patch);
     return patch;
 }
 
@@ -125,14 +142,14 @@ void RoundedPatch::update(const RoundedShape& shape, QPointF origin, QQuickWindo
     if (m_texture && shape == m_shape && origin == m_origin)
         return;
     const bool onlyResized = m_texture && shape.color == m_shape.color && shape.corner == m_shape.corner &&
-                             shape.blur == m_shape.blur && m_patch.inset > 0 &&
-                             std::min(shape.size.width(), shape.size.height()) >= 2 * m_patch.inset + 1;
+                             shape.blur == m_shape.blur && m_patch->inset > 0 &&
+                             std::min(shape.size.width(), shape.size.height()) >= 2 * m_patch->inset + 1;
     const bool same = m_texture && shape == m_shape;
     if (!same && !onlyResized) {
-        m_patch = draw(shape);
+        m_patch = patchOf(shape);
         const std::unique_ptr<QSGTexture> before = std::move(m_texture);
-        m_texture.reset(window.createTextureFromImage(m_patch.image, QQuickWindow::TextureHasAlphaChannel));
-        makePieces(m_patch.inset > 0 ? 9 : 1, window);
+        m_texture.reset(window.createTextureFromImage(m_patch->image, QQuickWindow::TextureHasAlphaChannel));
+        makePieces(m_patch->inset > 0 ? 9 : 1, window);
     }
     m_shape = shape;
     m_origin = origin;
@@ -141,16 +158,16 @@ void RoundedPatch::update(const RoundedShape& shape, QPointF origin, QQuickWindo
 
 void RoundedPatch::place(const RoundedShape& shape, QPointF origin)
 {
-    const QSizeF image = m_patch.image.size();
+    const QSizeF image = m_patch->image.size();
     const QRectF whole =
         QRectF(origin, shape.size)
-            .marginsAdded(QMarginsF(m_patch.outset, m_patch.outset, m_patch.outset, m_patch.outset));
+            .marginsAdded(QMarginsF(m_patch->outset, m_patch->outset, m_patch->outset, m_patch->outset));
     if (m_pieces.size() == 1) {
         m_pieces.front()->setRect(QRectF(whole.topLeft(), image));
         m_pieces.front()->setSourceRect(QRectF(QPointF(), image));
         return;
     }
-    const double edge = m_patch.outset + m_patch.inset;
+    const double edge = m_patch->outset + m_patch->inset;
     const std::array<double, 4> sourceX{0, edge, image.width() - edge, image.width()};
     const std::array<double, 4> sourceY{0, edge, image.height() - edge, image.height()};
     const std::array<double, 4> targetX{whole.left(), whole.left() + edge, whole.right() - edge,

@@ -24,7 +24,9 @@ struct RoundedShape {
 };
 
 /// Draws a RoundedShape as a small image stretched between its corners (nine-patch): smooth under scale on
-/// every backend, whatever the size. The blur extends outside the shape. Render thread.
+/// every backend, whatever the size. One that is hardly larger than that image is drawn whole, which software
+/// rendering copies several times as fast. The blur extends outside the shape. Patches of one shape share its
+/// image: the shadows of the cells of a grid. Render thread.
 class RoundedPatch : public QSGTransformNode
 {
 public:
@@ -41,12 +43,14 @@ private:
     };
 
     [[nodiscard]] static Patch draw(const RoundedShape& shape);
+    /// What another patch of this shape has drawn, or drawn now.
+    [[nodiscard]] static std::shared_ptr<const Patch> patchOf(const RoundedShape& shape);
     void makePieces(int count, QQuickWindow& window);
     void place(const RoundedShape& shape, QPointF origin);
 
     RoundedShape m_shape;
     QPointF m_origin;
-    Patch m_patch;
+    std::shared_ptr<const Patch> m_patch;
     std::unique_ptr<QSGTexture> m_texture;
     std::vector<QSGImageNode*> m_pieces;
 };

@@ -54,7 +54,8 @@ void VIRLOAdGridItemCollectionViewCell::componentComplete()
 {
     VIRLOAdGridCell::componentComplete();
     virlo::ImageView& image = *adImageView();
-    image.setCornerRadius(20.0); // of the shadow; the image has corners of its own
+    image.setCornerRadius(20.0); // the shadow's
+    image.setRoundsImage(false);
     image.setShadowColor(Qt::black);
     image.setShadowOpacity(0.35);
     image.setShadowOffset({10.0, 10.0});
