@@ -1,6 +1,6 @@
-// bare-grid FOLDER COUNT: Qt Quick alone with a GridView of COUNT cells like an app grid's: a card with four
-// texts, a button, a shadow and one of the folder's images "bench-1.jpg" to "bench-12.jpg". Says "painted"
-// once it is shown; reads "scroll LINES" from standard input, see SlideWatch.
+// bare-grid AUTHORITY COUNT URL…: Qt Quick alone with a GridView of COUNT cells like an app grid's: a card
+// with four texts, a button, a shadow and one of the images, fetched for each cell. Says "painted" once it is
+// shown; reads "scroll LINES" from standard input, see SlideWatch.
 
 #include "SlideWatch.h"
 
@@ -11,6 +11,8 @@
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QSocketNotifier>
+#include <QSslConfiguration>
+#include <QTemporaryDir>
 
 #include <iostream>
 #include <string>
@@ -54,12 +56,12 @@ Rectangle {
             Text { x: 20 + 2 * cell.inset; y: 122 + cell.inset; width: cell.focused ? 398 : 363; height: 148
                    text: "Forty lantern isles, one boat, and a night that does not end."
                    wrapMode: Text.Wrap; elide: Text.ElideRight; font.pixelSize: 28; color: "#26363f" }
-            Image { x: 220; y: -24; source: folder + "/shadow.png" }
+            Image { x: 220; y: -24; source: shadow }
             Image {
                 x: 270; y: 26; width: 150; height: 150
                 scale: cell.focused ? 1.15 : 1
                 Behavior on scale { NumberAnimation { duration: 250 } }
-                source: folder + "/bench-" + (cell.index % 12 + 1) + ".jpg"
+                source: images[cell.index % images.length] + "?" + cell.index
                 sourceSize: Qt.size(150, 150)
                 asynchronous: true
                 cache: false
@@ -95,14 +97,20 @@ void drawShadow(const QString& file)
 
 int main(int count, char** arguments)
 {
-    if (count != 3)
+    if (count < 4)
         return 2;
     QGuiApplication application(count, arguments);
-    drawShadow(QString::fromLocal8Bit(arguments[1]) + "/shadow.png");
+    QSslConfiguration trust = QSslConfiguration::defaultConfiguration();
+    trust.setCaCertificates(QSslCertificate::fromPath(QString::fromLocal8Bit(arguments[1])));
+    QSslConfiguration::setDefaultConfiguration(trust);
+    const QTemporaryDir folder;
+    const QString shadow = folder.filePath("shadow.png");
+    drawShadow(shadow);
     QQuickWindow window;
     window.resize(1920, 1080);
     QQmlEngine engine;
-    engine.rootContext()->setContextProperty("folder", QUrl::fromLocalFile(arguments[1]).toString());
+    engine.rootContext()->setContextProperty("images", application.arguments().mid(3));
+    engine.rootContext()->setContextProperty("shadow", QUrl::fromLocalFile(shadow));
     engine.rootContext()->setContextProperty("itemCount", std::stoi(arguments[2]));
     QQmlComponent component(&engine);
     component.setData(scene, QUrl());

@@ -17,7 +17,6 @@ namespace
 using namespace std::chrono_literals;
 
 constexpr int rounds = 3;
-constexpr int icons = 12;
 constexpr int heldLines = 75;               ///< 300 cells
 constexpr std::uint16_t builtInPort = 8443; ///< of the base URL that the presets compile in
 
@@ -26,26 +25,34 @@ std::filesystem::path workFolder()
     return std::filesystem::temp_directory_path() / "virlo-bench-app-grid";
 }
 
-std::filesystem::path imageFolder()
+/// The icons of the shipped campaigns: 512 × 512.
+std::vector<std::string> iconFiles()
 {
-    return workFolder() / "images";
+    std::vector<std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(VIRLO_CAMPAIGNS "/images")) {
+        const std::string name = entry.path().filename().string();
+        if (name.starts_with("icon-"))
+            files.push_back("images/" + name);
+    }
+    return files;
 }
 
-nlohmann::json campaign(const std::string& placement, int items, int perPage)
+std::string campaign(const std::string& placement, int items, int perPage)
 {
     auto ads = nlohmann::json::array();
-    for (int icon = 1; icon <= icons; ++icon)
-        ads.push_back({{"cid", placement + '-' + std::to_string(icon)},
+    for (const std::string& icon : iconFiles())
+        ads.push_back({{"cid", placement + '-' + std::to_string(ads.size())},
                        {"type", "appstore"},
                        {"title", "Bench"},
                        {"price", "Free"},
                        {"description", "Forty lantern isles, one boat, and a night that does not end."},
-                       {"backgroundUrl", "bench-" + std::to_string(icon) + ".jpg"},
+                       {"backgroundUrl", icon},
                        {"impressionUrl", "/ad/imp/{txid}/{cid}"},
                        {"actionButton", {{"actionType", "CLICK_TO_CONTENT"}, {"text", "Get"}}}});
-    return {{"rules", {{{"placement", placement}}}},
-            {"generatedItems", {{"count", items}, {"perPage", perPage}}},
-            {"advertisement", {{"type", "discovery"}, {"ads", std::move(ads)}}}};
+    const nlohmann::json campaign = {{"rules", {{{"placement", placement}}}},
+                                     {"generatedItems", {{"count", items}, {"perPage", perPage}}},
+                                     {"advertisement", {{"type", "discovery"}, {"ads", std::move(ads)}}}};
+    return campaign.dump();
 }
 
 struct Scrolled {
@@ -101,18 +108,19 @@ public:
 void benchAppGrid(Results& results)
 {
     std::filesystem::remove_all(workFolder());
-    ChildProcess painter(
-        {programFolder() + "/bench-inside", "images", imageFolder().string(), std::to_string(icons)});
-    if (painter.awaitEnd() != 0)
-        throw std::runtime_error("no images are drawn");
     adserver::AdServerOptions options;
     options.port = builtInPort;
     options.stateFolder = workFolder() / "server";
     adserver::AdServer server(options);
-    server.addCampaign("long", campaign("long", 400, 100).dump(), imageFolder());
-    server.addCampaign("few", campaign("few", 100, 100).dump(), imageFolder());
-    server.addCampaign("many", campaign("many", 10000, 100).dump(), imageFolder());
+    server.addCampaign("long", campaign("long", 400, 100), VIRLO_CAMPAIGNS);
+    server.addCampaign("few", campaign("few", 100, 100), VIRLO_CAMPAIGNS);
+    server.addCampaign("many", campaign("many", 10000, 100), VIRLO_CAMPAIGNS);
     server.start();
+
+    std::vector<std::string> bareCommand{programFolder() + "/bare-grid", server.authorityFile().string(),
+                                         "400"};
+    for (const std::string& icon : iconFiles())
+        bareCommand.push_back(server.baseURL() + "/campaigns/" + icon);
 
     std::vector<double> asked;
     std::vector<double> longest;
@@ -133,7 +141,7 @@ void benchAppGrid(Results& results)
             return scrolled.percentile99;
         },
         [&] {
-            ChildProcess bare({programFolder() + "/bare-grid", imageFolder().string(), "400"},
+            ChildProcess bare(bareCommand,
                               {{"QT_QPA_PLATFORM", "offscreen"}, {"QT_QUICK_BACKEND", "software"}});
             if (bare.readLine() != "painted")
                 throw std::runtime_error("the bare grid shows nothing");
@@ -153,7 +161,8 @@ void benchAppGrid(Results& results)
 
     const auto memoryAtTheEnd = [&](const std::string& placement, int toScroll) {
         Grid grid(server, placement);
-        constexpr int atATime = 500; // a held key scrolls them in less than the minute that a process may be silent
+        constexpr int atATime =
+            500; // a held key scrolls them in less than the minute that a process may be silent
         for (int left = toScroll; left > 0; left -= atATime)
             scroll(grid.process, std::min(left, atATime));
         std::this_thread::sleep_for(2s);
