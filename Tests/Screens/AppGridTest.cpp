@@ -8,6 +8,7 @@
 #include "ImageView.h"
 #include "Label.h"
 #include "LayoutConstraint.h"
+#include "Opener.h"
 #include "Settle.h"
 #include "VIRLOAdGridFeaturedView.h"
 #include "VIRLOAdGridItemCollectionViewCell.h"
@@ -21,6 +22,7 @@
 #include "VIRLOFormViewController.h"
 
 #include <set>
+#include <thread>
 
 namespace virlo::test
 {
@@ -167,6 +169,8 @@ protected:
 
     [[nodiscard]] static int hueOf(int index) { return index % 12 * 30; }
 
+    const Opener opener;
+
 private:
     std::string m_name;
     const std::vector<std::string> m_icons = [] {
@@ -181,7 +185,7 @@ TEST_F(Grid, ShowsAppsAndOpensOneBySelect)
 {
     const Page page = shownPage(this->page(0, 8, {}, {{"price", "Free"}, {"description", "Forty isles."}}));
     EXPECT_EQ(focusedRow(page), 0);
-    EXPECT_EQ(checkCells(page), 8);
+    EXPECT_TRUE(settle([&] { return checkCells(page) == 8; }));
     const auto* const first =
         qobject_cast<VIRLOAdGridItemCollectionViewCell*>(collection(page).cellForItemAtIndexPath({0, 0}));
     EXPECT_EQ(first->actionLabel->text(), "Free | Play now");
@@ -292,6 +296,45 @@ TEST_F(Grid, ALatePageIsRequestedOnceHoweverOftenTheEndIsSeen)
     ASSERT_TRUE(settle([&] { return collection(page).numberOfItems() == 24; }));
     EXPECT_EQ(pageRequests("/1"), 1);
     EXPECT_EQ(focusedRow(page), 0);
+}
+
+TEST_F(Grid, APageThatComesTwiceIsShownTwice)
+{
+    const JSON first = page(0, 8, "/1");
+    servePage("/1", page(8, 4));
+    servePage("/1", page(8, 4, "/1"), {}, 1);
+    const Page page = shownPage(first);
+    for (int line = 1; line < 4; ++line) {
+        click(Qt::Key_Down);
+        rest();
+        EXPECT_EQ(focusedRow(page), 4 * line);
+    }
+    EXPECT_EQ(pageRequests("/1"), 2);
+    EXPECT_EQ(collection(page).numberOfItems(), 16);
+    for (const int row : {8, 12}) {
+        const auto* const cell = qobject_cast<VIRLOAdGridItemCollectionViewCell*>(
+            collection(page).cellForItemAtIndexPath({0, row}));
+        ASSERT_NE(cell, nullptr);
+        EXPECT_EQ(cell->titleLabel->text(), "App 8");
+        EXPECT_TRUE(settle([&] { return cell->showsItemImage(); })) << row;
+    }
+    EXPECT_EQ(impressions(8), 2) << "an item of its own in each page";
+}
+
+TEST_F(Grid, APageWhoseRowsAreNotInsertedYetIsNotTheEnd)
+{
+    const JSON first = page(0, 8, "/1");
+    servePage("/1", page(8, 12, "/2"), std::chrono::milliseconds(1000));
+    servePage("/2", page(20, 4));
+    const Page page = shownPage(first);
+    ASSERT_TRUE(page->loadingAdItems());
+    while (page->loadingAdItems()) // not by `settle`, which would insert the rows
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    window.press(Qt::Key_Down);
+    rest();
+    EXPECT_EQ(focusedRow(page), 4);
+    EXPECT_EQ(collection(page).numberOfItems(), 20);
+    EXPECT_EQ(pageRequests("/2"), 0);
 }
 
 struct Pages {
