@@ -30,20 +30,27 @@ function sectionsOf(beacons: Beacon[]): [string, Beacon[]][] {
   return [...sections];
 }
 
+/** Where several documents track one event: whose URL it is, as its path tells. */
+function sourceOf(beacon: Beacon, beacons: Beacon[]): string {
+  const isShared = beacons.some((other) => other !== beacon && other.event === beacon.event);
+  return isShared ? beacon.url.replace(/[?#].*$/, '').split('/').slice(-3, -1).join('/') : '';
+}
+
 interface RowValues {
   key?: string;
   beacon: Beacon;
+  source: string;
   start: number | null;
   onChoose: (request: Req) => void;
 }
 
-function BeaconRow({beacon, start, onChoose}: RowValues): JSX.Element {
+function BeaconRow({beacon, source, start, onChoose}: RowValues): JSX.Element {
   const request = beacon.requests[0];
   return (
     <tr class={classes[beacon.state]} title={`${beacon.url}\n${beacon.note}`} onClick={() => request && onChoose(request)}>
       <td>{request ? <button class="link">{beacon.event}</button> : beacon.event}</td>
       <td class="state"><span aria-hidden="true">{marks[beacon.state]}</span> {words[beacon.state]}
-        {beacon.note ? <span class="quiet"> {beacon.note}</span> : null}</td>
+        {beacon.note || source ? <span class="quiet"> {beacon.note || source}</span> : null}</td>
       <td class="when">{timeOf(beacon, start)}</td>
     </tr>
   );
@@ -81,7 +88,7 @@ export function LedgerPanel({view}: {view: View}): JSX.Element {
               {sectionsOf(ledger.beacons).map(([section, beacons]) => [
                 <tr key={`s ${section}`} class="section"><th colSpan={3} scope="rowgroup">{section}</th></tr>,
                 ...beacons.filter((beacon) => beacon.state !== 'not due').map((beacon) => (
-                  <BeaconRow key={`${section} ${beacon.event} ${beacon.url}`} beacon={beacon} start={ledger.start}
+                  <BeaconRow key={`${section} ${beacon.event} ${beacon.url}`} beacon={beacon} source={sourceOf(beacon, beacons)} start={ledger.start}
                              onChoose={(request) => choose({key: '', group: shown, request, event: null})} />
                 )),
                 <NotDue key={`n ${section}`} beacons={beacons.filter((beacon) => beacon.state === 'not due')} />,
