@@ -305,6 +305,17 @@ TEST_F(FormTest, MenuClosesTheKeyboardThenTheFormThenTheAd)
     EXPECT_TRUE(window.left().hasActiveFocus());
 }
 
+TEST_F(FormTest, AnInputMethodThatShowsNothingLeavesTheViewerTheKeyboard)
+{
+    qputenv("QT_IM_MODULE", "missing");
+    open("CLICK_TO_EMAIL");
+    click(Qt::Key_Return);
+    EXPECT_EQ(focus(), "Enter E-mail Address");
+    clock.advance(Seconds(0.6));
+    EXPECT_EQ(focus(), "g");
+    qunsetenv("QT_IM_MODULE");
+}
+
 TEST_F(FormTest, SelectPressedAgainAndAgainOpensOneForm)
 {
     screen = shown(ad(form("CLICK_TO_EMAIL")));

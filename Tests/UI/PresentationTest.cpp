@@ -162,6 +162,7 @@ TEST_F(PresentationTest, AScreenAboveAnotherHasEveryKeyUntilItIsDismissed)
     int fired = 0;
     screen->button("A")->setPrimaryAction([&] { ++fired; });
     screen->presentViewController(above);
+    EXPECT_FALSE(screen->button("A")->isHighlighted());
     window->release(Qt::Key_Return);
     EXPECT_EQ(fired, 0);
     window->click(Qt::Key_Down);
