@@ -1,20 +1,10 @@
 // bare-carousel FOLDER COUNT: Qt Quick alone with a strip of the folder's images "bench-1.jpg" to COUNT below
 // a few texts, of which it makes and decodes the five around the middle; the one in focus has a ring and a
-// shadow. Says "painted" once the first image
-// is shown; reads "slide SECONDS" from standard input, see SlideWatch.
+// shadow. See BareScene.
 
-#include "SlideWatch.h"
+#include "BareScene.h"
 
-#include <QGuiApplication>
-#include <QPainter>
-#include <QQmlComponent>
 #include <QQmlContext>
-#include <QQmlEngine>
-#include <QQuickItem>
-#include <QSocketNotifier>
-
-#include <iostream>
-#include <string>
 
 namespace
 {
@@ -71,22 +61,6 @@ Rectangle {
 }
 )";
 
-/// As large and as soft as the one that the library draws.
-void drawShadow(const QString& file)
-{
-    QImage image(363, 363, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(0, 0, 0, 4));
-    for (int reach = 88; reach > 0; reach -= 2)
-        painter.drawRoundedRect(QRectF(90, 90, 183, 183).adjusted(-reach, -reach, reach, reach), 10 + reach,
-                                10 + reach);
-    painter.end();
-    image.save(file);
-}
-
 } // namespace
 
 int main(int count, char** arguments)
@@ -94,36 +68,11 @@ int main(int count, char** arguments)
     if (count != 3)
         return 2;
     QGuiApplication application(count, arguments);
-    drawShadow(QString::fromLocal8Bit(arguments[1]) + "/shadow.png");
-    QQuickWindow window;
-    window.resize(1920, 1080);
+    drawShadow(QString::fromLocal8Bit(arguments[1]) + "/shadow.png", 183, 10, 90);
     QQmlEngine engine;
     engine.rootContext()->setContextProperty("folder", QUrl::fromLocalFile(arguments[1]).toString());
     engine.rootContext()->setContextProperty("imageCount", std::stoi(arguments[2]));
     engine.rootContext()->setContextProperty("story",
                                              QString("Forty lantern isles, one boat. ").repeated(12));
-    QQmlComponent component(&engine);
-    component.setData(scene, QUrl());
-    auto* const item = qobject_cast<QQuickItem*>(component.create());
-    if (item == nullptr)
-        return 1;
-    item->setParentItem(window.contentItem());
-    window.show();
-    window.requestActivate();
-    item->childItems().constLast()->forceActiveFocus();
-    QTimer::singleShot(1500, [] {
-        std::puts("painted");
-        std::fflush(stdout);
-    });
-
-    SlideWatch slide(window);
-    QSocketNotifier input(0, QSocketNotifier::Read);
-    QObject::connect(&input, &QSocketNotifier::activated, [&] {
-        std::string command;
-        if (!std::getline(std::cin, command))
-            return QGuiApplication::quit();
-        if (command.starts_with("slide "))
-            slide.slide(std::stoi(command.substr(6)));
-    });
-    return QGuiApplication::exec();
+    return runBareScene(engine, scene);
 }

@@ -1,21 +1,11 @@
 // bare-grid AUTHORITY COUNT URL…: Qt Quick alone with a GridView of COUNT cells like an app grid's: a card
-// with four texts, a button, a shadow and one of the images, fetched for each cell. Says "painted" once it is
-// shown; reads "scroll LINES" from standard input, see SlideWatch.
+// with four texts, a button, a shadow and one of the images, fetched for each cell. See BareScene.
 
-#include "SlideWatch.h"
+#include "BareScene.h"
 
-#include <QGuiApplication>
-#include <QPainter>
-#include <QQmlComponent>
 #include <QQmlContext>
-#include <QQmlEngine>
-#include <QQuickItem>
-#include <QSocketNotifier>
 #include <QSslConfiguration>
 #include <QTemporaryDir>
-
-#include <iostream>
-#include <string>
 
 namespace
 {
@@ -77,22 +67,6 @@ Rectangle {
 }
 )";
 
-/// As large and as soft as the one that the library draws.
-void drawShadow(const QString& file)
-{
-    QImage image(270, 270, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(0, 0, 0, 3));
-    for (int reach = 60; reach > 0; reach -= 2)
-        painter.drawRoundedRect(QRectF(60, 60, 150, 150).adjusted(-reach, -reach, reach, reach), 20 + reach,
-                                20 + reach);
-    painter.end();
-    image.save(file);
-}
-
 } // namespace
 
 int main(int count, char** arguments)
@@ -105,37 +79,10 @@ int main(int count, char** arguments)
     QSslConfiguration::setDefaultConfiguration(trust);
     const QTemporaryDir folder;
     const QString shadow = folder.filePath("shadow.png");
-    drawShadow(shadow);
-    QQuickWindow window;
-    window.resize(1920, 1080);
+    drawShadow(shadow, 150, 20, 60);
     QQmlEngine engine;
     engine.rootContext()->setContextProperty("images", application.arguments().mid(3));
     engine.rootContext()->setContextProperty("shadow", QUrl::fromLocalFile(shadow));
     engine.rootContext()->setContextProperty("itemCount", std::stoi(arguments[2]));
-    QQmlComponent component(&engine);
-    component.setData(scene, QUrl());
-    auto* const item = qobject_cast<QQuickItem*>(component.create());
-    if (item == nullptr) {
-        std::fprintf(stderr, "%s\n", qPrintable(component.errorString()));
-        return 1;
-    }
-    item->setParentItem(window.contentItem());
-    window.show();
-    window.requestActivate();
-    item->childItems().constLast()->forceActiveFocus();
-    QTimer::singleShot(1500, [] {
-        std::puts("painted");
-        std::fflush(stdout);
-    });
-
-    SlideWatch watch(window);
-    QSocketNotifier input(0, QSocketNotifier::Read);
-    QObject::connect(&input, &QSocketNotifier::activated, [&] {
-        std::string command;
-        if (!std::getline(std::cin, command))
-            return QGuiApplication::quit();
-        if (command.starts_with("scroll "))
-            watch.scroll(std::stoi(command.substr(7)));
-    });
-    return QGuiApplication::exec();
+    return runBareScene(engine, scene);
 }
