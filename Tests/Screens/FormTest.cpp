@@ -425,17 +425,9 @@ TEST_F(FormTest, OpenedTypedIntoAndClosedAgainAndAgainItLeavesNothing)
         settleAll();
         static_cast<void>(window.image());
     };
-    rounds(20);
-    const Footprint before = Footprint::now();
     const int count = soaks() ? 1000 : 40;
-    rounds(count);
-    const Footprint after = Footprint::now();
-    RecordProperty("pss_growth_kib", static_cast<int>(after.kibibytes - before.kibibytes));
     // A form with its keyboard takes over 300 KiB.
-    if (Footprint::memoryTells) {
-        EXPECT_LT(after.kibibytes - before.kibibytes, 2048 + 2 * count);
-    }
-    EXPECT_LE(after.threads, before.threads + 2);
+    expectNoGrowth(rounds, 20, count, 2048 + 2 * count);
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "Footprint.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -30,6 +32,20 @@ Footprint Footprint::now()
             rollup >> now.kibibytes;
     }
     return now;
+}
+
+void expectNoGrowth(const std::function<void(int rounds)>& show, int warmUp, int rounds, long mostKibibytes)
+{
+    show(warmUp);
+    const Footprint before = Footprint::now();
+    show(rounds);
+    const Footprint after = Footprint::now();
+    testing::Test::RecordProperty("growth_kib", static_cast<int>(after.kibibytes - before.kibibytes));
+    if (Footprint::memoryTells) {
+        EXPECT_LT(after.kibibytes - before.kibibytes, mostKibibytes);
+    }
+    EXPECT_LE(after.threads, before.threads + 2);         // workers come and go
+    EXPECT_LE(after.descriptors, before.descriptors + 6); // as do kept connections
 }
 
 bool soaks()

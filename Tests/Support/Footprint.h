@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 namespace virlo::test
 {
 
@@ -21,6 +23,10 @@ struct Footprint {
         true;
 #endif
 };
+
+/// Runs `show` to warm up, then for as many rounds as given, and expects the process to hold no more after
+/// them than it did before, but for so much memory.
+void expectNoGrowth(const std::function<void(int rounds)>& show, int warmUp, int rounds, long mostKibibytes);
 
 /// Whether the long rounds were asked for.
 [[nodiscard]] bool soaks();
