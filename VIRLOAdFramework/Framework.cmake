@@ -22,7 +22,8 @@ set_source_files_properties(../Platform/Media/Player/MediaModule.cpp PROPERTIES
   COMPILE_DEFINITIONS "VIRLO_VERSION=\"${PROJECT_VERSION}\"" SKIP_UNITY_BUILD_INCLUSION ON)
 if(VIRLO_BUILD_MEDIA)
   add_library(virlo-media-module MODULE
-    ../Platform/Media/Engine/GstModule.cpp ../Platform/Foundation/Concurrency/DetachedThread.cpp)
+    ../Platform/Media/Engine/GstModule.cpp ../Platform/Foundation/Base/FreeMemory.cpp
+    ../Platform/Foundation/Concurrency/DetachedThread.cpp)
   set_target_properties(virlo-media-module PROPERTIES
     PREFIX "" OUTPUT_NAME media
     LIBRARY_OUTPUT_DIRECTORY "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/virloadframework")
