@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <mutex>
 
 namespace virlo::test
 {
@@ -138,6 +139,7 @@ protected:
         auto parser = VIRLOVASTXMLParser::initWithVASTURL(URL::fromString(url("/loop.xml")));
         parser->setOwner(owner);
         parser->setCompletionHandler([this](auto ads, const OptionalError& error) {
+            const std::lock_guard lock(mutex); // loops end at the same time, each on its worker
             report = {std::move(ads), error};
             ++reports;
         });
@@ -161,6 +163,7 @@ protected:
     }
 
     TestClock clock;
+    std::mutex mutex;
     Report report;
     std::atomic<int> reports{0};
     std::shared_ptr<int> owner = std::make_shared<int>();
