@@ -116,7 +116,9 @@ TEST_F(ManyVideos, LeaveNothingBehind)
     const long growth = *std::min_element(middle, samples.end()) - *std::min_element(samples.begin(), middle);
     RecordProperty("pss_growth_kib", static_cast<int>(growth));
     if (Footprint::memoryTells) {
-        EXPECT_LT(growth, 8192) << testing::PrintToString(samples);
+        // Half of the rounds lie between. A video that stays holds over 5 MiB; the heaps of decoding threads
+        // alone were seen to differ by 15.
+        EXPECT_LT(growth, 20'480) << testing::PrintToString(samples);
     }
     EXPECT_LE(after.threads, before.threads + 2);         // workers come and go
     EXPECT_LE(after.descriptors, before.descriptors + 6); // as do kept connections
