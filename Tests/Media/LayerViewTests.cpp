@@ -137,7 +137,8 @@ TEST_F(LayerView, ShowsEveryFrameOfAClip)
         served({.seconds = 3, .width = 640, .height = 360, .pattern = "ball", .kilobitsPerSecond = 3000});
     show(item);
     int frames = 0;
-    QObject::connect(&window, &QQuickWindow::frameSwapped, [&] { ++frames; });
+    const QObject counting; // ends it with this function: the window lives on
+    QObject::connect(&window, &QQuickWindow::frameSwapped, &counting, [&] { ++frames; });
     player->play();
     ASSERT_TRUE(runsOut());
     const auto counts = item->videoFrameCounts();
