@@ -15,10 +15,7 @@
 #include "VIRLOAdGridRecommendationCollectionViewCell.h"
 #include "VIRLOAdGridViewController.h"
 #include "VIRLOAdItem.h"
-#include "VIRLOAdPresenter.h"
-#include "VIRLOAdScreens.h"
 #include "VIRLOAdServerAPI.h"
-#include "VIRLOAdvertisement.h"
 #include "VIRLOFormViewController.h"
 
 #include <set>
@@ -84,21 +81,8 @@ protected:
 
     [[nodiscard]] Page shownPage(const JSON& ad)
     {
-        Page page;
-        std::atomic<bool> done{false};
-        VIRLOAdScreens::installed()->screenForAdvertisementWithCompletion(
-            VIRLOAdvertisement::initWithDictionary(ad), api,
-            [&](const std::shared_ptr<VIRLOAdViewController>& screen, const OptionalError& error) {
-                EXPECT_FALSE(error);
-                page = std::dynamic_pointer_cast<VIRLOAdGridViewController>(screen);
-                done = true;
-            });
-        EXPECT_TRUE(settle([&] { return done.load(); }));
-        int frames = 0;
-        const auto counting = QObject::connect(&window, &QQuickWindow::frameSwapped, [&] { ++frames; });
-        VIRLOAdPresenter::present(page, &window);
-        EXPECT_TRUE(settle([&] { return frames > 0 && !focusedViews(page->view()).empty(); }));
-        QObject::disconnect(counting);
+        const auto page = std::dynamic_pointer_cast<VIRLOAdGridViewController>(readyScreen(ad));
+        present(page, [&] { return !focusedViews(page->view()).empty(); });
         rest();
         return page;
     }

@@ -12,9 +12,7 @@
 #include "VIRLOAdInterstitialViewController.h"
 #include "VIRLOAdItem.h"
 #include "VIRLOAdPresenter.h"
-#include "VIRLOAdScreens.h"
 #include "VIRLOAdServerAPI.h"
-#include "VIRLOAdvertisement.h"
 #include "VIRLOCarousel.h"
 #include "VIRLOFrameworkImages.h"
 
@@ -55,27 +53,13 @@ protected:
 
     [[nodiscard]] Page readyPage(const JSON& ad)
     {
-        Page page;
-        std::atomic<bool> done{false};
-        VIRLOAdScreens::installed()->screenForAdvertisementWithCompletion(
-            VIRLOAdvertisement::initWithDictionary(ad), api,
-            [&](const std::shared_ptr<VIRLOAdViewController>& screen, const OptionalError& error) {
-                EXPECT_FALSE(error);
-                page = std::dynamic_pointer_cast<VIRLOAdInterstitialViewController>(screen);
-                done = true;
-            });
-        EXPECT_TRUE(settle([&] { return done.load(); }));
-        return page;
+        return std::dynamic_pointer_cast<VIRLOAdInterstitialViewController>(readyScreen(ad));
     }
 
     [[nodiscard]] Page shownPage(const JSON& ad)
     {
         const Page page = readyPage(ad);
-        int frames = 0;
-        const auto counting = QObject::connect(&window, &QQuickWindow::frameSwapped, [&] { ++frames; });
-        VIRLOAdPresenter::present(page, &window);
-        EXPECT_TRUE(settle([&] { return frames > 0 && !focusedViews(page->view()).empty(); }));
-        QObject::disconnect(counting);
+        present(page, [&] { return !focusedViews(page->view()).empty(); });
         animations.advance(Seconds(0.5));
         settleAll();
         return page;

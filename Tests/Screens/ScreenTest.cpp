@@ -179,19 +179,24 @@ JSON ScreenTest::ad(const JSON& item, const JSON& button, int secondsToSkip)
     return {{"txid", m_identifier}, {"type", "engagement"}, {"secondsToSkip", secondsToSkip}, {"ads", {one}}};
 }
 
-ScreenTest::Screen ScreenTest::ready(const JSON& ad)
+std::shared_ptr<VIRLOAdViewController> ScreenTest::readyScreen(const JSON& ad)
 {
-    Screen ready;
+    std::shared_ptr<VIRLOAdViewController> ready;
     std::atomic<bool> done{false};
     VIRLOAdScreens::installed()->screenForAdvertisementWithCompletion(
         VIRLOAdvertisement::initWithDictionary(ad), api,
         [&](const std::shared_ptr<VIRLOAdViewController>& screen, const OptionalError& error) {
             EXPECT_FALSE(error);
-            ready = std::dynamic_pointer_cast<VIRLOAdFullscreenViewController>(screen);
+            ready = screen;
             done = true;
         });
     EXPECT_TRUE(settle([&] { return done.load(); }));
     return ready;
+}
+
+ScreenTest::Screen ScreenTest::ready(const JSON& ad)
+{
+    return std::dynamic_pointer_cast<VIRLOAdFullscreenViewController>(readyScreen(ad));
 }
 
 ScreenTest::Screen ScreenTest::readyOver(const QColor& color, const JSON& ad)
@@ -201,14 +206,19 @@ ScreenTest::Screen ScreenTest::readyOver(const QColor& color, const JSON& ad)
     return ready(ad);
 }
 
-void ScreenTest::present(const Screen& screen)
+void ScreenTest::present(const std::shared_ptr<VIRLOAdViewController>& screen,
+                         const std::function<bool()>& isThere)
 {
     int frames = 0;
     const auto counting = QObject::connect(&window, &QQuickWindow::frameSwapped, [&] { ++frames; });
     VIRLOAdPresenter::present(screen, &window);
-    EXPECT_TRUE(settle(
-        [&] { return frames > 0 && focus(screen) != "none" && closeButton(screen).timerIsRunning(); }));
+    EXPECT_TRUE(settle([&] { return frames > 0 && isThere(); }));
     QObject::disconnect(counting);
+}
+
+void ScreenTest::present(const Screen& screen)
+{
+    present(screen, [&] { return focus(screen) != "none" && closeButton(screen).timerIsRunning(); });
     pumpMainLoop();
 }
 

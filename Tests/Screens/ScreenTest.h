@@ -12,6 +12,7 @@
 #include <QColor>
 #include <QImage>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -62,6 +63,10 @@ protected:
 
     using Screen = std::shared_ptr<VIRLOAdFullscreenViewController>;
     /// The screen that the library hands to a host for the ad, once it is ready.
+    /// The preloaded screen of an ad of any type.
+    [[nodiscard]] std::shared_ptr<VIRLOAdViewController> readyScreen(const JSON& ad);
+    /// Presents it and waits for a frame and for `isThere`.
+    void present(const std::shared_ptr<VIRLOAdViewController>& screen, const std::function<bool()>& isThere);
     [[nodiscard]] Screen ready(const JSON& ad);
     /// As `ready`, with an image of that colour already in the store.
     [[nodiscard]] Screen readyOver(const QColor& color, const JSON& ad);
